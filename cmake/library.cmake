@@ -1,0 +1,56 @@
+# The library: one set of objects for the shared library and for the unit tests.
+
+add_library(vantel_objects OBJECT
+    gates/clock.cpp
+    gates/cycle.cpp
+    gates/fractional_shift.cpp
+    gates/frame.cpp
+    gates/hadamard.cpp
+    gates/i_swap.cpp
+    gates/phase_rotate.cpp
+    gates/shift.cpp
+    gates/swap.cpp
+    interface/frame.cpp
+    interface/gates.cpp
+    interface/quantum_property.cpp
+    interface/readouts.cpp
+    property/gates.cpp
+    property/indices.cpp
+    property/merge.cpp
+    property/readouts.cpp
+    property/release.cpp
+    readout/draw.cpp
+    readout/measure.cpp
+    readout/probabilities.cpp
+    readout/reduced_density_matrix.cpp
+    state/dit_array.cpp
+    state/exceptions.cpp
+    state/radix_sort.cpp
+    state/reduction.cpp
+    state/state.cpp
+    state/state_factory.cpp
+    state/tensor_product.cpp)
+set_target_properties(vantel_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+target_include_directories(vantel_objects PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(vantel_objects PRIVATE vantel_compiler)
+
+# The headers as they stand after an installation, so that tests and examples see no more than a user.
+configure_file(interface/vantel.h include/vantel.h COPYONLY)
+configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
+
+add_library(vantel SHARED)
+add_library(vantel::vantel ALIAS vantel)
+target_link_libraries(vantel PRIVATE vantel_objects)
+set_target_properties(vantel PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/vantel.map)
+target_link_options(vantel PRIVATE
+    LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/vantel.map
+    LINKER:--no-undefined)
+target_include_directories(vantel INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)

@@ -1,0 +1,57 @@
+#include "gates/frame.hpp"
+
+#include <algorithm>
+
+#include "state/exceptions.hpp"
+#include "state/limits.hpp"
+
+namespace vantel::qudit {
+
+ControlTest::ControlTest(const std::vector<Predicate>& controls, SlotLayout layout) noexcept
+    : field_(layout.mask()) {
+    for (const Predicate& control : controls) {
+        if (control.is_equal)
+            require(layout.position(control.qudit_index), control.value);
+        else
+            refuse(layout.position(control.qudit_index), control.value);
+    }
+}
+
+void ControlTest::require(unsigned position, std::int64_t level) noexcept {
+    const std::uint64_t field = field_ << position;
+    const bool possible = 0 <= level && level <= static_cast<std::int64_t>(field_);
+    const std::uint64_t wanted = possible ? static_cast<std::uint64_t>(level) << position : 0;
+    const bool contradicts = (fields_ & field) != 0 && (wanted_ & field) != wanted;
+    fields_ |= field;
+    wanted_ |= wanted;
+    if (!possible || contradicts) {
+        // No masked label equals a wanted value with bits outside the mask.
+        fields_ = 0;
+        wanted_ = ~std::uint64_t{0};
+    }
+}
+
+void ControlTest::refuse(unsigned position, std::int64_t level) noexcept {
+    if (level < 0 || level > static_cast<std::int64_t>(field_))
+        return;
+    const auto end = refused_.begin() + refusals_;
+    const auto known =
+        std::find_if(refused_.begin(), end, [&](const Refusal& other) { return other.position == position; });
+    if (known == end)
+        refused_[refusals_++] = {position, 0};
+    known->levels |= std::uint32_t{1} << level;
+}
+
+void refuse_overlap(std::span<const int> targets, const std::vector<Predicate>& controls, const char* text) {
+    for (const int target : targets)
+        for (const Predicate& control : controls)
+            if (control.qudit_index == target)
+                throw TargetControlOverlap(text);
+}
+
+void guard_size(std::size_t entries, const char* text) {
+    if (entries > MAX_STATE_ENTRIES)
+        throw StateSizeExceeded(text);
+}
+
+} // namespace vantel::qudit

@@ -1,0 +1,65 @@
+/// The one place where exceptions become status codes.
+#pragma once
+
+#include <cstddef>
+#include <iostream>
+#include <vector>
+
+#include "interface/quantum_property.hpp"
+#include "interface/vantel.h"
+#include "state/exceptions.hpp"
+
+namespace vantel {
+
+/// The status code of an exception class.
+template <class Failure> inline constexpr int status_of = vantel_ok;
+template <> inline constexpr int status_of<qudit::TargetControlOverlap> = vantel_target_control_overlap;
+template <> inline constexpr int status_of<qudit::DifferentDimensions> = vantel_different_dimensions;
+template <> inline constexpr int status_of<qudit::BadDimension> = vantel_bad_dimension;
+template <> inline constexpr int status_of<qudit::BadQuditNumber> = vantel_bad_qudit_number;
+template <> inline constexpr int status_of<qudit::StateSizeExceeded> = vantel_state_size_exceeded;
+
+/// Runs the body of an exported function. There is one handler for each class that the function lists, and
+/// none for anything else: whatever is not listed passes out untouched. The lists differ from function to
+/// function on purpose.
+/// @return vantel_ok, or the code of the failure that was handled, whose text then stands on std::cerr
+template <class... Handled> struct Translate;
+
+template <> struct Translate<> {
+    template <class Body> static int run(Body body) {
+        body();
+        return vantel_ok;
+    }
+};
+
+template <class First, class... Rest> struct Translate<First, Rest...> {
+    template <class Body> static int run(Body body) {
+        try {
+            return Translate<Rest...>::run(body);
+        } catch (const First& failure) {
+            std::cerr << failure.what() << '\n';
+            return status_of<First>;
+        }
+    }
+};
+
+/// A copy of a caller's conditions; `records` may be null where `count` is 0.
+/// @throws std::length_error for a count beyond all memory, before any pointer is formed; std::bad_alloc
+inline std::vector<QuantumProperty::Predicate> conditions(const PredicateRecord* records, std::size_t count) {
+    std::vector<QuantumProperty::Predicate> copy;
+    copy.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        copy.push_back({records[i].property, records[i].value, records[i].is_equal != 0});
+    return copy;
+}
+
+/// A copy of a caller's property list, under the same terms.
+inline std::vector<QuantumProperty*> listed(QuantumProperty** properties, std::size_t count) {
+    std::vector<QuantumProperty*> copy;
+    copy.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        copy.push_back(properties[i]);
+    return copy;
+}
+
+} // namespace vantel

@@ -1,0 +1,53 @@
+/// What stands behind a caller's handle.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "state/istate.hpp"
+
+namespace vantel {
+
+/// A handle to one qudit. `SharedState::properties` stores its address, so it never moves: it is built in
+/// the storage where it will live.
+struct QuantumProperty {
+    struct SharedState;
+
+    /// A control condition by handle; qudit::Predicate is the same by index.
+    struct Predicate {
+        QuantumProperty* property; ///< not owned
+        int value;
+        bool is_equal;
+    };
+
+    /// Takes over a state, of which the new handle names qudit `index`.
+    QuantumProperty(std::unique_ptr<qudit::IState> state, int index);
+    QuantumProperty(const QuantumProperty&) = delete;
+    QuantumProperty& operator=(const QuantumProperty&) = delete;
+
+    /// Takes the qudit out of its joint state if other qudits remain there. A failure ends the process.
+    ~QuantumProperty();
+
+    std::shared_ptr<SharedState> shared_state; ///< one for all handles of a joint state
+    int index;                                 ///< this qudit's position there
+};
+
+/// One joint state and the handles of its qudits.
+struct QuantumProperty::SharedState {
+    std::unique_ptr<qudit::IState> state;
+
+    /// The handles, not owned. A release compacts the list and does not shorten it, so that a handle can
+    /// stand in it twice, and the pointer of a handle that is gone can remain. That is meant: a merge
+    /// moves the qudit index of a handle once for each time it stands here.
+    std::vector<QuantumProperty*> properties;
+
+    /// For each position of `properties`, whether its handle is gone. Such a position is never read or
+    /// written through, and is no handle that lives at the same address later.
+    std::vector<bool> stale;
+};
+
+/// A new qudit of `dimension` levels in level 0, alone in its joint state, built in the caller's storage.
+/// @throws qudit::BadDimension, std::bad_alloc
+QuantumProperty make_quantum_property(unsigned long dimension);
+
+} // namespace vantel

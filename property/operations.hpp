@@ -1,0 +1,62 @@
+/// The library's operations in terms of handles. Each merges the properties that it names and then acts on
+/// their joint state; a merge stays, whatever becomes of the operation.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "interface/quantum_property.hpp"
+#include "property/merge.hpp"
+
+namespace vantel {
+
+/// The conditions by index. Good only until the next merge or release, which renumber handles.
+std::vector<qudit::Predicate> convert_to_indexed_predicates(Predicates predicates);
+
+/// The present index of each property, in list order.
+std::vector<int> to_index_list(std::vector<QuantumProperty*> properties);
+std::vector<int> to_index_list(Targets properties);
+
+// Gates: as the IState operation of the name, with its exceptions and those of a merge.
+
+void hadamard(QuantumProperty& target, Predicates predicates);
+void inverse_hadamard(QuantumProperty& target, Predicates predicates);
+void cycle(QuantumProperty& target, Predicates predicates);
+void cycle(QuantumProperty& target, float fraction, Predicates predicates);
+void shift(QuantumProperty& target, Predicates predicates);
+void shift(QuantumProperty& target, float fraction, Predicates predicates);
+void clock(QuantumProperty& target, Predicates predicates);
+void clock(QuantumProperty& target, float fraction, Predicates predicates);
+/// Without predicates there is no joint state to act on: nothing is done.
+void phase_rotate(Predicates predicates, float angle);
+void swap(QuantumProperty& first, QuantumProperty& second, Predicates predicates);
+void i_swap(QuantumProperty& first, QuantumProperty& second, float fraction, Predicates predicates);
+
+// Readouts, in the order of the list; an empty list has an empty result.
+
+std::vector<int> measure(std::vector<QuantumProperty*> properties);
+std::vector<int> measure(Targets properties);
+/// Asks whether all conditions hold and projects onto the answer: 1 if they do, 0 if they do not all.
+/// Takes one more place in the joint state for the time of the call.
+int measure(const Predicates& predicates);
+std::vector<qudit::QuditsProbability> probabilities(std::vector<QuantumProperty*> properties);
+std::vector<qudit::DensityMatrixEntry> reduced_density_matrix(std::vector<QuantumProperty*> properties);
+
+/// A readout with its levels still packed, and how to read them.
+template <class Row> struct PackedTable {
+    qudit::SlotLayout layout;
+    std::vector<int> indices; ///< of the listed properties, in list order
+    std::vector<Row> rows;
+
+    /// The level of the i-th listed property in a packed word.
+    [[nodiscard]] std::uint64_t level(std::uint64_t values, std::size_t i) const {
+        return values >> layout.position(indices[i]) & layout.mask();
+    }
+};
+
+/// probabilities() and reduced_density_matrix(), still packed.
+PackedTable<qudit::PackedOutcome> packed_probabilities(std::vector<QuantumProperty*> properties);
+PackedTable<qudit::PackedElement> packed_density_matrix(std::vector<QuantumProperty*> properties);
+
+} // namespace vantel

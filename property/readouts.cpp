@@ -1,0 +1,68 @@
+#include <utility>
+
+#include "property/operations.hpp"
+
+namespace vantel {
+
+namespace {
+
+template <class Row>
+PackedTable<Row> packed_table(std::vector<QuantumProperty*> properties,
+                              std::vector<Row> (qudit::IState::*readout)(const std::vector<int>&) const) {
+    if (properties.empty())
+        return {};
+    const qudit::IState& state = *tensor_state(properties);
+    PackedTable<Row> table{
+        qudit::SlotLayout::of(state.dimension()), to_index_list(std::move(properties)), {}};
+    table.rows = (state.*readout)(table.indices);
+    return table;
+}
+
+} // namespace
+
+std::vector<int> measure(std::vector<QuantumProperty*> properties) {
+    if (properties.empty())
+        return {};
+    qudit::IState& state = *tensor_state(properties);
+    return state.measure(to_index_list(std::move(properties)));
+}
+
+std::vector<int> measure(Targets properties) {
+    if (properties.empty())
+        return {};
+    qudit::IState& state = *tensor_state(properties, {});
+    return state.measure(to_index_list(std::move(properties)));
+}
+
+int measure(const Predicates& predicates) {
+    // A two-level ancilla in front of the joint state, flipped where the conditions hold, carries the
+    // answer; its destruction takes it out again.
+    QuantumProperty ancilla = make_quantum_property(2);
+    tensor_state({ancilla}, predicates);
+    cycle(ancilla, predicates);
+    return measure(Targets{ancilla}).front();
+}
+
+std::vector<qudit::QuditsProbability> probabilities(std::vector<QuantumProperty*> properties) {
+    if (properties.empty())
+        return {};
+    const qudit::IState& state = *tensor_state(properties);
+    return state.probabilities(to_index_list(std::move(properties)));
+}
+
+std::vector<qudit::DensityMatrixEntry> reduced_density_matrix(std::vector<QuantumProperty*> properties) {
+    if (properties.empty())
+        return {};
+    const qudit::IState& state = *tensor_state(properties);
+    return state.reduced_density_matrix(to_index_list(std::move(properties)));
+}
+
+PackedTable<qudit::PackedOutcome> packed_probabilities(std::vector<QuantumProperty*> properties) {
+    return packed_table<qudit::PackedOutcome>(std::move(properties), &qudit::IState::packed_probabilities);
+}
+
+PackedTable<qudit::PackedElement> packed_density_matrix(std::vector<QuantumProperty*> properties) {
+    return packed_table<qudit::PackedElement>(std::move(properties), &qudit::IState::packed_density_matrix);
+}
+
+} // namespace vantel

@@ -1,0 +1,35 @@
+#include "readout/draw.hpp"
+
+#include <cstdint>
+#include <random>
+
+namespace vantel::qudit {
+
+// The draw is written out and not left to std::discrete_distribution, whose choice at an exact tie of the
+// number with a running sum differs between standard libraries.
+std::size_t draw_outcome(const std::vector<PackedOutcome>& outcomes) {
+    // The weights pass through single precision; that is meant.
+    std::vector<double> weights;
+    weights.reserve(outcomes.size());
+    double sum = 0.0;
+    for (const PackedOutcome& outcome : outcomes) {
+        weights.push_back(static_cast<double>(static_cast<float>(outcome.probability)));
+        sum += weights.back();
+    }
+
+    std::random_device device("/dev/urandom");
+    std::mt19937 generator(device());
+    const double low = static_cast<double>(generator());
+    const double high = static_cast<double>(generator());
+    const double number = (high * 0x1p32 + low) * 0x1p-64;
+
+    double running = 0.0;
+    for (std::size_t i = 0; i + 1 < weights.size(); ++i) {
+        running += weights[i] / sum;
+        if (running > number)
+            return i;
+    }
+    return weights.size() - 1;
+}
+
+} // namespace vantel::qudit

@@ -1,0 +1,49 @@
+#include "readout/levels.hpp"
+#include "readout/squared_modulus.hpp"
+#include "state/builds.hpp"
+#include "state/key_index.hpp"
+#include "state/packed_view.hpp"
+#include "state/state.hpp"
+#include "state/subkey.hpp"
+
+namespace vantel::qudit {
+
+namespace {
+
+std::vector<PackedOutcome> outcomes_of(std::span<const PackedAmplitude> entries, std::uint64_t listed) {
+    std::vector<PackedOutcome> outcomes;
+    const Subkey outcome_of(listed);
+    KeyIndex seen(outcome_of.bits(), entries.size());
+    for (const PackedAmplitude& entry : entries) {
+        const std::size_t position = seen.find_or_add(outcome_of(entry.values));
+        if (position == outcomes.size())
+            outcomes.push_back({entry.values, squared_modulus(entry.amplitude)});
+        else
+            outcomes[position].probability += squared_modulus(entry.amplitude);
+    }
+    return outcomes;
+}
+
+} // namespace
+
+template <class Label>
+std::vector<PackedOutcome> State<Label>::packed_probabilities(const std::vector<int>& qudits) const {
+    if (amplitudes.empty())
+        return {};
+    for (const int qudit : qudits)
+        static_cast<void>(amplitudes.front().label.at(qudit));
+    return outcomes_of(packed_view(amplitudes), fields_of(Label::layout, qudits));
+}
+
+template <class Label>
+std::vector<QuditsProbability> State<Label>::probabilities(std::vector<int> qudits) const {
+    std::vector<QuditsProbability> table;
+    for (const PackedOutcome& outcome : packed_probabilities(qudits))
+        table.push_back({levels_of(Label::layout, outcome.values, qudits), outcome.probability});
+    return table;
+}
+
+VANTEL_INSTANTIATE(std::vector<PackedOutcome>, packed_probabilities, (const std::vector<int>&) const)
+VANTEL_INSTANTIATE(std::vector<QuditsProbability>, probabilities, (std::vector<int>) const)
+
+} // namespace vantel::qudit

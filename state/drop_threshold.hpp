@@ -1,0 +1,18 @@
+/// When an amplitude is negligible.
+#pragma once
+
+#include <cmath>
+#include <complex>
+
+namespace vantel::qudit {
+
+/// 2^-23, compared in double.
+inline constexpr double DROP_THRESHOLD = 1.1920928955078125e-07;
+
+/// Whether an entry stays in a reduced list. The parts are tested one by one, a box around zero and not a
+/// circle; a NaN part does not exceed.
+inline bool exceeds_threshold(const std::complex<double>& amplitude) noexcept {
+    return std::abs(amplitude.real()) > DROP_THRESHOLD || std::abs(amplitude.imag()) > DROP_THRESHOLD;
+}
+
+} // namespace vantel::qudit

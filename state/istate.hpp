@@ -1,0 +1,120 @@
+/// The interface of a joint state: what the rest of the library sees of it, without its build parameters.
+#pragma once
+
+#include <complex>
+#include <cstdint>
+#include <vector>
+
+#include "state/basis_amplitude.hpp"
+
+namespace vantel::qudit {
+
+/// One control condition, by qudit index. A list of them is joined by AND; an empty list always holds.
+struct Predicate {
+    int qudit_index;
+    int value;     ///< the level to compare with; a level that the qudit cannot have is never equal
+    bool is_equal; ///< true: the levels must be equal; false: they must differ
+};
+
+/// One joint outcome: a level per listed qudit, in list order, and its probability.
+struct QuditsProbability {
+    std::vector<int> qudit_values;
+    double probability;
+};
+
+/// One element of a reduced density matrix, keyed by the levels of the kept qudits.
+struct DensityMatrixEntry {
+    std::vector<int> row_values;    ///< ket side
+    std::vector<int> column_values; ///< bra side
+    std::complex<double> element;
+};
+
+/// QuditsProbability with its levels still packed: `values` is the level word of the first entry that
+/// shows the outcome, of which only the listed qudits' fields mean anything.
+struct PackedOutcome {
+    std::uint64_t values;
+    double probability;
+};
+
+/// DensityMatrixEntry with its levels still packed, as in PackedOutcome.
+struct PackedElement {
+    std::uint64_t row_values;
+    std::uint64_t column_values;
+    std::complex<double> element;
+};
+
+/// A joint state of num_qudits() qudits: a sparse list of basis states with complex amplitudes.
+///
+/// Results stand in first-seen order of the stored entries. Indices are trusted; one out of range reads or
+/// writes some field of the same label, and only `probabilities` and `measure` test theirs. A state whose
+/// entries have all been dropped stays usable: it has empty tables, and its qudits report dimension 0.
+///
+/// Every gate takes `controls`, the conditions under which it acts on an entry, and refuses a target that
+/// is also a control with TargetControlOverlap before any change. Gates with a target list act for each
+/// target in turn, a repeated one repeatedly.
+class IState {
+public:
+    virtual ~IState() = default;
+
+    /// The largest dimension D that the build holds, whatever qudits the state has now.
+    [[nodiscard]] virtual std::uint64_t dimension() const = 0;
+    /// The number of levels of one qudit; 0 in an empty state.
+    [[nodiscard]] virtual std::uint64_t qudit_dimension(int qudit) const = 0;
+    [[nodiscard]] virtual std::uint64_t num_qudits() const = 0;
+    /// The entries, unpacked, in stored order.
+    [[nodiscard]] virtual std::vector<BasisAmplitudeData> basis_amplitudes() const = 0;
+
+    /// The joint outcomes of the listed qudits with their summed squared moduli; never normalised.
+    /// @throws std::out_of_range "qudit index out of range" for an index at or beyond num_qudits()
+    [[nodiscard]] virtual std::vector<QuditsProbability> probabilities(std::vector<int> qudits) const = 0;
+    /// The elements of the reduced density matrix of the listed qudits that some pair of entries reaches.
+    [[nodiscard]] virtual std::vector<DensityMatrixEntry>
+    reduced_density_matrix(std::vector<int> qudits) const = 0;
+    /// Draws one joint outcome of the listed qudits, projects onto it and renormalises.
+    /// @return the drawn levels, in list order; zeros from an empty state
+    /// @throws as `probabilities`, and what the system's random source raises; the state stands then
+    virtual std::vector<int> measure(std::vector<int> qudits) = 0;
+
+    /// Multiplies selected amplitudes by exp(i angle), with single-precision sine and cosine.
+    virtual void phase_rotate(std::vector<Predicate> controls, float angle) = 0;
+    /// Level v goes to (v + d - 1) mod d.
+    virtual void shift(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    /// A power of `shift`, by way of the Fourier basis.
+    virtual void shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) = 0;
+    /// A power of `cycle`, by way of the Fourier basis.
+    virtual void cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) = 0;
+    /// Level v goes to (v + 1) mod d.
+    virtual void cycle(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    /// Multiplies by exp(2 pi i v / d).
+    virtual void clock(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    /// Multiplies by exp(2 pi i (v fraction) / d), with v fraction in single precision.
+    virtual void clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) = 0;
+    /// Level v goes to the sum over k of exp(2 pi i (d - k) v / d) / sqrt(d) times level k.
+    virtual void hadamard(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    /// `hadamard` with the opposite sign of the exponent.
+    virtual void inverse_hadamard(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    /// Exchanges the dits of two qudits. @throws DifferentDimensions before any change
+    virtual void swap(int first, int second, std::vector<Predicate> controls) = 0;
+    /// Levels (p, q), p != q, go to cos t (p, q) + i sin t (q, p) with t = fraction pi / 2.
+    /// @throws DifferentDimensions before any change
+    virtual void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) = 0;
+
+    // The packed twins of three readouts. The layers above use them, since an allocation for the levels
+    // of each entry would cost more than all the rest.
+
+    /// basis_amplitudes(), still packed.
+    [[nodiscard]] virtual std::vector<PackedAmplitude> packed_amplitudes() const = 0;
+    /// probabilities(), still packed.
+    [[nodiscard]] virtual std::vector<PackedOutcome>
+    packed_probabilities(const std::vector<int>& qudits) const = 0;
+    /// reduced_density_matrix(), still packed.
+    [[nodiscard]] virtual std::vector<PackedElement>
+    packed_density_matrix(const std::vector<int>& qudits) const = 0;
+
+protected:
+    IState() = default;
+    IState(const IState&) = default;
+    IState& operator=(const IState&) = default;
+};
+
+} // namespace vantel::qudit

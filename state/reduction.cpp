@@ -1,0 +1,88 @@
+/// The step that keeps a list sparse.
+#include "state/reduction.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <new>
+
+#include "state/builds.hpp"
+#include "state/drop_threshold.hpp"
+#include "state/packed_view.hpp"
+#include "state/radix_sort.hpp"
+#include "state/state.hpp"
+#include "state/two_ended_partition.hpp"
+
+namespace vantel::qudit {
+
+namespace {
+
+bool by_key(const PackedAmplitude& left, const PackedAmplitude& right) {
+    return left.values < right.values;
+}
+
+void insertion_sort(std::span<PackedAmplitude> list) noexcept {
+    for (std::size_t i = 1; i < list.size(); ++i) {
+        const PackedAmplitude entry = list[i];
+        std::size_t place = i;
+        for (; place > 0 && entry.values < list[place - 1].values; --place)
+            list[place] = list[place - 1];
+        list[place] = entry;
+    }
+}
+
+/// Sorts words that hold key and position together, and then gathers the entries once.
+void radix_sort_entries(std::span<PackedAmplitude> list, unsigned index_bits) {
+    std::vector<std::uint64_t> items(2 * list.size());
+    const std::span<std::uint64_t> order(items.data(), list.size());
+    for (std::size_t i = 0; i < list.size(); ++i)
+        order[i] = list[i].values << index_bits | i;
+    radix_sort(order, {items.data() + list.size(), list.size()}, index_bits);
+    std::vector<PackedAmplitude> sorted;
+    sorted.reserve(list.size());
+    for (const std::uint64_t item : order)
+        sorted.push_back(list[item & ((std::uint64_t{1} << index_bits) - 1)]);
+    std::copy(sorted.begin(), sorted.end(), list.begin());
+}
+
+/// Stable, so that the sums of the merge have one settled order.
+void sort_by_key(std::span<PackedAmplitude> list) noexcept {
+    constexpr std::size_t few = 32;
+    constexpr unsigned index_bits = 24; // a key has at most 40 bits
+    if (list.size() <= few)
+        return insertion_sort(list);
+    try {
+        if (list.size() < std::size_t{1} << index_bits)
+            return radix_sort_entries(list, index_bits);
+    } catch (const std::bad_alloc&) {
+        // The reduction must not fail for want of scratch memory: it goes on without, more slowly.
+    }
+    std::stable_sort(list.begin(), list.end(), by_key);
+}
+
+/// Sums each run of equal labels forward into its last entry and leaves zeros before it.
+void merge_runs(std::span<PackedAmplitude> list) noexcept {
+    for (std::size_t i = 0; i + 1 < list.size(); ++i) {
+        if (list[i].values != list[i + 1].values)
+            continue;
+        list[i + 1].amplitude = list[i].amplitude + list[i + 1].amplitude;
+        list[i].amplitude = 0.0;
+    }
+}
+
+} // namespace
+
+std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept {
+    sort_by_key(list);
+    merge_runs(list);
+    return partition_two_ended(
+        list, [](const PackedAmplitude& entry) { return exceeds_threshold(entry.amplitude); });
+}
+
+template <class Label> void State<Label>::reduce(std::vector<Entry>& list) noexcept {
+    const std::size_t kept = reduce_entries(packed_view(list));
+    list.erase(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end());
+}
+
+VANTEL_INSTANTIATE(void, reduce, (std::vector<Entry>&) noexcept)
+
+} // namespace vantel::qudit
