@@ -9,7 +9,6 @@
 #include <sys/ioctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <vector>
 
 // The device is a pipe that holds copies of the word, so that what was taken shows in what is left.
 namespace {
@@ -18,7 +17,8 @@ constexpr int copies = 8;
 bool replaced = false;
 vantel::testing::RandomSource::Fault fault_at_device{};
 std::array<int, 2> ends{-1, -1};
-std::vector<int> handed_out;
+std::array<int, copies> handed_out{};
+int opened_so_far = 0;
 
 } // namespace
 
@@ -34,8 +34,7 @@ extern "C" __attribute__((visibility("default"))) int open(const char* path, int
         errno = ENOENT;
         return -1;
     }
-    handed_out.push_back(dup(ends[0]));
-    return handed_out.back();
+    return handed_out.at(static_cast<std::size_t>(opened_so_far++)) = dup(ends[0]);
 }
 
 namespace vantel::testing {
@@ -47,7 +46,7 @@ RandomSource::RandomSource(std::uint32_t word, Fault fault) {
     if (pipe(ends.data()) != 0 || write(ends[1], words.data(), size) != static_cast<ssize_t>(size))
         std::abort();
     close(ends[1]);
-    handed_out.clear();
+    opened_so_far = 0;
     fault_at_device = fault;
     replaced = true;
 }
@@ -58,13 +57,13 @@ RandomSource::~RandomSource() {
 }
 
 int RandomSource::opened() const {
-    return static_cast<int>(handed_out.size());
+    return opened_so_far;
 }
 
 int RandomSource::left_open() const {
     int open_still = 0;
-    for (const int descriptor : handed_out)
-        open_still += syscall(SYS_fcntl, descriptor, F_GETFD) >= 0 ? 1 : 0;
+    for (int i = 0; i < opened_so_far; ++i)
+        open_still += syscall(SYS_fcntl, handed_out.at(static_cast<std::size_t>(i)), F_GETFD) >= 0 ? 1 : 0;
     return open_still;
 }
 
