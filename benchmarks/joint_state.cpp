@@ -47,10 +47,14 @@ QuantumProperty* made(int dimension) {
     return qudit;
 }
 
+std::size_t Description::combinations() const {
+    return std::accumulate(dimensions.begin(), dimensions.end(), std::size_t{1}, std::multiplies<>());
+}
+
 std::size_t Description::entries() const {
     if (shape == Shape::dense)
-        return std::accumulate(dimensions.begin(), dimensions.end(), std::size_t{1}, std::multiplies<>());
-    return shape == Shape::diagonal ? 2 : 50000;
+        return combinations();
+    return shape == Shape::scattered ? 50000 : shape == Shape::diagonal ? 2 : 1;
 }
 
 JointState::JointState(const Description& description, std::size_t condition_count) {
@@ -62,7 +66,7 @@ JointState::JointState(const Description& description, std::size_t condition_cou
         make_dense();
     else if (description.shape == Shape::diagonal)
         make_diagonal();
-    else
+    else if (description.shape == Shape::scattered)
         make_scattered();
     for (std::size_t i = 0; i < condition_count; ++i)
         conditions.push_back({qudits[i], i == 0 ? 1 : 0, static_cast<unsigned char>(i == 0)});
@@ -101,7 +105,7 @@ void JointState::make_scattered() {
     // Each step maps labels one to one, so their number stays while the digits mix.
     std::mt19937 generator(1);
     const std::size_t count = qudits.size();
-    for (std::size_t i = 0; i < 3 * count; ++i) {
+    for (std::size_t i = 0; i < 5 * count; ++i) {
         const std::size_t raised = (5 + i) % count;
         const std::size_t source = (raised + 1 + generator() % (count - 1)) % count;
         const std::size_t second = (source + 1 + generator() % (count - 1)) % count;

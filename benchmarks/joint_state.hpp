@@ -10,6 +10,7 @@
 namespace benchmarks {
 
 enum class Shape {
+    single,   ///< one entry, all qudits in level 0
     dense,    ///< every combination of levels, in the order of its labels
     diagonal, ///< two entries, all qudits in level 0 or all in level 1
     scattered ///< 50000 entries of ten-level qudits with labels and an order of no pattern
@@ -20,7 +21,9 @@ struct Description {
     Shape shape;
     std::vector<int> dimensions;
     std::vector<std::size_t> conditions; ///< the numbers of conditions that gates are run with
+    bool transforms_only = false;
 
+    [[nodiscard]] std::size_t combinations() const; ///< of levels, whether stored or not
     [[nodiscard]] std::size_t entries() const;
     [[nodiscard]] int target_dimension() const { return dimensions[dimensions.size() / 2]; }
 };

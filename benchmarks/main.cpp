@@ -12,6 +12,13 @@ Description dense(int dimension, std::size_t qudits, std::vector<std::size_t> co
             std::vector<int>(qudits, dimension), std::move(conditions)};
 }
 
+/// The dimensions that no other state has.
+Description transformed(int dimension, std::size_t qudits) {
+    Description description = dense(dimension, qudits, {0});
+    description.transforms_only = true;
+    return description;
+}
+
 std::vector<Description> states() {
     return {
         dense(2, 1, {0}),
@@ -22,6 +29,12 @@ std::vector<Description> states() {
         dense(10, 4, {0, 1, 2}),
         dense(3, 10, {0, 1, 2}),
         dense(10, 5, {0, 1, 2}),
+        transformed(4, 8),
+        transformed(5, 7),
+        transformed(6, 6),
+        transformed(7, 5),
+        transformed(8, 5),
+        transformed(9, 5),
         {"scattered", Shape::scattered, std::vector<int>(10, 10), {0, 1, 2}},
     };
 }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <span>
 
 #include <benchmark/benchmark.h>
 
@@ -125,13 +126,8 @@ void add_readout(const Readout& readout, const Description& description) {
         return;
     add(readout.name, description, 0, [=](benchmark::State& run, JointState& state) {
         QuantumProperty* few[] = {state.target, state.other};
-        std::size_t rows = 1;
-        for (std::size_t i = 0; i < count; ++i)
-            rows *= static_cast<std::size_t>(description.target_dimension());
-        if (readout.qudits == 0)
-            rows = 1;
-        for (const int dimension : description.dimensions)
-            rows *= readout.qudits == 0 ? static_cast<std::size_t>(dimension) : 1;
+        const auto d = static_cast<std::size_t>(description.target_dimension());
+        const std::size_t rows = readout.qudits == 0 ? description.combinations() : count == 1 ? d : d * d;
         OutcomeRecords records(rows, count);
         std::vector<float> matrix(readout.apply == density_matrix ? 2 * rows * rows : 0);
         for (auto _ : run)
@@ -142,9 +138,11 @@ void add_readout(const Readout& readout, const Description& description) {
 } // namespace
 
 void register_repeatable(const Description& description) {
-    for (const Gate& gate : gates)
+    for (const Gate& gate : description.transforms_only ? std::span(gates).first(2) : std::span(gates))
         if (!gate.branches || description.shape != Shape::scattered)
             add_gate(gate, description);
+    if (description.transforms_only)
+        return;
     for (const Readout& readout : readouts)
         add_readout(readout, description);
 }
