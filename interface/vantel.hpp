@@ -437,9 +437,10 @@ requires(sizeof...(Rest) > 0) std::array<int, sizeof...(Rest) + 1> measure(Qudit
     return levels;
 }
 
-/// Asks whether `when` holds, and projects the joint state onto the answer.
-/// See the note on second answers at vantel_stochastic_projection().
-inline bool project(Conditions when) {
+/// vantel_stochastic_projection(): asks whether `when` holds, and projects the joint state onto the answer.
+/// The joint state can then no longer be merged safely as vantel_free_quantum_property() tells, nor asked
+/// again; project() can.
+inline bool stochastic_projection(Conditions when) {
     int answer = 0;
     detail::call(vantel_stochastic_projection, when.data(), when.size(), &answer);
     return answer != 0;
@@ -471,6 +472,27 @@ template <std::same_as<Qudit>... Rest>
 /// Built from the fifteen functions. A failure on the way leaves what was applied before it.
 /// @{
 
+/// Brings a newcomer into the joint state of `into`, as its last qudit, and changes nothing else. The qudit
+/// that joined last can be freed and its joint state used on; a target joins in front of its controls unless
+/// it is brought in before.
+inline void join(Qudit& into, Qudit& newcomer) {
+    constexpr int never = -1;
+    phase_rotate(into == never && newcomer == never, 0.0F);
+}
+
+/// Asks whether `when` holds, and projects the joint state onto the answer, as often as one likes. Takes one
+/// more place among the ten for the time of the call.
+inline bool project(Conditions when) {
+    if (when.size() == 0)
+        return true;
+    Qudit answer(2);
+    std::vector<Condition> joined(when.data(), when.data() + when.size());
+    joined.push_back(answer == 1);
+    phase_rotate(joined, 0.0F);
+    cycle(answer, when);
+    return measure(answer) == 1;
+}
+
 /// Adds a constant: level v goes to (v + steps) mod d, by whole cycles or shifts, whichever are fewer.
 inline void add(Qudit& target, int steps, Conditions when = {}) {
     const int dimension = target.dimension();
@@ -481,6 +503,13 @@ inline void add(Qudit& target, int steps, Conditions when = {}) {
     else
         for (int i = up; i < dimension; ++i)
             shift(target, when);
+}
+
+/// Measures a qudit and takes it back to level 0, ready for another use. Returns the level that it had.
+inline int reset(Qudit& target) {
+    const int level = measure(target);
+    add(target, -level);
+    return level;
 }
 
 /// @cond internal
