@@ -41,6 +41,7 @@ target_link_libraries(vantel_objects PRIVATE vantel_compiler)
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
 configure_file(interface/vantel.h include/vantel.h COPYONLY)
+configure_file(interface/vantel.hpp include/vantel.hpp COPYONLY)
 configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
 add_library(vantel SHARED)
