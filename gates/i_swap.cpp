@@ -76,7 +76,8 @@ std::optional<DirectReduction> shared_out(std::span<const PackedAmplitude> entri
             return {};
         table->mark(values) |= own;
         table->position(values) = static_cast<std::uint32_t>(i);
-        table->mark(values ^ difference) |= difference != 0 && controls_hold(values) ? crosses : 0;
+        if (difference != 0 && controls_hold(values))
+            table->mark(values ^ difference) |= crosses;
     }
 
     const auto amplitude = [&](std::uint64_t values) {

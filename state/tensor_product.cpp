@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <complex>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -21,16 +23,24 @@ std::uint64_t repacked(std::uint64_t word, SlotLayout from, SlotLayout to, int c
     return wide;
 }
 
-/// Packs the state's entries for slots `offset` and up of a build of dimension `dimension`.
-void repack(std::vector<PackedAmplitude>& entries, const IState& state, std::uint64_t dimension, int offset) {
-    const SlotLayout from = SlotLayout::of(state.dimension());
-    const SlotLayout to = SlotLayout::of(dimension);
-    const int count = static_cast<int>(state.num_qudits());
-    for (PackedAmplitude& entry : entries) {
-        entry.values = repacked(entry.values, from, to, count, offset);
-        entry.dimensions = repacked(entry.dimensions, from, to, count, offset);
+/// Packs entries of one state for slots `offset` and up of a build of dimension `dimension`.
+class Repacking {
+public:
+    Repacking(const IState& state, std::uint64_t dimension, std::uint64_t offset)
+        : from_(SlotLayout::of(state.dimension())), to_(SlotLayout::of(dimension)),
+          count_(static_cast<int>(state.num_qudits())), offset_(static_cast<int>(offset)) {}
+
+    PackedAmplitude operator()(const PackedAmplitude& entry) const {
+        return {repacked(entry.values, from_, to_, count_, offset_),
+                repacked(entry.dimensions, from_, to_, count_, offset_), entry.amplitude};
     }
-}
+
+private:
+    SlotLayout from_;
+    SlotLayout to_;
+    int count_;
+    int offset_;
+};
 
 } // namespace
 
@@ -41,20 +51,25 @@ std::unique_ptr<IState> tensor_product(const IState& a, const IState& b) {
                                                a.num_qudits() + b.num_qudits()};
     // The factory tests both limits, in this order, but only once the list stands; a product that is
     // far too large is refused here before it exhausts the memory.
-    std::vector<PackedAmplitude> first = a.packed_amplitudes();
-    std::vector<PackedAmplitude> second = b.packed_amplitudes();
-    if (first.size() * second.size() > MAX_STATE_ENTRIES)
+    const std::size_t size = a.packed_amplitudes().size() * b.packed_amplitudes().size();
+    if (size > MAX_STATE_ENTRIES)
         throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
-    repack(first, a, config.dim, 0);
-    repack(second, b, config.dim, static_cast<int>(a.num_qudits()));
 
+    const Repacking first(a, config.dim, 0);
+    const Repacking second(b, config.dim, a.num_qudits());
+    std::vector<PackedAmplitude> behind;
+    behind.reserve(b.packed_amplitudes().size());
+    std::transform(b.packed_amplitudes().begin(), b.packed_amplitudes().end(), std::back_inserter(behind),
+                   second);
     std::vector<PackedAmplitude> product;
-    product.reserve(first.size() * second.size());
-    for (const PackedAmplitude& x : first)
-        for (const PackedAmplitude& y : second)
+    product.reserve(size);
+    for (const PackedAmplitude& entry : a.packed_amplitudes()) {
+        const PackedAmplitude x = first(entry);
+        for (const PackedAmplitude& y : behind)
             product.push_back({x.values | y.values, x.dimensions | y.dimensions, x.amplitude * y.amplitude});
-    return Factory::make_unique_state(config, product);
+    }
+    return Factory::make_unique_state(config, PackedEntries(product));
 }
 
 template std::unique_ptr<IState> tensor_product<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>(const IState& a,
