@@ -1,7 +1,30 @@
-# What an installation consists of.
+# What an installation consists of: the library, and what building against it takes.
 
-install(TARGETS vantel EXPORT vantel LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS vantel EXPORT vantel
+    LIBRARY
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT runtime
+        NAMELINK_COMPONENT development)
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 install(FILES
     ${PROJECT_BINARY_DIR}/include/vantel.h
+    ${PROJECT_BINARY_DIR}/include/vantel.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# find_package(vantel 1 CONFIG). The library needs no other package, so the exported targets are all of it.
+include(CMakePackageConfigHelpers)
+set(vantel_package ${CMAKE_INSTALL_LIBDIR}/cmake/vantel)
+install(EXPORT vantel FILE vantel-config.cmake NAMESPACE vantel:: DESTINATION ${vantel_package})
+write_basic_package_version_file(vantel-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/vantel-config-version.cmake DESTINATION ${vantel_package})
+
+# pkg-config. The prefix is found from where the file lies, so that the whole tree can be moved.
+file(RELATIVE_PATH vantel_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/vantel.pc.in vantel.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/vantel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+    FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py)
+install(FILES README.md docs/guide.md docs/exceptions.md DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)

@@ -4,6 +4,7 @@ add_library(vantel_objects OBJECT
     gates/clock.cpp
     gates/cycle.cpp
     gates/fractional_shift.cpp
+    gates/fourier_sums.cpp
     gates/frame.cpp
     gates/hadamard.cpp
     gates/i_swap.cpp
@@ -25,6 +26,7 @@ add_library(vantel_objects OBJECT
     readout/reduced_density_matrix.cpp
     state/dit_array.cpp
     state/exceptions.cpp
+    state/field_groups.cpp
     state/radix_sort.cpp
     state/reduction.cpp
     state/state.cpp
@@ -39,6 +41,7 @@ target_link_libraries(vantel_objects PRIVATE vantel_compiler)
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
 configure_file(interface/vantel.h include/vantel.h COPYONLY)
+configure_file(interface/vantel.hpp include/vantel.hpp COPYONLY)
 configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
 add_library(vantel SHARED)

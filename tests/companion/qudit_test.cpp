@@ -1,0 +1,159 @@
+// What owns, what fails and what is returned.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include <vantel.hpp>
+
+namespace {
+
+using vantel::Qudit;
+
+static_assert(!std::is_copy_constructible_v<Qudit> && std::is_nothrow_move_constructible_v<Qudit> &&
+              std::is_nothrow_move_assignable_v<Qudit> && std::is_nothrow_swappable_v<Qudit>);
+
+template <class Body> vantel_status status_of_failure(Body body) {
+    try {
+        body();
+    } catch (const vantel::Error& failure) {
+        return failure.status();
+    }
+    return vantel_ok;
+}
+
+TEST(QuditObject, TakesItsQuditAlongWhenMoved) {
+    Qudit control(3);
+    Qudit target(4);
+    vantel::cycle(control);
+    const auto when = control == 1;
+    Qudit moved(std::move(control));
+    control = Qudit(2);
+    vantel::cycle(target, when);
+    EXPECT_EQ(moved.dimension(), 3);
+    EXPECT_EQ(vantel::measure(moved, target, control), (std::array{1, 1, 0}));
+    Qudit& same = moved;
+    moved = std::move(same);
+    EXPECT_EQ(vantel::measure(moved), 1);
+}
+
+TEST(QuditObject, IsReorderedByAlgorithmsWithoutAGate) {
+    auto qudits = vantel::make_register(3, 3);
+    vantel::cycle(qudits[0]);
+    const QuantumProperty* const first = qudits[0].handle();
+    std::ranges::reverse(qudits);
+    EXPECT_EQ(qudits[2].handle(), first);
+    EXPECT_EQ(vantel::measure(qudits), (std::vector{0, 0, 1}));
+}
+
+TEST(QuditObject, HandsOverItsHandle) {
+    Qudit qudit(2);
+    QuantumProperty* const handle = qudit.release();
+    EXPECT_EQ(qudit.handle(), nullptr);
+    EXPECT_EQ(vantel_free_quantum_property(handle), vantel_ok);
+}
+
+TEST(ConditionList, CanBeWrittenInEachForm) {
+    Qudit a(3), b(3);
+    vantel::cycle(a);
+    const std::vector<vantel::Condition> collected{a == 1, b != 1};
+    for (int form = 0; form < 4; ++form) {
+        Qudit target(5);
+        vantel::join(a, target);
+        switch (form) {
+        case 0:
+            vantel::cycle(target, a == 1 && b != 1);
+            break;
+        case 1:
+            vantel::cycle(target, {a == 1, b != 1});
+            break;
+        case 2:
+            vantel::cycle(target, collected);
+            break;
+        default:
+            vantel::cycle(target, {a == 1, b != 0});
+            break;
+        }
+        EXPECT_EQ(vantel::measure(target), form < 3 ? 1 : 0) << form;
+    }
+}
+
+TEST(Failure, ArrivesAsOneClassWhicheverWayItCame) {
+    Qudit two(2), three(3);
+    EXPECT_EQ(status_of_failure([] { Qudit{11}; }), vantel_bad_dimension);
+    EXPECT_EQ(status_of_failure([&] { vantel::hadamard(two, two == 0); }), vantel_target_control_overlap);
+    EXPECT_EQ(status_of_failure([&] { vantel::swap_levels(two, three); }), vantel_different_dimensions);
+    EXPECT_EQ(status_of_failure([&] { vantel::swap_by_sums(two, three); }), vantel_different_dimensions);
+
+    auto many = vantel::make_register(11, 2);
+    EXPECT_EQ(status_of_failure([&] { (void)vantel::probabilities(many); }), vantel_bad_qudit_number);
+    EXPECT_EQ(status_of_failure([&] {
+                  for (auto& qudit : many)
+                      vantel::hadamard(two, qudit == 0);
+              }),
+              vantel_bad_qudit_number);
+
+    auto large = vantel::make_register(6, 10);
+    for (auto& qudit : large)
+        vantel::hadamard(qudit);
+    EXPECT_EQ(status_of_failure([&] { (void)vantel::measure(large); }), vantel_state_size_exceeded);
+}
+
+TEST(Readout, KeepsItsTableWhenMoved) {
+    Qudit two(2), three(3);
+    vantel::cycle(three);
+    auto table = vantel::probabilities(two, three);
+    ASSERT_EQ(table.size(), 6U);
+    EXPECT_EQ(table(0, 1), 1.0F);
+    EXPECT_EQ(table[2].probability, 1.0F);
+    const auto moved = std::move(table);
+    EXPECT_EQ(moved[3].qudit_values[0], 1);
+    EXPECT_EQ(moved[3].qudit_values[1], 1);
+}
+
+TEST(Readout, ProjectsOntoTheAnswer) {
+    Qudit a(3), b(3);
+    vantel::prepare_bell(a, b);
+    const bool is_two = vantel::stochastic_projection(a == 2);
+    EXPECT_EQ(vantel::probabilities(b)(2), is_two ? 1.0F : 0.0F);
+}
+
+TEST(JointState, StaysSoundWhenTheLastComerLeaves) {
+    auto trio = vantel::make_register(3, 3);
+    vantel::prepare_ghz(trio);
+    for (int round = 0; round < 3; ++round) {
+        Qudit copy(3);
+        vantel::join(trio[0], copy);
+        vantel::sum(trio[1], copy);
+        vantel::measure(copy);
+    }
+    const bool first = vantel::project(trio[0] == 1);
+    EXPECT_EQ(vantel::project(trio[2] == 1), first);
+    EXPECT_EQ(vantel::project(trio[1] == 1 && trio[2] == 1), first);
+    Qudit judge(4);
+    vantel::sum(trio[2], judge);
+    const int level = vantel::reset(trio[1]);
+    EXPECT_EQ(vantel::measure(trio[0], trio[1], trio[2], judge), (std::array{level, 0, level, level}));
+}
+
+TEST(Readout, OfAnEmptyJointStateHasNoRows) {
+    Qudit qudit(3);
+    vantel::phase_rotate(qudit == 0, std::nanf(""));
+    vantel::hadamard(qudit);
+    EXPECT_EQ(vantel::probabilities(qudit).size(), 0U);
+    EXPECT_EQ(vantel::measure(qudit), 0);
+}
+
+TEST(Readout, TakesReferencesInAnyOrder) {
+    Qudit a(2), b(3);
+    vantel::cycle(b);
+    const std::vector<std::reference_wrapper<Qudit>> list{b, a};
+    EXPECT_EQ(vantel::measure(list), (std::vector{1, 0}));
+    EXPECT_EQ(vantel::reduced_density_matrix(list)(1, 1), std::complex<float>(1.0F));
+}
+
+} // namespace

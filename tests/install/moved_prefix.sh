@@ -1,0 +1,32 @@
+#!/bin/sh
+# Installs a build, moves the prefix, and builds and runs separate projects against it, found by CMake and
+# by pkg-config.
+# Usage: moved_prefix.sh BUILD_DIRECTORY SCRATCH_DIRECTORY C_COMPILER CXX_COMPILER [FLAGS]
+set -eu
+sources=$(dirname "$(realpath "$0")")
+build=$1 scratch=$2 flags=${5-}
+export CC="$3" CXX="$4" CFLAGS="$flags" CXXFLAGS="$flags"
+
+rm -rf "$scratch"
+mkdir -p "$scratch"
+cmake --install "$build" --prefix "$scratch/first" >"$scratch/install.log"
+prefix=$scratch/moved
+mv "$scratch/first" "$prefix"
+
+for language in c cpp; do
+    cmake -S "$sources/$language" -B "$scratch/$language" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/cmake.log"
+    cmake --build "$scratch/$language" >>"$scratch/cmake.log"
+    "$scratch/$language/user"
+done
+
+library=$(dirname "$(find "$prefix" -name 'libvantel.so.1')")
+command -v pkg-config >/dev/null || { echo "no pkg-config here: that half is left out"; exit 0; }
+PKG_CONFIG_PATH=$library/pkgconfig
+export PKG_CONFIG_PATH
+[ "$(pkg-config --modversion vantel)" = 1.0.0 ]
+# shellcheck disable=SC2046,SC2086 # flags are lists
+$CC -std=c99 $flags "$sources/c/main.c" $(pkg-config --cflags --libs vantel) -o "$scratch/c_user"
+# shellcheck disable=SC2046,SC2086
+$CXX -std=c++20 $flags "$sources/cpp/main.cpp" $(pkg-config --cflags --libs vantel) -o "$scratch/cpp_user"
+LD_LIBRARY_PATH=$library "$scratch/c_user"
+LD_LIBRARY_PATH=$library "$scratch/cpp_user"
