@@ -20,7 +20,7 @@ QuantumProperty::~QuantumProperty() {
 
 QuantumProperty make_quantum_property(unsigned long dimension) {
     using Factory = qudit::StateFactory<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>;
-    const std::vector<qudit::BasisAmplitudeData> ground{{{{0, dimension}}, {1.0, 0.0}}};
+    const std::vector<qudit::PackedAmplitude> ground{{0, dimension - 1, {1.0, 0.0}}};
     return {Factory::make_unique_state({dimension, 1}, ground), 0};
 }
 

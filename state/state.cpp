@@ -16,16 +16,17 @@ namespace {
 /// The constructors' two rules, in place. Repeats are told apart before zeros go.
 /// @return how many entries stay, at the front, in their order
 std::size_t keep_first_nonzero(std::span<PackedAmplitude> entries, unsigned key_bits) {
-    KeyIndex seen(key_bits, entries.size());
-    std::size_t kept = 0;
-    for (const PackedAmplitude& entry : entries) {
-        const std::size_t known = seen.size();
-        const bool repeated = seen.find_or_add(entry.values) != known;
-        const bool zero = entry.amplitude.real() == 0.0 && entry.amplitude.imag() == 0.0;
-        if (!repeated && !zero)
-            entries[kept++] = entry;
-    }
-    return kept;
+    return with_key_index(key_bits, entries.size(), [entries](auto& seen) {
+        std::size_t kept = 0;
+        for (const PackedAmplitude& entry : entries) {
+            const std::size_t known = seen.size();
+            const bool repeated = seen.find_or_add(entry.values) != known;
+            const bool zero = entry.amplitude.real() == 0.0 && entry.amplitude.imag() == 0.0;
+            if (!repeated && !zero)
+                entries[kept++] = entry;
+        }
+        return kept;
+    });
 }
 
 template <class Label> void keep_first_nonzero(std::vector<BasisAmplitude<Label>>& entries) {

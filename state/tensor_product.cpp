@@ -9,26 +9,27 @@ namespace vantel::qudit {
 
 namespace {
 
-/// Moves the fields of a packed word of `count` slots to their places in a wider packing, starting at
-/// slot `offset` there.
+/// Moves the fields of a packed word of `count` slots to their places in another packing, starting at slot
+/// `offset` there.
 std::uint64_t repacked(std::uint64_t word, SlotLayout from, SlotLayout to, int count, int offset) {
+    unsigned place = static_cast<unsigned>(offset) * to.bits;
+    if (from.bits == to.bits)
+        return word << place;
     std::uint64_t wide = 0;
-    for (int slot = 0; slot < count; ++slot)
-        wide |= (word >> from.position(slot) & from.mask()) << to.position(offset + slot);
+    for (int slot = 0; slot < count; ++slot, word >>= from.bits, place += to.bits)
+        wide |= (word & from.mask()) << place;
     return wide;
 }
 
-/// The state's entries, packed for slots `offset` and up of a build of dimension `dimension`.
-std::vector<PackedAmplitude> repacked_entries(const IState& state, std::uint64_t dimension, int offset) {
+/// Packs the state's entries for slots `offset` and up of a build of dimension `dimension`.
+void repack(std::vector<PackedAmplitude>& entries, const IState& state, std::uint64_t dimension, int offset) {
     const SlotLayout from = SlotLayout::of(state.dimension());
     const SlotLayout to = SlotLayout::of(dimension);
     const int count = static_cast<int>(state.num_qudits());
-    std::vector<PackedAmplitude> entries = state.packed_amplitudes();
     for (PackedAmplitude& entry : entries) {
         entry.values = repacked(entry.values, from, to, count, offset);
         entry.dimensions = repacked(entry.dimensions, from, to, count, offset);
     }
-    return entries;
 }
 
 } // namespace
@@ -40,12 +41,13 @@ std::unique_ptr<IState> tensor_product(const IState& a, const IState& b) {
                                                a.num_qudits() + b.num_qudits()};
     // The factory tests both limits, in this order, but only once the list stands; a product that is
     // far too large is refused here before it exhausts the memory.
-    const std::vector<PackedAmplitude> first = repacked_entries(a, config.dim, 0);
-    const std::vector<PackedAmplitude> second =
-        repacked_entries(b, config.dim, static_cast<int>(a.num_qudits()));
+    std::vector<PackedAmplitude> first = a.packed_amplitudes();
+    std::vector<PackedAmplitude> second = b.packed_amplitudes();
     if (first.size() * second.size() > MAX_STATE_ENTRIES)
         throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
+    repack(first, a, config.dim, 0);
+    repack(second, b, config.dim, static_cast<int>(a.num_qudits()));
 
     std::vector<PackedAmplitude> product;
     product.reserve(first.size() * second.size());
