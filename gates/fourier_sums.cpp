@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 
 #include "gates/fourier_factors.hpp"
 #include "state/field_groups.hpp"
@@ -13,6 +14,16 @@ namespace vantel::qudit {
 namespace {
 
 using Group = FieldGroups::Group;
+
+/// Calls `use` with the dimension, as a constant where it is so small that a loop over it is worth unrolling.
+template <class Use> void with_dimension(std::uint64_t dimension, Use use) {
+    if (dimension == 2)
+        use(std::integral_constant<std::uint64_t, 2>());
+    else if (dimension == 3)
+        use(std::integral_constant<std::uint64_t, 3>());
+    else
+        use(dimension);
+}
 
 /// Whether all labels have the dimensions of the first, and all levels of the target are below its own.
 bool is_regular(std::span<const PackedAmplitude> entries, std::uint64_t target_field) {
@@ -36,17 +47,19 @@ public:
 
     /// Works out the sums, group by group.
     void sum(std::span<const Group> groups) {
-        for (std::size_t g = 0; g < groups.size(); ++g) {
-            const std::uint64_t values = entries_[groups[g].members[0]].values;
-            others_[g] = values & ~(field_ << position_);
-            if (controls_hold_(values)) {
-                runs_[g] = groups[g].size;
-                transform(groups[g], &sums_[g * dimension_]);
-            } else {
-                runs_[g] = 0;
-                keep(groups[g], &sums_[g * dimension_], &own_runs_[g * dimension_]);
+        with_dimension(dimension_, [this, groups](auto dimension) {
+            for (std::size_t g = 0; g < groups.size(); ++g) {
+                const std::uint64_t values = entries_[groups[g].members[0]].values;
+                others_[g] = values & ~(field_ << position_);
+                if (controls_hold_(values)) {
+                    runs_[g] = groups[g].size;
+                    transform(groups[g], &sums_[g * dimension], dimension);
+                } else {
+                    runs_[g] = 0;
+                    keep(groups[g], &sums_[g * dimension], &own_runs_[g * dimension]);
+                }
             }
-        }
+        });
     }
 
     /// Adds the sums to the reduction. The order of labels is by the target's new level first.
@@ -74,19 +87,20 @@ private:
     }
 
     /// The d sums of a group, each over as many children as the group has entries, in stored order.
-    void transform(const Group& group, Parts* sums) {
-        const std::uint64_t dimension = dimension_;
-        for (std::uint32_t m = 0; m < group.size; ++m) {
-            const PackedAmplitude& entry = entries_[group.members[m]];
-            const Factor* row = factors_.from(entry.values >> position_ & field_).data();
-            const Parts amplitude = parts_of(entry.amplitude);
-            if (m == 0)
-                for (std::uint64_t k = 0; k < dimension; ++k)
-                    sums[k] = row[k].unrecovered(amplitude);
-            else
-                for (std::uint64_t k = 0; k < dimension; ++k)
-                    sums[k] += row[k].unrecovered(amplitude);
-        }
+    template <class Dimension> void transform(const Group& group, Parts* sums, Dimension dimension) {
+        add_children(entries_[group.members[0]], dimension,
+                     [sums](std::uint64_t k, Parts child) { sums[k] = child; });
+        for (std::uint32_t m = 1; m < group.size; ++m)
+            add_children(entries_[group.members[m]], dimension,
+                         [sums](std::uint64_t k, Parts child) { sums[k] += child; });
+    }
+
+    template <class Dimension, class Add>
+    void add_children(const PackedAmplitude& entry, Dimension dimension, Add add) {
+        const Factor* const row = factors_.from(entry.values >> position_ & field_).data();
+        const Parts amplitude = parts_of(entry.amplitude);
+        for (std::uint64_t k = 0; k < dimension; ++k)
+            add(k, row[k].unrecovered(amplitude));
     }
 
     /// A group that the controls leave out: each entry is a sum of its own, a repeated label's together.

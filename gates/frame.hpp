@@ -75,9 +75,10 @@ template <class Relabelled>
 void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
                       Relabelled relabelled) {
     controls_hold.specialised([&](auto holds) {
+        const Relabelled own = relabelled; // a copy that no store to an entry can be thought to change
         for (PackedAmplitude& entry : entries) {
             const bool selected = holds(entry.values);
-            const std::uint64_t values = relabelled(entry, selected);
+            const std::uint64_t values = own(entry, selected);
             entry.values ^= (entry.values ^ values) & -static_cast<std::uint64_t>(selected);
         }
     });
@@ -88,9 +89,10 @@ template <class FactorOf>
 void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
                       FactorOf factor_of) {
     controls_hold.specialised([&](auto holds) {
+        const FactorOf own = factor_of; // as above
         std::complex<double> unselected;
         for (PackedAmplitude& entry : entries) {
-            const Parts turned = factor_of(entry)(parts_of(entry.amplitude));
+            const Parts turned = own(entry)(parts_of(entry.amplitude));
             store(turned, holds(entry.values) ? entry.amplitude : unselected);
         }
     });

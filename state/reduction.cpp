@@ -47,11 +47,12 @@ void radix_sort_entries(std::span<PackedAmplitude> list, unsigned index_bits) {
 /// Stable, so that the sums of the merge have one settled order.
 void sort_by_key(std::span<PackedAmplitude> list) noexcept {
     constexpr std::size_t few = 32;
+    constexpr std::size_t many = 512;   // from here on the counters of a radix pass pay
     constexpr unsigned index_bits = 24; // a key has at most 40 bits
     if (list.size() <= few)
         return insertion_sort(list);
     try {
-        if (list.size() < std::size_t{1} << index_bits)
+        if (list.size() >= many && list.size() < std::size_t{1} << index_bits)
             return radix_sort_entries(list, index_bits);
     } catch (const std::bad_alloc&) {
         // The reduction must not fail for want of scratch memory: it goes on without, more slowly.
