@@ -4,6 +4,7 @@ add_library(vantel_objects OBJECT
     gates/clock.cpp
     gates/cycle.cpp
     gates/fractional_shift.cpp
+    gates/fourier_sums.cpp
     gates/frame.cpp
     gates/hadamard.cpp
     gates/i_swap.cpp
@@ -25,6 +26,7 @@ add_library(vantel_objects OBJECT
     readout/reduced_density_matrix.cpp
     state/dit_array.cpp
     state/exceptions.cpp
+    state/field_groups.cpp
     state/radix_sort.cpp
     state/reduction.cpp
     state/state.cpp

@@ -32,27 +32,43 @@ struct FractionalSteps {
     }
 };
 
+/// The phases of the levels of a dit in a call, each worked out once.
+using Phases = std::array<Factor, 16>;
+
+template <class Steps>
+Phases phases_of(std::span<const PackedAmplitude> entries, unsigned position, std::uint64_t field,
+                 std::uint64_t dimension, Steps steps) {
+    // A short list is looked through for its levels first, since a phase costs as much as many entries.
+    constexpr std::size_t many = 256;
+    std::uint32_t occurring = ~std::uint32_t{0};
+    if (entries.size() < many) {
+        occurring = 0;
+        for (const PackedAmplitude& entry : entries)
+            occurring |= std::uint32_t{1} << ((entry.values & field) >> position);
+    }
+    Phases phases;
+    for (std::uint64_t level = 0; level <= field >> position; ++level)
+        if ((occurring >> level & 1) != 0)
+            phases[level] = Factor(phase(dimension, steps(level)));
+    return phases;
+}
+
 /// Multiplies each selected amplitude by phase(d, steps(v)), target by target.
 template <class Steps>
 void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<int>& targets,
           const std::vector<Predicate>& controls, Steps steps) {
+    if (entries.empty())
+        return;
     const ControlTest controls_hold(controls, layout);
     for (const int target : targets) {
         const unsigned position = layout.position(target);
-        // The phases of the levels that occur, each worked out once for the dimension met first.
-        std::array<std::complex<double>, 16> phases;
-        std::uint32_t known = 0;
-        const std::uint64_t first =
-            entries.empty() ? 0 : entries.front().dimensions >> position & layout.mask();
-        rephase_selected(entries, controls_hold, [&](const PackedAmplitude& entry) {
-            const std::uint64_t level = entry.values >> position & layout.mask();
-            const std::uint64_t top = entry.dimensions >> position & layout.mask();
-            if (top != first) [[unlikely]]
-                return phase(top + 1, steps(level));
-            if ((known >> level & 1) == 0) [[unlikely]] {
-                phases[level] = phase(top + 1, steps(level));
-                known |= std::uint32_t{1} << level;
-            }
+        const std::uint64_t field = layout.mask() << position;
+        const std::uint64_t top = entries.front().dimensions & field;
+        const Phases phases = phases_of(entries, position, field, (top >> position) + 1, steps);
+        rephase_selected(entries, controls_hold, [=, &phases](const PackedAmplitude& entry) {
+            const std::uint64_t level = (entry.values & field) >> position;
+            if ((entry.dimensions & field) != top) [[unlikely]]
+                return Factor(phase(((entry.dimensions & field) >> position) + 1, steps(level)));
             return phases[level];
         });
     }

@@ -8,11 +8,18 @@ namespace vantel::qudit {
 
 namespace {
 
-/// Level v goes to (v + 1) mod d.
+/// (v + 1) mod d: the level above, and 0 from the top level.
+struct Raise {
+    std::uint64_t operator()(std::uint64_t level, std::uint64_t top, std::uint64_t one) const {
+        return level == top ? -top : one;
+    }
+    [[nodiscard]] std::uint64_t addend(std::uint64_t /*top*/) const { return 1; }
+};
+
 void raise_levels(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<int>& targets,
                   const std::vector<Predicate>& controls) {
     refuse_overlap(targets, controls, "Cycle operation has overlapping targets and controls");
-    step_levels(entries, layout, targets, controls, [](std::uint64_t) { return std::uint64_t{1}; });
+    step_levels(entries, layout, targets, controls, Raise{});
     guard_size(entries.size());
 }
 

@@ -2,13 +2,14 @@
 #pragma once
 
 #include <array>
-#include <complex>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
 #include "state/istate.hpp"
+#include "state/product.hpp"
 
 namespace vantel::qudit {
 
@@ -28,8 +29,14 @@ public:
 
     /// Calls `walk` with the cheapest test that has the same answers.
     template <class Walk> void specialised(Walk walk) const {
-        if (refusals_ != 0)
+        if (refusals_ > 1 || (refusals_ == 1 && !std::has_single_bit(refused_[0].levels)))
             walk(*this);
+        else if (refusals_ == 1)
+            walk([fields = fields_, wanted = wanted_, refused_field = field_ << refused_[0].position,
+                  refused = std::uint64_t(std::countr_zero(refused_[0].levels))
+                            << refused_[0].position](std::uint64_t values) {
+                return ((values & fields) == wanted) & ((values & refused_field) != refused);
+            });
         else if (fields_ == 0 && wanted_ == 0)
             walk([](std::uint64_t) { return true; });
         else
@@ -83,8 +90,8 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
     controls_hold.specialised([&](auto holds) {
         std::complex<double> unselected;
         for (PackedAmplitude& entry : entries) {
-            const std::complex<double> product = entry.amplitude * factor_of(entry);
-            *(holds(entry.values) ? &entry.amplitude : &unselected) = product;
+            const Parts turned = factor_of(entry)(parts_of(entry.amplitude));
+            store(turned, holds(entry.values) ? entry.amplitude : unselected);
         }
     });
 }

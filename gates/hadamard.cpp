@@ -1,7 +1,7 @@
-#include <array>
-#include <cmath>
-#include <complex>
+#include <optional>
 
+#include "gates/fourier_factors.hpp"
+#include "gates/fourier_sums.hpp"
 #include "gates/frame.hpp"
 #include "state/builds.hpp"
 #include "state/packed_view.hpp"
@@ -10,39 +10,6 @@
 namespace vantel::qudit {
 
 namespace {
-
-/// The elements of the transform of a d-level qudit from one level v to each level k:
-/// exp(i sign 2 pi (d - k) v / d) / sqrt(d). The angle is taken as it stands, unreduced, so that the
-/// residues of rounding are those of this very product; no table of roots of unity replaces it.
-class Factors {
-public:
-    Factors(std::uint64_t dimension, double sign)
-        : dimension_(dimension), scale_(1.0 / std::sqrt(static_cast<double>(dimension))),
-          unit_((sign + sign) * 3.141592653589793) {}
-
-    /// The factors from level v, ascending in k.
-    std::span<const std::complex<double>> from(std::uint64_t v) {
-        std::array<std::complex<double>, levels>& row = rows_[v];
-        if ((known_ >> v & 1) == 0) {
-            for (std::uint64_t k = 0; k < dimension_; ++k) {
-                const double theta = unit_ * static_cast<double>(dimension_ - k) * static_cast<double>(v) /
-                                     static_cast<double>(dimension_);
-                row[k] = {scale_ * std::cos(theta), scale_ * std::sin(theta)};
-            }
-            known_ |= std::uint32_t{1} << v;
-        }
-        return {row.data(), dimension_};
-    }
-
-private:
-    static constexpr std::size_t levels = 16; ///< what a field can hold
-
-    std::uint64_t dimension_;
-    double scale_;
-    double unit_;
-    std::uint32_t known_ = 0;
-    std::array<std::array<std::complex<double>, levels>, levels> rows_;
-};
 
 /// How many entries one pass over `input` yields.
 std::size_t count_children(std::span<const PackedAmplitude> input, const ControlTest& controls_hold,
@@ -55,16 +22,17 @@ std::size_t count_children(std::span<const PackedAmplitude> input, const Control
 
 /// Writes each entry, or the children of a selected one ascending in k, to `output`.
 void spread(std::span<const PackedAmplitude> input, const ControlTest& controls_hold, unsigned position,
-            std::uint64_t field, Factors& factors, PackedAmplitude* output) {
+            std::uint64_t field, FourierFactors& factors, PackedAmplitude* output) {
     for (const PackedAmplitude& entry : input) {
         if (!controls_hold(entry.values)) {
             *output++ = entry;
             continue;
         }
         const std::uint64_t others = entry.values & ~(field << position);
-        const std::span<const std::complex<double>> row = factors.from(entry.values >> position & field);
+        const std::span<const Factor> row = factors.from(entry.values >> position & field);
         for (std::uint64_t k = 0; k < row.size(); ++k)
-            *output++ = {others | k << position, entry.dimensions, entry.amplitude * row[k]};
+            *output++ = {others | k << position, entry.dimensions,
+                         complex_of(row[k](parts_of(entry.amplitude)))};
     }
 }
 
@@ -77,10 +45,9 @@ auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int targe
     if (input.empty())
         return {};
     const Label& first = input.front().label;
-    const std::uint64_t dimension = first[target].dimension;
     const ControlTest controls_hold(controls, Label::layout);
-    Factors factors(dimension, sign);
-    std::vector<Entry> output(count_children(packed_view(input), controls_hold, dimension));
+    FourierFactors factors(first[target].dimension, sign);
+    std::vector<Entry> output(count_children(packed_view(input), controls_hold, factors.dimension()));
     spread(packed_view(input), controls_hold, Label::layout.position(target), Label::layout.mask(), factors,
            packed_view(output).data());
     return output;
@@ -89,6 +56,15 @@ auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int targe
 template <class Label>
 void State<Label>::transform(const std::vector<int>& targets, const std::vector<Predicate>& controls,
                              double sign) {
+    if (targets.size() == 1) {
+        if (const std::optional<DirectReduction> sums =
+                fourier_sums(packed_view(amplitudes), Label::layout, targets.front(),
+                             ControlTest(controls, Label::layout), sign)) {
+            amplitudes.resize(sums->size());
+            sums->write(packed_view(amplitudes));
+            return guard_size(amplitudes.size());
+        }
+    }
     std::vector<Entry> working = amplitudes;
     for (const int target : targets)
         working = hadamard_no_reduce(working, target, controls, sign);

@@ -13,7 +13,7 @@ namespace {
 void rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<Predicate>& controls,
             float angle) {
     // Single precision, unlike the other phases: repeated rotations let the norm drift by as much. Meant.
-    const std::complex<double> factor{std::cos(angle), std::sin(angle)};
+    const Factor factor(std::complex<double>(std::cos(angle), std::sin(angle)));
     rephase_selected(entries, ControlTest(controls, layout),
                      [factor](const PackedAmplitude&) { return factor; });
     guard_size(entries.size());

@@ -8,11 +8,18 @@ namespace vantel::qudit {
 
 namespace {
 
-/// Level v goes to (v + (d - 1)) mod d.
+/// v + (d - 1) mod d: the level below, and the top level from 0.
+struct Lower {
+    std::uint64_t operator()(std::uint64_t level, std::uint64_t top, std::uint64_t one) const {
+        return level == 0 ? top : -one;
+    }
+    [[nodiscard]] std::uint64_t addend(std::uint64_t top) const { return top; }
+};
+
 void lower_levels(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<int>& targets,
                   const std::vector<Predicate>& controls) {
     refuse_overlap(targets, controls, "Shift operation has overlapping targets and controls");
-    step_levels(entries, layout, targets, controls, [](std::uint64_t top) { return top; });
+    step_levels(entries, layout, targets, controls, Lower{});
     guard_size(entries.size());
 }
 

@@ -9,30 +9,32 @@
 
 namespace vantel::qudit {
 
-/// Adds addend(d - 1), which is 1 or d - 1, to the level of each target in every selected entry, modulo the
-/// dimension d that the entry's own label gives the target.
-template <class Addend>
+/// Moves each target of every selected entry by one level, with wrap-around by the dimension that the
+/// entry's own label gives the target.
+/// @param step  step(level, top, one) is what to add to the word of levels, with level and top level as
+///              they stand in their field and `one` the unit there; step.addend(top) is what to add to a
+///              level, as a number, before the remainder by the dimension is taken
+template <class Step>
 void step_levels(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<int>& targets,
-                 const std::vector<Predicate>& controls, Addend addend) {
+                 const std::vector<Predicate>& controls, Step step) {
     const ControlTest controls_hold(controls, layout);
-    const std::uint64_t field = layout.mask();
-    for (const int target : targets)
-        relabel_selected(
-            entries, controls_hold,
-            [=, position = layout.position(target)](const PackedAmplitude& entry, bool selected) {
-                const std::uint64_t level = entry.values >> position & field;
-                const std::uint64_t top = entry.dimensions >> position & field;
-                const std::uint64_t step = addend(top);
-                const std::uint64_t sum = level + step;
-                std::uint64_t stepped = sum > top ? sum - top - 1 : sum;
-                // A level beyond its own dimension, which a wider build lets in, wraps more than once.
-                if (stepped > top || step > top) [[unlikely]] {
-                    if (selected && step > top)
-                        die_of_addend();
-                    stepped = sum % (top + 1);
-                }
-                return (entry.values & ~(field << position)) | stepped << position;
-            });
+    for (const int target : targets) {
+        const unsigned position = layout.position(target);
+        const std::uint64_t one = std::uint64_t{1} << position;
+        const std::uint64_t field = layout.mask() << position;
+        relabel_selected(entries, controls_hold, [=](const PackedAmplitude& entry, bool selected) {
+            const std::uint64_t level = entry.values & field;
+            const std::uint64_t top = entry.dimensions & field;
+            if (level <= top && top != 0) [[likely]]
+                return entry.values + step(level, top, one);
+            // A level beyond its own dimension, which a wider build lets in, or a dimension of 1.
+            const std::uint64_t addend = step.addend(top >> position);
+            if (selected && addend > top >> position)
+                die_of_addend();
+            const std::uint64_t stepped = ((level >> position) + addend) % ((top >> position) + 1);
+            return (entry.values & ~field) | stepped << position;
+        });
+    }
 }
 
 } // namespace vantel::qudit

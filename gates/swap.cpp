@@ -14,13 +14,11 @@ namespace {
 void exchange(std::span<PackedAmplitude> entries, SlotLayout layout, int first, int second,
               const std::vector<Predicate>& controls) {
     const Exchange exchanged(layout, first, second);
-    const ControlTest controls_hold(controls, layout);
-    controls_hold.specialised([&](auto holds) {
-        for (PackedAmplitude& entry : entries) {
-            const bool selected = holds(entry.values);
-            entry.values ^= exchanged.difference(entry.values) & -std::uint64_t{selected};
-            entry.dimensions ^= exchanged.difference(entry.dimensions) & -std::uint64_t{selected};
-        }
+    relabel_selected(entries, ControlTest(controls, layout), [=](PackedAmplitude& entry, bool selected) {
+        // Dimensions differ only in a label whose own ones are not those of the first entry.
+        if (exchanged.difference(entry.dimensions) != 0 && selected) [[unlikely]]
+            entry.dimensions ^= exchanged.difference(entry.dimensions);
+        return entry.values ^ exchanged.difference(entry.values);
     });
     guard_size(entries.size());
 }

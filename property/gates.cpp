@@ -12,7 +12,7 @@ using Controls = std::vector<qudit::Predicate>;
 /// Merges first and reads the indices second: a merge renumbers handles.
 /// @param gate  called with the joint state, the target's index in a list, and the indexed conditions
 template <class Gate> void act_on(QuantumProperty& target, Predicates& predicates, Gate gate) {
-    qudit::IState& state = *tensor_state({target}, predicates);
+    qudit::IState& state = relate(target, predicates);
     Controls controls = convert_to_indexed_predicates(std::move(predicates));
     gate(state, Indices{target.index}, std::move(controls));
 }
@@ -70,18 +70,20 @@ void clock(QuantumProperty& target, float fraction, Predicates predicates) {
 void phase_rotate(Predicates predicates, float angle) {
     if (predicates.empty())
         return;
-    qudit::IState& state = *tensor_state(predicates);
+    qudit::IState& state = relate(*predicates.front().property, predicates);
     state.phase_rotate(convert_to_indexed_predicates(std::move(predicates)), angle);
 }
 
 void swap(QuantumProperty& first, QuantumProperty& second, Predicates predicates) {
-    qudit::IState& state = *tensor_state({first, second}, predicates);
+    tensor_state(first, second);
+    qudit::IState& state = relate(first, predicates);
     Controls controls = convert_to_indexed_predicates(std::move(predicates));
     state.swap(first.index, second.index, std::move(controls));
 }
 
 void i_swap(QuantumProperty& first, QuantumProperty& second, float fraction, Predicates predicates) {
-    qudit::IState& state = *tensor_state({first, second}, predicates);
+    tensor_state(first, second);
+    qudit::IState& state = relate(first, predicates);
     Controls controls = convert_to_indexed_predicates(std::move(predicates));
     state.i_swap(first.index, second.index, fraction, std::move(controls));
 }

@@ -10,24 +10,6 @@ namespace vantel {
 
 namespace {
 
-/// Collects the joint state of a list that comes one property at a time. The first is the anchor.
-class Merge {
-public:
-    void add(QuantumProperty& property) {
-        if (anchor_ == nullptr)
-            anchor_ = &property;
-        else
-            tensor_state(*anchor_, property);
-    }
-
-    [[nodiscard]] qudit::IState* joint_state() const {
-        return anchor_ == nullptr ? nullptr : anchor_->shared_state->state.get();
-    }
-
-private:
-    QuantumProperty* anchor_ = nullptr;
-};
-
 /// Index arithmetic wraps in 32 bits.
 int raised(int index, int offset) {
     return static_cast<int>(static_cast<unsigned>(index) + static_cast<unsigned>(offset));
@@ -36,11 +18,11 @@ int raised(int index, int offset) {
 } // namespace
 
 qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b) {
+    if (a.shared_state->state == b.shared_state->state)
+        return a.shared_state->state.get();
     // Kept alive until the walk below is through: moving b's last handle over gives up the last share.
     const std::shared_ptr<QuantumProperty::SharedState> into = a.shared_state;
     const std::shared_ptr<QuantumProperty::SharedState> from = b.shared_state;
-    if (into->state == from->state)
-        return into->state.get();
 
     // All that can fail comes before all that changes.
     const int offset = static_cast<int>(into->state->num_qudits());
@@ -63,24 +45,31 @@ qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b) {
     return into->state.get();
 }
 
-qudit::IState* tensor_state(Targets targets, Predicates predicates) {
-    Merge merge;
-    for (QuantumProperty& target : targets)
-        merge.add(target);
+qudit::IState& relate(QuantumProperty& anchor, const Predicates& predicates) {
     for (const QuantumProperty::Predicate& predicate : predicates)
-        merge.add(*predicate.property);
-    return merge.joint_state();
+        tensor_state(anchor, *predicate.property);
+    return *anchor.shared_state->state;
+}
+
+qudit::IState* tensor_state(Targets targets, Predicates predicates) {
+    if (targets.empty())
+        return tensor_state(std::move(predicates));
+    QuantumProperty& anchor = targets.front();
+    for (QuantumProperty& target : targets)
+        tensor_state(anchor, target);
+    return &relate(anchor, predicates);
 }
 
 qudit::IState* tensor_state(Predicates predicates) {
-    return tensor_state(Targets{}, std::move(predicates));
+    return predicates.empty() ? nullptr : &relate(*predicates.front().property, predicates);
 }
 
 qudit::IState* tensor_state(std::vector<QuantumProperty*> properties) {
-    Merge merge;
+    if (properties.empty())
+        return nullptr;
     for (QuantumProperty* const property : properties)
-        merge.add(*property);
-    return merge.joint_state();
+        tensor_state(*properties.front(), *property);
+    return properties.front()->shared_state->state.get();
 }
 
 } // namespace vantel

@@ -17,6 +17,11 @@ using Predicates = std::vector<QuantumProperty::Predicate>;
 /// @throws qudit::StateSizeExceeded, qudit::BadQuditNumber, std::bad_alloc; nothing has changed then
 qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b);
 
+/// Merges the predicates' properties into the anchor's joint state, in order. @throws as the pair form; where
+/// a merge fails, those before it stand
+/// @return the joint state
+qudit::IState& relate(QuantumProperty& anchor, const Predicates& predicates);
+
 /// Merges all listed properties into the first one's joint state, in list order. Where a merge fails,
 /// those before it stand.
 /// @return the joint state; null for an empty list

@@ -38,7 +38,7 @@ int measure(const Predicates& predicates) {
     // A two-level ancilla in front of the joint state, flipped where the conditions hold, carries the
     // answer; its destruction takes it out again.
     QuantumProperty ancilla = make_quantum_property(2);
-    tensor_state({ancilla}, predicates);
+    relate(ancilla, predicates);
     cycle(ancilla, predicates);
     return measure(Targets{ancilla}).front();
 }

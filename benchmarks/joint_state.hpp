@@ -1,0 +1,65 @@
+/// The states that the benchmarks run on, made through the C interface alone.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "vantel.h"
+
+namespace benchmarks {
+
+enum class Shape {
+    single,   ///< one entry, all qudits in level 0
+    dense,    ///< every combination of levels, in the order of its labels
+    diagonal, ///< two entries, all qudits in level 0 or all in level 1
+    scattered ///< 50000 entries of ten-level qudits with labels and an order of no pattern
+};
+
+struct Description {
+    std::string name;
+    Shape shape;
+    std::vector<int> dimensions;
+    std::vector<std::size_t> conditions; ///< the numbers of conditions that gates are run with
+    bool transforms_only = false;
+
+    [[nodiscard]] std::size_t combinations() const; ///< of levels, whether stored or not
+    [[nodiscard]] std::size_t entries() const;
+    [[nodiscard]] int target_dimension() const { return dimensions[dimensions.size() / 2]; }
+};
+
+/// Ends the program unless a call that prepares a state reports success.
+void expect_ok(int status);
+
+[[nodiscard]] QuantumProperty* made(int dimension);
+
+/// Qudits in one joint state. Owns their handles.
+class JointState {
+public:
+    explicit JointState(const Description& description, std::size_t condition_count = 0);
+    ~JointState();
+    JointState(const JointState&) = delete;
+    JointState& operator=(const JointState&) = delete;
+
+    std::vector<QuantumProperty*> qudits;
+    QuantumProperty* target;                 ///< stands in the middle
+    QuantumProperty* other;                  ///< stands last, beside the target or, alone, is it
+    std::vector<PredicateRecord> conditions; ///< the first "is 1", the second "is not 0", on the first qudits
+
+private:
+    void make_dense();
+    void make_diagonal();
+    void make_scattered();
+};
+
+/// What a caller of vantel_probabilities() provides.
+class OutcomeRecords {
+public:
+    OutcomeRecords(std::size_t rows, std::size_t columns);
+    std::vector<ProbabilityRecord> rows;
+
+private:
+    std::vector<int> levels_;
+};
+
+} // namespace benchmarks

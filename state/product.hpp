@@ -1,0 +1,54 @@
+/// The complex product of the hot loops.
+#pragma once
+
+#include <cmath>
+#include <complex>
+
+namespace vantel::qudit {
+
+/// Real and imaginary part side by side in one vector register.
+using Parts [[gnu::vector_size(16)]] = double;
+
+/// The same in memory, where an amplitude is aligned as one of its parts.
+using StoredParts [[gnu::vector_size(16), gnu::aligned(8), gnu::may_alias]] = double;
+
+inline Parts parts_of(const std::complex<double>& number) noexcept {
+    return *reinterpret_cast<const StoredParts*>(&number);
+}
+
+inline void store(Parts parts, std::complex<double>& number) noexcept {
+    *reinterpret_cast<StoredParts*>(&number) = parts;
+}
+
+inline std::complex<double> complex_of(Parts parts) noexcept {
+    return {parts[0], parts[1]};
+}
+
+/// A number that many amplitudes are multiplied by.
+class Factor {
+public:
+    Factor() = default;
+    explicit Factor(const std::complex<double>& factor) noexcept
+        : real_{factor.real(), factor.real()}, crossed_{-factor.imag(), factor.imag()} {}
+
+    /// The amplitude times the factor, to the last bit what std::complex gives: real part a f - b g and
+    /// imaginary part b f + a g, each product rounded by itself. Where both parts come out NaN, the
+    /// standard's own product, which recovers infinities, is taken.
+    [[nodiscard]] Parts operator()(Parts amplitude) const noexcept {
+        const Parts product = unrecovered(amplitude);
+        if (std::isunordered(product[0], product[1])) [[unlikely]]
+            return parts_of(complex_of(amplitude) * std::complex<double>(real_[0], crossed_[1]));
+        return product;
+    }
+
+    /// The same without the recovery, for whoever looks for NaN in both parts later.
+    [[nodiscard]] Parts unrecovered(Parts amplitude) const noexcept {
+        return amplitude * real_ + __builtin_shufflevector(amplitude, amplitude, 1, 0) * crossed_;
+    }
+
+private:
+    Parts real_;    ///< the real part, twice
+    Parts crossed_; ///< the imaginary part negated, and as it is
+};
+
+} // namespace vantel::qudit

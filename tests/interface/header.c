@@ -1,0 +1,5 @@
+/* The public header needs nothing before it and can come twice. */
+#include <vantel.h>
+int main(void) {
+    return vantel_ok;
+}

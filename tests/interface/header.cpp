@@ -1,0 +1,6 @@
+// The public headers need nothing before them and can come twice.
+#include <vantel.h>
+#include <vantel_exceptions.hpp>
+int main() {
+    return vantel_ok;
+}

@@ -1,0 +1,201 @@
+#include <csignal>
+#include <new>
+#include <optional>
+
+#include "interface/quantum_property.hpp"
+#include "property/operations.hpp"
+#include "tests/support/handles.hpp"
+#include "tests/support/random_source.hpp"
+#include "tests/support/states.hpp"
+
+namespace vantel::testing {
+namespace {
+
+using List = std::vector<QuantumProperty*>;
+
+Entries entries_behind(const Handle& handle) {
+    return handle->shared_state->state->basis_amplitudes();
+}
+
+TEST(Merge, PutsTheSecondBehindTheFirstInEveryRespect) {
+    const Handle a = qudit_of(2), b = qudit_of(3), c = qudit_of(5);
+    vantel_hadamard(a.get(), nullptr, 0);
+    vantel_cycle(b.get(), 1.0F, nullptr, 0);
+    ASSERT_EQ(merge({b.get(), a.get()}), 0);
+    ASSERT_EQ(merge({c.get(), a.get(), c.get(), b.get()}), 0);
+    EXPECT_EQ((std::vector<int>{a->index, b->index, c->index}), (std::vector<int>{2, 1, 0}));
+    EXPECT_EQ(a->shared_state->properties, (List{c.get(), b.get(), a.get()}));
+    EXPECT_EQ(a->shared_state->state->dimension(), 5U);
+    EXPECT_TRUE(same_entries(entries_behind(a), entries_of({5, 3, 2}, {{{0, 1, 0}, 0.7071067811865475},
+                                                                       {{0, 1, 1}, 0.7071067811865475}})));
+}
+
+TEST(Merge, ThatFailsLeavesItsHandlesAndTheMergesBeforeIt) {
+    std::vector<Handle> handles;
+    List list;
+    for (int i = 0; i < 11; ++i)
+        list.push_back(handles.emplace_back(qudit_of(2)).get());
+    merge({list.begin(), list.begin() + 5});
+    merge({list.begin() + 6, list.end()});
+    EXPECT_THROW(merge({list[0], list[5], list[10]}), qudit::BadQuditNumber);
+    EXPECT_EQ(list[5]->index, 5);
+    EXPECT_EQ(list[5]->shared_state, list[0]->shared_state);
+    EXPECT_EQ(list[10]->index, 4);
+    EXPECT_EQ(list[10]->shared_state->properties.size(), 5U);
+}
+
+TEST(Release, LetsTheLastQuditTakeThePlaceAndNeverShortensTheList) {
+    Handle a = qudit_of(2), b = qudit_of(3), c = qudit_of(5);
+    vantel_cycle(c.get(), 1.0F, nullptr, 0);
+    merge({a.get(), b.get(), c.get()});
+    a.reset();
+    EXPECT_EQ((std::vector<int>{b->index, c->index}), (std::vector<int>{1, 0}));
+    EXPECT_EQ(b->shared_state->properties, (List{b.get(), c.get(), c.get()}));
+    EXPECT_TRUE(same_entries(entries_behind(b), entries_of({5, 3}, {{{1, 0}, 1.0}})));
+    c.reset();
+    EXPECT_EQ(b->index, 0);
+    EXPECT_EQ(b->shared_state->properties.size(), 3U);
+    EXPECT_EQ(b->shared_state->state->dimension(), 5U);
+    EXPECT_EQ(b->shared_state->state->qudit_dimension(0), 3U);
+}
+
+TEST(Release, KeepsTheFirstStoredAmplitudeOfASuperposedQudit) {
+    Handle a = qudit_of(2), b = qudit_of(3);
+    vantel_hadamard(a.get(), nullptr, 0);
+    merge({a.get(), b.get()});
+    a.reset();
+    EXPECT_TRUE(same_entries(entries_behind(b), entries_of({3}, {{{0}, 0.7071067811865475}})));
+}
+
+TEST(Release, LeavesThePartnerOfAnEntangledQuditInAPureSuperposition) {
+    Handle a = qudit_of(2), b = qudit_of(2);
+    vantel_hadamard(a.get(), nullptr, 0);
+    const PredicateRecord one{a.get(), 1, 1};
+    vantel_cycle(b.get(), 1.0F, &one, 1);
+    a.reset();
+    EXPECT_TRUE(same_entries(entries_behind(b),
+                             entries_of({2}, {{{0}, 0.7071067811865475}, {{1}, 0.7071067811865475}})));
+}
+
+TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
+    std::vector<Handle> handles;
+    List list;
+    for (int i = 0; i < 6; ++i)
+        list.push_back(handles.emplace_back(qudit_of(7)).get());
+    merge(list);
+    for (int i = 0; i < 6; ++i) {
+        const Diagnostics diagnostics;
+        EXPECT_EQ(vantel_hadamard(list[static_cast<std::size_t>(i)], nullptr, 0), i < 5 ? 0 : 9);
+        EXPECT_EQ(diagnostics.text(), i < 5 ? "" : "State size exceeded maximum allowed size\n");
+    }
+    EXPECT_EXIT(handles.front().reset(), ::testing::KilledBySignal(SIGABRT), "");
+    std::vector<int> levels(list.size());
+    EXPECT_EQ(vantel_measure(list.data(), list.size(), levels.data()), 0); // small again, and can be freed
+}
+
+TEST(Projection, ShiftsAHandleTwiceThatStandsTwice) {
+    Handle p = qudit_of(2), q = qudit_of(3);
+    merge({p.get(), q.get()});
+    const auto records = any_level({p.get(), q.get()});
+    int result = -1;
+    ASSERT_EQ(vantel_stochastic_projection(records.data(), 2, &result), 0);
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(p->shared_state->properties, (List{p.get(), q.get(), q.get()}));
+    EXPECT_EQ((std::vector<int>{p->index, q->index}), (std::vector<int>{1, 0}));
+    const Handle front = qudit_of(2);
+    merge({front.get(), p.get()});
+    EXPECT_EQ((std::vector<int>{p->index, q->index}), (std::vector<int>{2, 2}));
+}
+
+TEST(Projection, CanLeaveAnIndexBeyondTheQuditsWhichIsNeverWrittenThrough) {
+    Handle p = qudit_of(2), q = qudit_of(3);
+    merge({p.get(), q.get()});
+    const PredicateRecord zero{p.get(), 0, 1};
+    int result = -1;
+    for (int i = 0; i < 2; ++i)
+        ASSERT_EQ(vantel_stochastic_projection(&zero, 1, &result), 0);
+    EXPECT_EQ((std::vector<int>{p->index, q->index}), (std::vector<int>{0, 2}));
+    List list{q.get()};
+    EXPECT_EQ(thrown_by([&] { vantel_measure(list.data(), 1, &result); }),
+              failure<std::out_of_range>("qudit index out of range"));
+    vantel_hadamard(q.get(), nullptr, 0);
+    q.reset();
+    EXPECT_EQ(p->shared_state->state->num_qudits(), 1U);
+}
+
+/// A handle in storage of one's own, so that another can be built at the same address.
+struct Place {
+    alignas(QuantumProperty) unsigned char storage[sizeof(QuantumProperty)];
+    QuantumProperty* build() { return new (storage) QuantumProperty(make_quantum_property(2)); }
+};
+
+TEST(StalePosition, IsNoHandleThatLivesAtItsAddressLater) {
+    Place place;
+    QuantumProperty* gone = place.build();
+    Handle a = qudit_of(2), b = qudit_of(2), d = qudit_of(2), x = qudit_of(2), y = qudit_of(2),
+           z = qudit_of(2);
+    merge({a.get(), b.get(), gone});
+    gone->~QuantumProperty();
+    QuantumProperty* const later = place.build();
+    merge({y.get(), z.get(), later});
+    const auto own = later->shared_state;
+    ASSERT_EQ(later->index, 2);
+
+    merge({a.get(), d.get()}); // d stands behind the stale position, with the index that `later` has too
+    ASSERT_EQ(d->index, 2);
+    a.reset();
+    EXPECT_EQ(d->index, 0);
+    EXPECT_EQ(later->index, 2);
+    merge({x.get(), b.get()});
+    EXPECT_EQ(later->index, 2);
+    EXPECT_EQ(later->shared_state, own);
+
+    merge({x.get(), y.get()}); // now it stands in one list with its stale twin
+    const auto& list = x->shared_state->properties;
+    const List before = list;
+    const auto twins = std::count(before.begin(), before.end(), later);
+    ASSERT_EQ(twins, 2);
+    ASSERT_EQ(before.back(), later);
+    later->~QuantumProperty();
+    EXPECT_EQ(list, before);
+    EXPECT_EQ(std::count(x->shared_state->stale.begin(), x->shared_state->stale.end(), true), twins);
+}
+
+TEST(EmptyJointState, IsServedInBoundsByEveryFunction) {
+    Handle p = qudit_of(2), q = qudit_of(2);
+    merge({p.get(), q.get()});
+    vantel_clock(p.get(), std::nanf(""), nullptr, 0);
+    vantel_hadamard(p.get(), nullptr, 0);
+    ASSERT_TRUE(entries_behind(p).empty());
+    const PredicateRecord one{q.get(), 1, 1};
+    for (const float fraction : {1.0F, 0.5F}) {
+        EXPECT_EQ(vantel_cycle(p.get(), fraction, &one, 1), 0);
+        EXPECT_EQ(vantel_shift(p.get(), fraction, &one, 1), 0);
+        EXPECT_EQ(vantel_clock(p.get(), fraction, &one, 1), 0);
+        EXPECT_EQ(vantel_i_swap(p.get(), q.get(), fraction, nullptr, 0), 0);
+    }
+    EXPECT_EQ(vantel_inverse_hadamard(p.get(), &one, 1), 0);
+    EXPECT_EQ(vantel_swap(p.get(), q.get(), nullptr, 0), 0);
+    EXPECT_EQ(vantel_phase_rotate(&one, 1, 0.5F), 0);
+
+    List list{p.get(), q.get()};
+    int levels[]{-1, -1, -7};
+    EXPECT_EQ(vantel_measure(list.data(), 2, levels), 0);
+    EXPECT_EQ((std::vector<int>(levels, levels + 3)), (std::vector<int>{0, 0, -7}));
+    EXPECT_EQ(vantel_stochastic_projection(&one, 1, levels), 0);
+    EXPECT_EQ(levels[0], 0);
+    ProbabilityRecord record{-7.0F, levels};
+    EXPECT_EQ(vantel_probabilities(list.data(), 2, &record), 0);
+    EXPECT_EQ(record.probability, -7.0F);
+    const Diagnostics diagnostics;
+    float part = -7.0F;
+    EXPECT_EQ(vantel_reduced_density_matrix(list.data(), 2, &part, &part, 0), 0);
+    EXPECT_EQ(vantel_reduced_density_matrix(list.data(), 2, &part, &part, 1), 8);
+    EXPECT_EQ(part, -7.0F);
+    EXPECT_EQ(diagnostics.text(), "permutations.size(): 0 != output_size: 1\n");
+    const Handle r = qudit_of(3);
+    EXPECT_EQ(merge({r.get(), p.get()}), 0);
+}
+
+} // namespace
+} // namespace vantel::testing
