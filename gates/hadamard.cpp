@@ -65,9 +65,10 @@ void State<Label>::transform(const std::vector<int>& targets, const std::vector<
             return guard_size(amplitudes.size());
         }
     }
-    std::vector<Entry> working = amplitudes;
-    for (const int target : targets)
-        working = hadamard_no_reduce(working, target, controls, sign);
+    std::vector<Entry> working =
+        targets.empty() ? amplitudes : hadamard_no_reduce(amplitudes, targets.front(), controls, sign);
+    for (std::size_t i = 1; i < targets.size(); ++i)
+        working = hadamard_no_reduce(working, targets[i], controls, sign);
     reduce(working);
     amplitudes.swap(working);
     guard_size(amplitudes.size());

@@ -46,19 +46,17 @@ template <class First, class... Rest> struct Translate<First, Rest...> {
 /// A copy of a caller's conditions; `records` may be null where `count` is 0.
 /// @throws std::length_error for a count beyond all memory, before any pointer is formed; std::bad_alloc
 inline std::vector<QuantumProperty::Predicate> conditions(const PredicateRecord* records, std::size_t count) {
-    std::vector<QuantumProperty::Predicate> copy;
-    copy.reserve(count);
+    std::vector<QuantumProperty::Predicate> copy(count);
     for (std::size_t i = 0; i < count; ++i)
-        copy.push_back({records[i].property, records[i].value, records[i].is_equal != 0});
+        copy[i] = {records[i].property, records[i].value, records[i].is_equal != 0};
     return copy;
 }
 
 /// A copy of a caller's property list, under the same terms.
 inline std::vector<QuantumProperty*> listed(QuantumProperty** properties, std::size_t count) {
-    std::vector<QuantumProperty*> copy;
-    copy.reserve(count);
+    std::vector<QuantumProperty*> copy(count);
     for (std::size_t i = 0; i < count; ++i)
-        copy.push_back(properties[i]);
+        copy[i] = properties[i];
     return copy;
 }
 

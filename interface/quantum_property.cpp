@@ -1,5 +1,6 @@
 #include "interface/quantum_property.hpp"
 
+#include <array>
 #include <utility>
 
 #include "property/release.hpp"
@@ -11,7 +12,6 @@ QuantumProperty::QuantumProperty(std::unique_ptr<qudit::IState> state, int index
     : shared_state(std::make_shared<SharedState>()), index(index_in_state) {
     shared_state->state = std::move(state);
     shared_state->properties.push_back(this);
-    shared_state->stale.push_back(false);
 }
 
 QuantumProperty::~QuantumProperty() {
@@ -20,8 +20,8 @@ QuantumProperty::~QuantumProperty() {
 
 QuantumProperty make_quantum_property(unsigned long dimension) {
     using Factory = qudit::StateFactory<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>;
-    const std::vector<qudit::BasisAmplitudeData> ground{{{{0, dimension}}, {1.0, 0.0}}};
-    return {Factory::make_unique_state({dimension, 1}, ground), 0};
+    const std::array ground{qudit::PackedAmplitude{0, dimension - 1, {1.0, 0.0}}};
+    return {Factory::make_unique_state({dimension, 1}, qudit::PackedEntries(ground)), 0};
 }
 
 } // namespace vantel

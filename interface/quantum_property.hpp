@@ -1,6 +1,7 @@
 /// What stands behind a caller's handle.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -41,9 +42,14 @@ struct QuantumProperty::SharedState {
     /// moves the qudit index of a handle once for each time it stands here.
     std::vector<QuantumProperty*> properties;
 
-    /// For each position of `properties`, whether its handle is gone. Such a position is never read or
-    /// written through, and is no handle that lives at the same address later.
+    /// For each position of `properties`, whether its handle is gone; positions beyond the end of this list
+    /// are live. A stale position is never read or written through, and is no handle that lives at the same
+    /// address later.
     std::vector<bool> stale;
+
+    [[nodiscard]] bool is_stale(std::size_t position) const {
+        return position < stale.size() && stale[position];
+    }
 };
 
 /// A new qudit of `dimension` levels in level 0, alone in its joint state, built in the caller's storage.

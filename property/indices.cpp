@@ -3,10 +3,9 @@
 namespace vantel {
 
 std::vector<qudit::Predicate> convert_to_indexed_predicates(Predicates predicates) {
-    std::vector<qudit::Predicate> controls;
-    controls.reserve(predicates.size());
-    for (const QuantumProperty::Predicate& predicate : predicates)
-        controls.push_back({predicate.property->index, predicate.value, predicate.is_equal});
+    std::vector<qudit::Predicate> controls(predicates.size());
+    for (std::size_t i = 0; i < predicates.size(); ++i)
+        controls[i] = {predicates[i].property->index, predicates[i].value, predicates[i].is_equal};
     return controls;
 }
 

@@ -29,18 +29,21 @@ qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b) {
     std::unique_ptr<qudit::IState> product =
         qudit::tensor_product<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>(*into->state, *from->state);
     into->properties.reserve(into->properties.size() + from->properties.size());
-    into->stale.reserve(into->stale.size() + from->stale.size());
+    if (!into->stale.empty() || !from->stale.empty())
+        into->stale.resize(into->properties.size() + from->properties.size(), false);
 
     into->state = std::move(product);
     for (std::size_t i = 0; i < from->properties.size(); ++i) {
         QuantumProperty* const moved = from->properties[i];
         // A handle that stands here twice is raised twice, and names another qudit then. That is meant.
-        if (!from->stale[i]) {
+        const bool stale = from->is_stale(i);
+        if (!stale) {
             moved->index = raised(moved->index, offset);
             moved->shared_state = into;
         }
         into->properties.push_back(moved);
-        into->stale.push_back(from->stale[i]);
+        if (stale)
+            into->stale[into->properties.size() - 1] = true;
     }
     return into->state.get();
 }

@@ -13,7 +13,7 @@ using Factory = qudit::StateFactory<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT
 /// Gives the freed index to the first live handle of the qudit that was last.
 void renumber(QuantumProperty::SharedState& shared, int last, int freed) {
     for (std::size_t i = 0; i < shared.properties.size(); ++i)
-        if (!shared.stale[i] && shared.properties[i]->index == last) {
+        if (!shared.is_stale(i) && shared.properties[i]->index == last) {
             shared.properties[i]->index = freed;
             return;
         }
@@ -23,16 +23,17 @@ void renumber(QuantumProperty::SharedState& shared, int last, int freed) {
 /// its old content; that is meant. Positions that still hold the leaving handle are stale from now on.
 void compact(QuantumProperty::SharedState& shared, const QuantumProperty& leaving) {
     const auto is_leaving = [&](std::size_t i) {
-        return !shared.stale[i] && shared.properties[i] == &leaving;
+        return !shared.is_stale(i) && shared.properties[i] == &leaving;
     };
     const std::size_t length = shared.properties.size();
+    shared.stale.resize(length, false);
     std::size_t place = 0;
     while (place < length && !is_leaving(place))
         ++place;
     for (std::size_t i = place + 1; i < length; ++i)
         if (!is_leaving(i)) {
             shared.properties[place] = shared.properties[i];
-            shared.stale[place] = shared.stale[i];
+            shared.stale[place] = shared.is_stale(i);
             ++place;
         }
     for (std::size_t i = 0; i < length; ++i)

@@ -11,17 +11,18 @@ namespace vantel::qudit {
 namespace {
 
 std::vector<PackedOutcome> outcomes_of(std::span<const PackedAmplitude> entries, std::uint64_t listed) {
-    std::vector<PackedOutcome> outcomes;
     const Subkey outcome_of(listed);
-    KeyIndex seen(outcome_of.bits(), entries.size());
-    for (const PackedAmplitude& entry : entries) {
-        const std::size_t position = seen.find_or_add(outcome_of(entry.values));
-        if (position == outcomes.size())
-            outcomes.push_back({entry.values, squared_modulus(entry.amplitude)});
-        else
-            outcomes[position].probability += squared_modulus(entry.amplitude);
-    }
-    return outcomes;
+    return with_key_index(outcome_of.bits(), entries.size(), [&](auto& seen) {
+        std::vector<PackedOutcome> outcomes;
+        for (const PackedAmplitude& entry : entries) {
+            const std::size_t position = seen.find_or_add(outcome_of(entry.values));
+            if (position == outcomes.size())
+                outcomes.push_back({entry.values, squared_modulus(entry.amplitude)});
+            else
+                outcomes[position].probability += squared_modulus(entry.amplitude);
+        }
+        return outcomes;
+    });
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include <complex>
+#include <memory>
 #include <numeric>
 #include <span>
 #include <vector>
@@ -7,6 +8,7 @@
 #include "state/builds.hpp"
 #include "state/key_index.hpp"
 #include "state/packed_view.hpp"
+#include "state/product.hpp"
 #include "state/state.hpp"
 #include "state/subkey.hpp"
 
@@ -14,70 +16,76 @@ namespace vantel::qudit {
 
 namespace {
 
+/// The number of each entry's levels in some fields, in first-seen order.
+struct Numbering {
+    std::vector<std::uint32_t> of; ///< of each entry
+    std::size_t size;              ///< distinct ones
+
+    Numbering(std::span<const PackedAmplitude> entries, std::uint64_t fields) : of(entries.size()) {
+        const Subkey levels(fields);
+        size = with_key_index(levels.bits(), entries.size(), [&](auto& seen) {
+            for (std::size_t i = 0; i < entries.size(); ++i)
+                of[i] = static_cast<std::uint32_t>(seen.find_or_add(levels(entries[i].values)));
+            return seen.size();
+        });
+    }
+};
+
 /// The entries sorted by their traced levels into groups, each in stored order; only the pairs within a
 /// group contribute.
-struct TracedGroups {
+class TracedGroups {
+public:
     struct Member {
-        std::complex<double> amplitude;
-        std::size_t kept; ///< number of the entry's combination of kept levels
-        std::size_t entry;
+        Parts conjugate; ///< of the amplitude
+        std::uint32_t column;
+        std::uint32_t entry;
     };
 
-    std::vector<Member> members;    ///< group by group
-    std::vector<std::size_t> begin; ///< of each group in `members`, and the end
-    std::vector<std::size_t> own;   ///< the group of each entry
-    std::size_t combinations = 0;   ///< of kept levels
-
-    TracedGroups(std::span<const PackedAmplitude> entries, std::uint64_t kept_fields,
-                 std::uint64_t traced_fields) {
-        const Subkey traced_levels(traced_fields);
-        KeyIndex groups(traced_levels.bits(), entries.size());
-        own.reserve(entries.size());
-        for (const PackedAmplitude& entry : entries)
-            own.push_back(groups.find_or_add(traced_levels(entry.values)));
-
-        begin.assign(groups.size() + 1, 0);
-        for (const std::size_t group : own)
-            ++begin[group + 1];
-        std::partial_sum(begin.begin(), begin.end(), begin.begin());
-
-        const Subkey kept_levels(kept_fields);
-        KeyIndex kept(kept_levels.bits(), entries.size());
-        std::vector<std::size_t> place(begin.begin(), begin.end() - 1);
-        members.resize(entries.size());
+    TracedGroups(std::span<const PackedAmplitude> entries, const Numbering& kept, const Numbering& traced)
+        : traced_(traced), begin_(traced.size + 1, 0), members_(new Member[entries.size()]) {
+        for (const std::uint32_t group : traced.of)
+            ++begin_[group + 1];
+        std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
+        std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
         for (std::size_t i = 0; i < entries.size(); ++i)
-            members[place[own[i]]++] = {entries[i].amplitude,
-                                        kept.find_or_add(kept_levels(entries[i].values)), i};
-        combinations = kept.size();
+            members_[place[traced.of[i]]++] = {parts_of(std::conj(entries[i].amplitude)), kept.of[i],
+                                               static_cast<std::uint32_t>(i)};
     }
 
     /// The entries that pair with `entry`, itself included.
     [[nodiscard]] std::span<const Member> partners(std::size_t entry) const {
-        const std::size_t group = own[entry];
-        return std::span(members).subspan(begin[group], begin[group + 1] - begin[group]);
+        const std::uint32_t group = traced_.of[entry];
+        return {&members_[begin_[group]], begin_[group + 1] - begin_[group]};
     }
+
+private:
+    const Numbering& traced_;
+    std::vector<std::uint32_t> begin_; ///< of each group in members_, and the end
+    std::unique_ptr<Member[]> members_;
 };
 
 std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries, std::uint64_t kept_fields,
                                        std::uint64_t traced_fields) {
-    const TracedGroups groups(entries, kept_fields, traced_fields);
-    std::vector<std::size_t> row_of(entries.size());
-    for (const TracedGroups::Member& member : groups.members)
-        row_of[member.entry] = member.kept;
-
-    std::vector<PackedElement> elements;
-    const std::size_t width = groups.combinations;
-    KeyIndex seen(static_cast<unsigned>(std::bit_width(width * width)), width);
-    for (std::size_t a = 0; a < entries.size(); ++a)
-        for (const TracedGroups::Member& b : groups.partners(a)) {
-            const std::complex<double> product = entries[a].amplitude * std::conj(b.amplitude);
-            const std::size_t position = seen.find_or_add(row_of[a] * width + b.kept);
-            if (position == elements.size())
-                elements.push_back({entries[a].values, entries[b.entry].values, product});
-            else
-                elements[position].element += product;
+    const Numbering kept(entries, kept_fields);
+    const Numbering traced(entries, traced_fields);
+    const TracedGroups groups(entries, kept, traced);
+    const auto bits = static_cast<unsigned>(std::bit_width(kept.size * kept.size));
+    return with_key_index(bits, entries.size(), [&](auto& seen) {
+        std::vector<PackedElement> elements;
+        for (std::size_t a = 0; a < entries.size(); ++a) {
+            const Factor amplitude(entries[a].amplitude);
+            const std::uint64_t row = kept.of[a] * kept.size;
+            for (const TracedGroups::Member& b : groups.partners(a)) {
+                const Parts product = amplitude(b.conjugate);
+                const std::size_t position = seen.find_or_add(row + b.column);
+                if (position == elements.size())
+                    elements.push_back({entries[a].values, entries[b.entry].values, complex_of(product)});
+                else
+                    store(parts_of(elements[position].element) + product, elements[position].element);
+            }
         }
-    return elements;
+        return elements;
+    });
 }
 
 } // namespace

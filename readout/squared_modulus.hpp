@@ -10,9 +10,10 @@ namespace vantel::qudit {
 /// The weight of an entry. Infinity stands ahead of NaN: one infinite part makes it infinite, whatever
 /// the other is.
 inline double squared_modulus(const std::complex<double>& amplitude) noexcept {
-    if (std::isinf(amplitude.real()) || std::isinf(amplitude.imag()))
+    const double sum = amplitude.real() * amplitude.real() + amplitude.imag() * amplitude.imag();
+    if (std::isnan(sum) && (std::isinf(amplitude.real()) || std::isinf(amplitude.imag()))) [[unlikely]]
         return std::numeric_limits<double>::infinity();
-    return amplitude.real() * amplitude.real() + amplitude.imag() * amplitude.imag();
+    return sum;
 }
 
 } // namespace vantel::qudit

@@ -4,6 +4,7 @@
 #include <complex>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "state/dit_array.hpp"
@@ -29,6 +30,13 @@ struct [[gnu::may_alias]] PackedAmplitude {
     std::uint64_t values;
     std::uint64_t dimensions;
     std::complex<double> amplitude;
+};
+
+/// A list of packed entries, told from an unpacked one by its type. It owns nothing.
+class PackedEntries : public std::span<const PackedAmplitude> {
+public:
+    explicit PackedEntries(std::span<const PackedAmplitude> entries)
+        : std::span<const PackedAmplitude>(entries) {}
 };
 
 /// Writes dits[i] to slot i, under the checks of DitProxy. A shorter list leaves the other slots at level

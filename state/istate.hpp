@@ -102,8 +102,8 @@ public:
     // The packed twins of three readouts. The layers above use them, since an allocation for the levels
     // of each entry would cost more than all the rest.
 
-    /// basis_amplitudes(), still packed.
-    [[nodiscard]] virtual std::vector<PackedAmplitude> packed_amplitudes() const = 0;
+    /// basis_amplitudes(), still packed and still the state's own: good until the state changes.
+    [[nodiscard]] virtual PackedEntries packed_amplitudes() const = 0;
     /// probabilities(), still packed.
     [[nodiscard]] virtual std::vector<PackedOutcome>
     packed_probabilities(const std::vector<int>& qudits) const = 0;

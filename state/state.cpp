@@ -13,24 +13,30 @@ namespace vantel::qudit {
 
 namespace {
 
-/// The constructors' two rules, in place. Repeats are told apart before zeros go.
-/// @return how many entries stay, at the front, in their order
-std::size_t keep_first_nonzero(std::span<PackedAmplitude> entries, unsigned key_bits) {
-    KeyIndex seen(key_bits, entries.size());
-    std::size_t kept = 0;
-    for (const PackedAmplitude& entry : entries) {
-        const std::size_t known = seen.size();
-        const bool repeated = seen.find_or_add(entry.values) != known;
-        const bool zero = entry.amplitude.real() == 0.0 && entry.amplitude.imag() == 0.0;
-        if (!repeated && !zero)
-            entries[kept++] = entry;
-    }
-    return kept;
+bool is_zero(const PackedAmplitude& entry) {
+    return entry.amplitude.real() == 0.0 && entry.amplitude.imag() == 0.0;
 }
 
+/// Moves the entries whose labels are new to the front, in their order. @return how many there are
+std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key_bits) {
+    if (entries.size() < 2)
+        return entries.size();
+    return with_key_index(key_bits, entries.size(), [entries](auto& seen) {
+        std::size_t kept = 0;
+        for (const PackedAmplitude& entry : entries)
+            if (seen.find_or_add(entry.values) == kept)
+                entries[kept++] = entry;
+        return kept;
+    });
+}
+
+/// The constructors' two rules. Repeats are told apart before zeros go.
 template <class Label> void keep_first_nonzero(std::vector<BasisAmplitude<Label>>& entries) {
     constexpr unsigned key_bits = static_cast<unsigned>(Label::qudit_count) * Label::layout.bits;
-    entries.resize(keep_first_nonzero(packed_view(entries), key_bits));
+    const std::span<PackedAmplitude> view = packed_view(entries);
+    const std::span<PackedAmplitude> kept = view.first(keep_first_of_label(view, key_bits));
+    const auto end = std::remove_if(kept.begin(), kept.end(), is_zero);
+    entries.resize(static_cast<std::size_t>(end - kept.begin()));
 }
 
 } // namespace
@@ -43,8 +49,7 @@ template <class Label> State<Label>::State(const std::vector<BasisAmplitudeData>
     keep_first_nonzero(amplitudes);
 }
 
-template <class Label>
-State<Label>::State(const std::vector<PackedAmplitude>& entries) : amplitudes(entries.size()) {
+template <class Label> State<Label>::State(PackedEntries entries) : amplitudes(entries.size()) {
     std::copy(entries.begin(), entries.end(), packed_view(amplitudes).begin());
     keep_first_nonzero(amplitudes);
 }
@@ -72,19 +77,18 @@ template <class Label> std::vector<BasisAmplitudeData> State<Label>::basis_ampli
     return entries;
 }
 
-template <class Label> std::vector<PackedAmplitude> State<Label>::packed_amplitudes() const {
-    const std::span<const PackedAmplitude> entries = packed_view(amplitudes);
-    return {entries.begin(), entries.end()};
+template <class Label> PackedEntries State<Label>::packed_amplitudes() const {
+    return PackedEntries(packed_view(amplitudes));
 }
 
 #define VANTEL_CONSTRUCTORS(D, N, ...)                                                                       \
     template State<DitArray<D, N>>::State(const std::vector<BasisAmplitudeData>&);                           \
-    template State<DitArray<D, N>>::State(const std::vector<PackedAmplitude>&);
+    template State<DitArray<D, N>>::State(PackedEntries);
 VANTEL_FOR_EACH_BUILD(VANTEL_CONSTRUCTORS, )
 VANTEL_INSTANTIATE(std::uint64_t, dimension, () const)
 VANTEL_INSTANTIATE(std::uint64_t, num_qudits, () const)
 VANTEL_INSTANTIATE(std::uint64_t, qudit_dimension, (int) const)
 VANTEL_INSTANTIATE(std::vector<BasisAmplitudeData>, basis_amplitudes, () const)
-VANTEL_INSTANTIATE(std::vector<PackedAmplitude>, packed_amplitudes, () const)
+VANTEL_INSTANTIATE(PackedEntries, packed_amplitudes, () const)
 
 } // namespace vantel::qudit

@@ -20,7 +20,7 @@ public:
     /// exact zeros. So a zero that comes first shadows a later amplitude of its label; that is meant.
     explicit State(const std::vector<BasisAmplitudeData>& entries);
     /// The same for entries that are packed for this build already.
-    explicit State(const std::vector<PackedAmplitude>& entries);
+    explicit State(PackedEntries entries);
 
     [[nodiscard]] std::uint64_t dimension() const override;
     [[nodiscard]] std::uint64_t qudit_dimension(int qudit) const override;
@@ -44,7 +44,7 @@ public:
     void swap(int first, int second, std::vector<Predicate> controls) override;
     void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) override;
 
-    [[nodiscard]] std::vector<PackedAmplitude> packed_amplitudes() const override;
+    [[nodiscard]] PackedEntries packed_amplitudes() const override;
     [[nodiscard]] std::vector<PackedOutcome>
     packed_probabilities(const std::vector<int>& qudits) const override;
     [[nodiscard]] std::vector<PackedElement>

@@ -55,16 +55,16 @@ StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
 }
 
 template <int MAX_DIMENSION, int MAX_NUM>
-std::unique_ptr<IState>
-StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
-                                                        const std::vector<PackedAmplitude>& entries) {
+std::unique_ptr<IState> StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
+                                                                                PackedEntries entries) {
     return make_checked(config, entries);
 }
 
 template <int MAX_DIMENSION, int MAX_NUM>
 std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique_ptr<IState>& state,
                                                                      int index) {
-    std::vector<PackedAmplitude> entries = state->packed_amplitudes();
+    const PackedEntries former = state->packed_amplitudes();
+    std::vector<PackedAmplitude> entries(former.begin(), former.end());
     const int last = static_cast<int>(state->num_qudits()) - 1;
     const SlotLayout layout = SlotLayout::of(state->dimension());
     const std::uint64_t last_field = layout.mask() << layout.position(last);
@@ -80,7 +80,7 @@ std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique
         entry.values = without_qudit(entry.values);
         entry.dimensions = without_qudit(entry.dimensions);
     }
-    state = make_unique_state({state->dimension(), static_cast<std::uint64_t>(last)}, entries);
+    state = make_unique_state({state->dimension(), static_cast<std::uint64_t>(last)}, PackedEntries(entries));
     return {last, index};
 }
 

@@ -27,8 +27,7 @@ public:
     static std::unique_ptr<IState> make_unique_state(BasisConfig config,
                                                      const std::vector<BasisAmplitudeData>& entries);
     /// The same for entries packed as SlotLayout::of(config.dim) says.
-    static std::unique_ptr<IState> make_unique_state(BasisConfig config,
-                                                     const std::vector<PackedAmplitude>& entries);
+    static std::unique_ptr<IState> make_unique_state(BasisConfig config, PackedEntries entries);
 
     /// @throws BadDimension; std::invalid_argument for no qudit at all, and BadQuditNumber for too many:
     ///         the two classes differ on purpose

@@ -41,8 +41,10 @@ public:
     [[nodiscard]] constexpr unsigned bits() const noexcept { return bits_; }
 
     [[nodiscard]] constexpr std::uint64_t operator()(std::uint64_t values) const noexcept {
-        std::uint64_t key = 0;
-        for (unsigned run = 0; run < count_; ++run)
+        // One or two runs are the common case; where there is no run, its mask is empty.
+        std::uint64_t key =
+            (values & runs_[0].mask) >> runs_[0].shift | (values & runs_[1].mask) >> runs_[1].shift;
+        for (unsigned run = 2; run < count_; ++run)
             key |= (values & runs_[run].mask) >> runs_[run].shift;
         return key;
     }

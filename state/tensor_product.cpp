@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <complex>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -9,27 +11,36 @@ namespace vantel::qudit {
 
 namespace {
 
-/// Moves the fields of a packed word of `count` slots to their places in a wider packing, starting at
-/// slot `offset` there.
+/// Moves the fields of a packed word of `count` slots to their places in another packing, starting at slot
+/// `offset` there.
 std::uint64_t repacked(std::uint64_t word, SlotLayout from, SlotLayout to, int count, int offset) {
+    unsigned place = static_cast<unsigned>(offset) * to.bits;
+    if (from.bits == to.bits)
+        return word << place;
     std::uint64_t wide = 0;
-    for (int slot = 0; slot < count; ++slot)
-        wide |= (word >> from.position(slot) & from.mask()) << to.position(offset + slot);
+    for (int slot = 0; slot < count; ++slot, word >>= from.bits, place += to.bits)
+        wide |= (word & from.mask()) << place;
     return wide;
 }
 
-/// The state's entries, packed for slots `offset` and up of a build of dimension `dimension`.
-std::vector<PackedAmplitude> repacked_entries(const IState& state, std::uint64_t dimension, int offset) {
-    const SlotLayout from = SlotLayout::of(state.dimension());
-    const SlotLayout to = SlotLayout::of(dimension);
-    const int count = static_cast<int>(state.num_qudits());
-    std::vector<PackedAmplitude> entries = state.packed_amplitudes();
-    for (PackedAmplitude& entry : entries) {
-        entry.values = repacked(entry.values, from, to, count, offset);
-        entry.dimensions = repacked(entry.dimensions, from, to, count, offset);
+/// Packs entries of one state for slots `offset` and up of a build of dimension `dimension`.
+class Repacking {
+public:
+    Repacking(const IState& state, std::uint64_t dimension, std::uint64_t offset)
+        : from_(SlotLayout::of(state.dimension())), to_(SlotLayout::of(dimension)),
+          count_(static_cast<int>(state.num_qudits())), offset_(static_cast<int>(offset)) {}
+
+    PackedAmplitude operator()(const PackedAmplitude& entry) const {
+        return {repacked(entry.values, from_, to_, count_, offset_),
+                repacked(entry.dimensions, from_, to_, count_, offset_), entry.amplitude};
     }
-    return entries;
-}
+
+private:
+    SlotLayout from_;
+    SlotLayout to_;
+    int count_;
+    int offset_;
+};
 
 } // namespace
 
@@ -40,19 +51,25 @@ std::unique_ptr<IState> tensor_product(const IState& a, const IState& b) {
                                                a.num_qudits() + b.num_qudits()};
     // The factory tests both limits, in this order, but only once the list stands; a product that is
     // far too large is refused here before it exhausts the memory.
-    const std::vector<PackedAmplitude> first = repacked_entries(a, config.dim, 0);
-    const std::vector<PackedAmplitude> second =
-        repacked_entries(b, config.dim, static_cast<int>(a.num_qudits()));
-    if (first.size() * second.size() > MAX_STATE_ENTRIES)
+    const std::size_t size = a.packed_amplitudes().size() * b.packed_amplitudes().size();
+    if (size > MAX_STATE_ENTRIES)
         throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
 
+    const Repacking first(a, config.dim, 0);
+    const Repacking second(b, config.dim, a.num_qudits());
+    std::vector<PackedAmplitude> behind;
+    behind.reserve(b.packed_amplitudes().size());
+    std::transform(b.packed_amplitudes().begin(), b.packed_amplitudes().end(), std::back_inserter(behind),
+                   second);
     std::vector<PackedAmplitude> product;
-    product.reserve(first.size() * second.size());
-    for (const PackedAmplitude& x : first)
-        for (const PackedAmplitude& y : second)
+    product.reserve(size);
+    for (const PackedAmplitude& entry : a.packed_amplitudes()) {
+        const PackedAmplitude x = first(entry);
+        for (const PackedAmplitude& y : behind)
             product.push_back({x.values | y.values, x.dimensions | y.dimensions, x.amplitude * y.amplitude});
-    return Factory::make_unique_state(config, product);
+    }
+    return Factory::make_unique_state(config, PackedEntries(product));
 }
 
 template std::unique_ptr<IState> tensor_product<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>(const IState& a,
