@@ -49,12 +49,12 @@ static size_t likeliest(const Picture* picture) {
     return best;
 }
 
-/* The levels of a row, the first qudit varying fastest. */
+/* The levels of a row, a digit each; the first qudit varies fastest. */
 static const char* label(const Picture* picture, size_t row, char text[longest_label]) {
     size_t used = 0;
     for (size_t i = 0; i < picture->qudit_count && used < longest_label; ++i) {
         const size_t dimension = (size_t)picture->dimensions[i];
-        used += (size_t)snprintf(text + used, longest_label - used, i == 0 ? "%zu" : " %zu", row % dimension);
+        used += (size_t)snprintf(text + used, longest_label - used, "%zu", row % dimension);
         row /= dimension;
     }
     return text;
