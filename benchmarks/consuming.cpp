@@ -1,5 +1,5 @@
 #include <ctime>
-#include <memory>
+#include <string>
 
 #include <benchmark/benchmark.h>
 
@@ -13,12 +13,6 @@ double processor_seconds() {
     std::timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
-template <class Timed> void time(benchmark::State& run, Timed timed) {
-    const double start = processor_seconds();
-    timed();
-    run.SetIterationTime(processor_seconds() - start);
 }
 
 /// Joins two qudits by a gate that selects nothing.
@@ -36,57 +30,64 @@ void renormalise(QuantumProperty* qudit) {
     expect_ok(vantel_free_quantum_property(fresh));
 }
 
-template <class Timed>
-void add(const std::string& operation, const Description& description, bool rebuilt, Timed timed) {
-    const std::size_t entries = description.entries();
+void add(const std::string& operation, const Description& description,
+         void (*loop)(benchmark::State&, const Description&)) {
     // Few, because a joint state's list of handles never becomes shorter.
-    const int iterations = entries <= 10000 ? 50 : rebuilt ? 2 : 5;
-    benchmark::RegisterBenchmark((operation + "/" + description.name + "/0").c_str(), timed)
+    const int iterations = description.entries() <= 10000 ? 50 : 4;
+    benchmark::RegisterBenchmark((operation + "/" + description.name + "/0").c_str(), loop, description)
         ->UseManualTime()
         ->Iterations(iterations);
 }
 
-/// A call that leaves another state behind, which is restored from a definite target or made anew.
-void add_call(const std::string& operation, const Description& description, bool restorable,
-              void (*call)(JointState&)) {
-    add(operation, description, !restorable, [=](benchmark::State& run) {
-        auto state = std::make_unique<JointState>(description);
-        for (auto _ : run) {
-            time(run, [&] { call(*state); });
-            if (!restorable) {
-                state = std::make_unique<JointState>(description);
-            } else {
-                int level = 0;
-                expect_ok(vantel_measure(&state->target, 1, &level));
-                expect_ok(vantel_hadamard(state->target, nullptr, 0));
-            }
-        }
-    });
+/// A call that leaves another state behind.
+template <auto call> void anew(benchmark::State& run, const Description& description) {
+    for (auto _ : run) {
+        JointState state(description);
+        const double start = processor_seconds();
+        call(state);
+        run.SetIterationTime(processor_seconds() - start);
+    }
 }
 
 /// A guest joins the other qudits and leaves again: in superposition where that makes a dense state, and
 /// in level 0 where the others have all the entries.
-void add_guest(const std::string& operation, const Description& description, bool merging) {
+template <bool merging> void guest(benchmark::State& run, const Description& description) {
     Description others = description;
     others.dimensions.pop_back();
-    const bool dense = description.shape == Shape::dense;
-    add(operation, description, false, [=](benchmark::State& run) {
-        JointState host(others);
-        for (auto _ : run) {
-            QuantumProperty* const guest = made(description.dimensions.back());
-            if (dense)
-                expect_ok(vantel_hadamard(guest, nullptr, 0));
-            if (merging)
-                time(run, [&] { relate(host.target, guest); });
-            else
-                relate(host.target, guest);
-            if (merging)
-                expect_ok(vantel_free_quantum_property(guest));
-            else
-                time(run, [&] { expect_ok(vantel_free_quantum_property(guest)); });
-            renormalise(host.target);
-        }
-    });
+    JointState host(others);
+    for (auto _ : run) {
+        QuantumProperty* const guest = made(description.dimensions.back());
+        if (description.shape == Shape::dense)
+            expect_ok(vantel_hadamard(guest, nullptr, 0));
+        const double start = processor_seconds();
+        relate(host.target, guest);
+        const double related = processor_seconds();
+        expect_ok(vantel_free_quantum_property(guest));
+        run.SetIterationTime(merging ? related - start : processor_seconds() - related);
+        renormalise(host.target);
+    }
+}
+
+void measure(JointState& state) {
+    int level = 0;
+    expect_ok(vantel_measure(&state.target, 1, &level));
+}
+
+void project(JointState& state) {
+    const PredicateRecord one{state.target, 1, 1};
+    int answer = 0;
+    expect_ok(vantel_stochastic_projection(&one, 1, &answer));
+}
+
+// On the scattered state these leave the list over the limit, which is reported and is no concern here.
+void transform(JointState& state) {
+    vantel_hadamard(state.target, nullptr, 0);
+}
+void transform_back(JointState& state) {
+    vantel_inverse_hadamard(state.target, nullptr, 0);
+}
+void exchange(JointState& state) {
+    vantel_i_swap(state.target, state.other, 0.3F, nullptr, 0);
 }
 
 void version(benchmark::State& run) {
@@ -121,29 +122,18 @@ void register_lifetimes() {
 void register_consuming(const Description& description) {
     if (description.transforms_only)
         return;
-    add_call("measure", description, description.shape == Shape::dense, [](JointState& state) {
-        int level = 0;
-        expect_ok(vantel_measure(&state.target, 1, &level));
-    });
+    add("measure", description, anew<measure>);
     if (description.shape == Shape::scattered) {
-        // The list grows past the limit, which is reported and is no concern here.
-        add_call("hadamard", description, false,
-                 [](JointState& s) { vantel_hadamard(s.target, nullptr, 0); });
-        add_call("inverse_hadamard", description, false,
-                 [](JointState& s) { vantel_inverse_hadamard(s.target, nullptr, 0); });
-        add_call("i_swap", description, false,
-                 [](JointState& s) { expect_ok(vantel_i_swap(s.target, s.other, 0.3F, nullptr, 0)); });
+        add("hadamard", description, anew<transform>);
+        add("inverse_hadamard", description, anew<transform_back>);
+        add("i_swap", description, anew<exchange>);
     }
+    // The call needs a place among the ten for itself.
     if (description.dimensions.size() < 10)
-        // It leaves handles that stand twice in their joint state, which cannot be merged again.
-        add_call("stochastic_projection", description, false, [](JointState& state) {
-            const PredicateRecord one{state.target, 1, 1};
-            int answer = 0;
-            expect_ok(vantel_stochastic_projection(&one, 1, &answer));
-        });
+        add("stochastic_projection", description, anew<project>);
     if (description.dimensions.size() > 1 && description.shape != Shape::diagonal) {
-        add_guest("merge", description, true);
-        add_guest("release", description, false);
+        add("merge", description, guest<true>);
+        add("release", description, guest<false>);
     }
 }
 

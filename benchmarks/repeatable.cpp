@@ -10,69 +10,50 @@ namespace benchmarks {
 
 namespace {
 
-struct Call {
-    JointState& state;
-    OutcomeRecords* records;
-    std::vector<float>* matrix;
-
-    [[nodiscard]] const PredicateRecord* conditions() const { return state.conditions.data(); }
-    [[nodiscard]] std::size_t count() const { return state.conditions.size(); }
-};
-
 struct Gate {
     const char* name;
     std::size_t targets; ///< 0 where the conditions alone say what the gate acts on
     bool branches;       ///< may leave more entries than there were
-    int (*apply)(const Call&);
+    int (*apply)(const JointState&);
 };
 
+template <auto gate, int... tenths> int on_target(const JointState& state) {
+    return gate(state.target, (static_cast<float>(tenths) / 10)..., state.conditions.data(),
+                state.conditions.size());
+}
+
+template <auto gate, int... tenths> int on_two(const JointState& state) {
+    return gate(state.target, state.other, (static_cast<float>(tenths) / 10)..., state.conditions.data(),
+                state.conditions.size());
+}
+
+int on_conditions(const JointState& state) {
+    return vantel_phase_rotate(state.conditions.data(), state.conditions.size(), 0.3F);
+}
+
 const Gate gates[] = {
-    {"hadamard", 1, true,
-     [](const Call& c) { return vantel_hadamard(c.state.target, c.conditions(), c.count()); }},
-    {"inverse_hadamard", 1, true,
-     [](const Call& c) { return vantel_inverse_hadamard(c.state.target, c.conditions(), c.count()); }},
-    {"cycle", 1, false,
-     [](const Call& c) { return vantel_cycle(c.state.target, 1, c.conditions(), c.count()); }},
-    {"shift", 1, false,
-     [](const Call& c) { return vantel_shift(c.state.target, 1, c.conditions(), c.count()); }},
-    {"clock", 1, false,
-     [](const Call& c) { return vantel_clock(c.state.target, 1, c.conditions(), c.count()); }},
-    {"fractional_cycle", 1, true,
-     [](const Call& c) { return vantel_cycle(c.state.target, 0.3F, c.conditions(), c.count()); }},
-    {"fractional_shift", 1, true,
-     [](const Call& c) { return vantel_shift(c.state.target, 0.3F, c.conditions(), c.count()); }},
-    {"fractional_clock", 1, false,
-     [](const Call& c) { return vantel_clock(c.state.target, 0.3F, c.conditions(), c.count()); }},
-    {"phase_rotate", 0, false,
-     [](const Call& c) { return vantel_phase_rotate(c.conditions(), c.count(), 0.3F); }},
-    {"swap", 2, false,
-     [](const Call& c) { return vantel_swap(c.state.target, c.state.other, c.conditions(), c.count()); }},
-    {"i_swap", 2, true,
-     [](const Call& c) {
-         return vantel_i_swap(c.state.target, c.state.other, 0.3F, c.conditions(), c.count());
-     }},
+    {"hadamard", 1, true, on_target<vantel_hadamard>},
+    {"inverse_hadamard", 1, true, on_target<vantel_inverse_hadamard>},
+    {"cycle", 1, false, on_target<vantel_cycle, 10>},
+    {"shift", 1, false, on_target<vantel_shift, 10>},
+    {"clock", 1, false, on_target<vantel_clock, 10>},
+    {"fractional_cycle", 1, true, on_target<vantel_cycle, 3>},
+    {"fractional_shift", 1, true, on_target<vantel_shift, 3>},
+    {"fractional_clock", 1, false, on_target<vantel_clock, 3>},
+    {"phase_rotate", 0, false, on_conditions},
+    {"swap", 2, false, on_two<vantel_swap>},
+    {"i_swap", 2, true, on_two<vantel_i_swap, 3>},
 };
 
 struct Readout {
     const char* name;
     std::size_t qudits; ///< 0 for all
-    int (*apply)(const Call&, QuantumProperty** listed, std::size_t count);
+    bool matrix;
 };
 
-int probabilities(const Call& call, QuantumProperty** listed, std::size_t count) {
-    return vantel_probabilities(listed, count, call.records->rows.data());
-}
-
-int density_matrix(const Call& call, QuantumProperty** listed, std::size_t count) {
-    float* const parts = call.matrix->data();
-    const std::size_t size = call.matrix->size() / 2;
-    return vantel_reduced_density_matrix(listed, count, parts, parts + size, size);
-}
-
 const Readout readouts[] = {
-    {"probabilities_one", 1, probabilities},   {"probabilities_two", 2, probabilities},
-    {"probabilities_all", 0, probabilities},   {"density_matrix_one", 1, density_matrix},
-    {"density_matrix_two", 2, density_matrix},
+    {"probabilities_one", 1, false}, {"probabilities_two", 2, false}, {"probabilities_all", 0, false},
+    {"density_matrix_one", 1, true}, {"density_matrix_two", 2, true},
 };
 
 /// The state that consecutive runs of one benchmark share: making it takes longer than most runs.
@@ -114,7 +95,7 @@ void add_gate(const Gate& gate, const Description& description) {
             continue;
         add(gate.name, description, conditions, [gate](benchmark::State& run, JointState& state) {
             for (auto _ : run)
-                gate.apply({state, nullptr, nullptr});
+                gate.apply(state);
         });
     }
 }
@@ -126,12 +107,17 @@ void add_readout(const Readout& readout, const Description& description) {
         return;
     add(readout.name, description, 0, [=](benchmark::State& run, JointState& state) {
         QuantumProperty* few[] = {state.target, state.other};
+        QuantumProperty** const listed = readout.qudits == 0 ? state.qudits.data() : few;
         const auto d = static_cast<std::size_t>(description.target_dimension());
         const std::size_t rows = readout.qudits == 0 ? description.combinations() : count == 1 ? d : d * d;
+        const std::size_t elements = readout.matrix ? rows * rows : 0;
         OutcomeRecords records(rows, count);
-        std::vector<float> matrix(readout.apply == density_matrix ? 2 * rows * rows : 0);
+        std::vector<float> parts(2 * elements);
         for (auto _ : run)
-            readout.apply({state, &records, &matrix}, readout.qudits == 0 ? state.qudits.data() : few, count);
+            if (readout.matrix)
+                vantel_reduced_density_matrix(listed, count, parts.data(), parts.data() + elements, elements);
+            else
+                vantel_probabilities(listed, count, records.rows.data());
     });
 }
 

@@ -4,7 +4,7 @@ from xml.sax.saxutils import escape
 
 INK, QUIET, GRID = "#1a1a1a", "#595959", "#dedede"
 COLOURS = ["#0b5fa5", "#d1495b", "#2e8b57", "#b5651d", "#6a4c93", "#008b8b"]
-PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, GAP, ROW = 430, 430, 74, 70, 40, 20
+PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, GAP, ROW = 430, 430, 74, 70, 70, 20
 
 
 def decades(values):
@@ -56,7 +56,7 @@ def plot(panels):
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" height="{height}" '
              'font-family="sans-serif">', f'<rect width="{width}" height="{height}" fill="#ffffff"/>',
              text(LEFT, 26, "Time of one call against the entries of the state", size=17, extra=' font-weight="bold"'),
-             text(width - GAP, 26, "solid: the library    dotted: the plainest form", "end", colour=QUIET)]
+             text(width - GAP, 26, "solid: the library, dotted: the plainest form", "end", colour=QUIET)]
     for number, (title, lines) in enumerate(panels):
         panel = Panel(LEFT + number * (PANEL_WIDTH + GAP), x_decades, y_decades)
         parts.append(text(panel.left, TOP - 14, title, size=15))
