@@ -22,6 +22,7 @@ install(FILES ${PROJECT_BINARY_DIR}/vantel-config-version.cmake DESTINATION ${va
 
 # pkg-config. The prefix is found from where the file lies, so that the whole tree can be moved.
 file(RELATIVE_PATH vantel_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" vantel_up ${vantel_up})
 configure_file(cmake/vantel.pc.in vantel.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/vantel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

@@ -111,6 +111,12 @@ VANTEL_API QuantumProperty* vantel_make_quantum_property(int dimension, int* sta
  * Of basis states that differed only in this qudit, the one stored first stays and the others go with
  * their amplitudes. Measure a qudit that is not in a definite level before freeing it. The qudit that
  * stood last in the joint state takes the freed place. A failure on the way ends the process.
+ *
+ * Freed best are the qudit that joined its joint state last, or all qudits of a joint state together. Of
+ * any other, the joint state keeps the last comer's handle in two places; when it is later merged *behind*
+ * another joint state, that handle counts its new place twice and then names another qudit. It may still be
+ * merged *in front*: a gate's target, a readout's first qudit or vantel_phase_rotate()'s first condition
+ * stands in front, and what is named after it is merged behind it in that order.
  * @param property  a live handle, or null.
  * @return #vantel_ok, or #vantel_null_property for null.
  */
@@ -249,6 +255,8 @@ VANTEL_API int vantel_measure(QuantumProperty** properties, size_t property_coun
  * @brief Asks whether all conditions hold, and projects the joint state onto the answer.
  *
  * The conditions' qudits are merged, and one place among the ten is needed for the time of the call.
+ * That place is taken in front and freed, so that the joint state must not be merged behind another one
+ * afterwards, which a second call on it would do: see vantel_free_quantum_property().
  * @param predicates       conditions, `predicate_count` records; without any the answer is 1.
  * @param predicate_count  number of conditions; 0 for none.
  * @param result           receives 1 where all conditions hold now, 0 where they do not all hold.

@@ -51,6 +51,7 @@ namespace vantel {
 /// What every failed operation throws. The effect of the failure on the state is that of the C function.
 class Error : public std::runtime_error {
 public:
+    /// A failure with its status and what is said of it.
     Error(vantel_status status, const char* text) : std::runtime_error(text), status_(status) {}
 
     /// The failure's status code; also for a failure that the C function has no code for and throws.

@@ -20,6 +20,11 @@ for language in c cpp; do
 done
 
 library=$(dirname "$(find "$prefix" -name 'libvantel.so.1')")
+case $flags in
+*-fsanitize*) ;; # brings a library of its own
+*)  needed=$(readelf -d "$library/libvantel.so.1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+    [ -z "$(echo "$needed" | grep -vE '^(libstdc\+\+|libm|libgcc_s|libc|ld-linux.*)\.so\.[0-9]+$')" ] ;;
+esac
 command -v pkg-config >/dev/null || { echo "no pkg-config here: that half is left out"; exit 0; }
 PKG_CONFIG_PATH=$library/pkgconfig
 export PKG_CONFIG_PATH
