@@ -64,19 +64,22 @@ public:
 
     /// Adds the sums to the reduction. The order of labels is by the target's new level first.
     void add_to(DirectReduction& reduction, std::span<const Group> groups) {
-        for (std::uint64_t k = 0; k < dimension_; ++k)
-            for (std::size_t g = 0; g < groups.size(); ++g) {
-                const std::size_t i = g * dimension_ + k;
-                const std::uint64_t values = others_[g] | k << position_;
+        const std::uint64_t dimension = dimension_;
+        for (std::uint64_t k = 0; k < dimension; ++k) {
+            const Parts* sum = &sums_[k];
+            const std::uint64_t level = k << position_;
+            for (std::size_t g = 0; g < groups.size(); ++g, sum += dimension) {
+                const std::uint64_t values = others_[g] | level;
                 if (runs_[g] == 0) {
-                    if (own_runs_[i] != 0)
-                        reduction.add(values, sums_[i], own_runs_[i]);
+                    if (const std::uint32_t run = own_runs_[g * dimension + k]; run != 0)
+                        reduction.add(values, *sum, run);
                     continue;
                 }
                 // A product whose infinity could be recovered has left both parts of the sum NaN.
-                if (!reduction.add(values, sums_[i], runs_[g]) && is_nan(sums_[i])) [[unlikely]]
+                if (!reduction.add(values, *sum, runs_[g]) && is_nan(*sum)) [[unlikely]]
                     reduction.add(values, recovered(groups[g], k), 0);
             }
+        }
     }
 
 private:

@@ -1,9 +1,7 @@
 #include "state/field_groups.hpp"
 
-#include <algorithm>
-#include <cstring>
-
 #include "state/radix_sort.hpp"
+#include "state/sparse_bytes.hpp"
 
 namespace vantel::qudit {
 
@@ -25,8 +23,7 @@ FieldGroups::FieldGroups(std::span<const PackedAmplitude> entries, unsigned posi
 /// more.
 bool FieldGroups::group_by_table(std::span<const PackedAmplitude> entries, std::uint64_t range,
                                  std::uint64_t levels) {
-    constexpr std::size_t stride = sizeof(std::uint64_t); // counters looked at in one go
-    std::vector<std::uint8_t> sizes((range + stride - 1) / stride * stride, 0);
+    SparseBytes sizes(range);
     members_.reset(new std::uint32_t[range * levels]);
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const std::uint64_t rest = rest_of(entries[i].values);
@@ -35,15 +32,9 @@ bool FieldGroups::group_by_table(std::span<const PackedAmplitude> entries, std::
         members_[rest * levels + sizes[rest]++] = static_cast<std::uint32_t>(i);
     }
     groups_.reserve(entries.size() / levels + 1);
-    for (std::uint64_t first = 0; first < range; first += stride) {
-        std::uint64_t all;
-        std::memcpy(&all, &sizes[first], stride);
-        if (all == 0)
-            continue;
-        for (std::uint64_t rest = first; rest < first + stride; ++rest)
-            if (sizes[rest] != 0)
-                groups_.push_back({rest, &members_[rest * levels], sizes[rest]});
-    }
+    sizes.for_each_set([this, levels](std::uint64_t rest, std::uint8_t size) {
+        groups_.push_back({rest, &members_[rest * levels], size});
+    });
     return true;
 }
 

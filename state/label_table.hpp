@@ -3,13 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <optional>
-#include <span>
-#include <vector>
 
-#include "state/basis_amplitude.hpp"
+#include "state/sparse_bytes.hpp"
 
 namespace vantel::qudit {
 
@@ -33,25 +30,12 @@ public:
     std::uint32_t& position(std::uint64_t values) noexcept { return positions_[values]; }
 
     /// Calls `visit(values, mark)` for each label with a mark, ascending.
-    template <class Visit> void for_each_marked(Visit visit) const {
-        for (std::size_t first = 0; first < marks_.size(); first += stride) {
-            std::uint64_t any;
-            std::memcpy(&any, &marks_[first], stride);
-            if (any == 0)
-                continue;
-            for (std::size_t values = first; values < first + stride; ++values)
-                if (marks_[values] != 0)
-                    visit(static_cast<std::uint64_t>(values), marks_[values]);
-        }
-    }
+    template <class Visit> void for_each_marked(Visit visit) const { marks_.for_each_set(visit); }
 
 private:
-    static constexpr std::size_t stride = sizeof(std::uint64_t); ///< marks looked at in one go
+    explicit LabelTable(std::uint64_t labels) : marks_(labels), positions_(new std::uint32_t[labels]) {}
 
-    explicit LabelTable(std::uint64_t labels)
-        : marks_((labels + stride - 1) / stride * stride, 0), positions_(new std::uint32_t[labels]) {}
-
-    std::vector<std::uint8_t> marks_;
+    SparseBytes marks_;
     std::unique_ptr<std::uint32_t[]> positions_;
 };
 
