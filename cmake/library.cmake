@@ -24,6 +24,7 @@ add_library(vantel_objects OBJECT
     readout/measure.cpp
     readout/probabilities.cpp
     readout/reduced_density_matrix.cpp
+    state/distinct_labels.cpp
     state/dit_array.cpp
     state/exceptions.cpp
     state/field_groups.cpp

@@ -14,13 +14,26 @@ std::vector<PackedOutcome> outcomes_of(std::span<const PackedAmplitude> entries,
     const Subkey outcome_of(listed);
     return with_key_index(outcome_of.bits(), entries.size(), [&](auto& seen) {
         std::vector<PackedOutcome> outcomes;
+        // Neighbours often share an outcome; its sum stays in a register until another one is met.
+        std::size_t current = 0;
+        double sum = 0.0;
         for (const PackedAmplitude& entry : entries) {
+            const std::size_t known = seen.size();
             const std::size_t position = seen.find_or_add(outcome_of(entry.values));
-            if (position == outcomes.size())
-                outcomes.push_back({entry.values, squared_modulus(entry.amplitude)});
-            else
-                outcomes[position].probability += squared_modulus(entry.amplitude);
+            const double weight = squared_modulus(entry.amplitude);
+            if (position == current && known != 0) {
+                sum += weight;
+                continue;
+            }
+            if (known != 0)
+                outcomes[current].probability = sum;
+            if (position == known)
+                outcomes.push_back({entry.values, 0.0});
+            sum = position == known ? weight : outcomes[position].probability + weight;
+            current = position;
         }
+        if (!outcomes.empty())
+            outcomes[current].probability = sum;
         return outcomes;
     });
 }

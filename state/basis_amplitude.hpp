@@ -35,8 +35,14 @@ struct [[gnu::may_alias]] PackedAmplitude {
 /// A list of packed entries, told from an unpacked one by its type. It owns nothing.
 class PackedEntries : public std::span<const PackedAmplitude> {
 public:
-    explicit PackedEntries(std::span<const PackedAmplitude> entries)
-        : std::span<const PackedAmplitude>(entries) {}
+    /// @param distinct  whether it is known that no label stands twice
+    explicit PackedEntries(std::span<const PackedAmplitude> entries, bool distinct = false)
+        : std::span<const PackedAmplitude>(entries), distinct_(distinct) {}
+
+    [[nodiscard]] bool known_distinct() const noexcept { return distinct_; }
+
+private:
+    bool distinct_;
 };
 
 /// Writes dits[i] to slot i, under the checks of DitProxy. A shorter list leaves the other slots at level

@@ -34,55 +34,41 @@ private:
 class HashedKeyIndex {
 public:
     /// @param expected  about as many distinct keys as will come; more are welcome
-    explicit HashedKeyIndex(std::size_t expected) { resize(std::bit_ceil(2 * expected + 2)); }
+    explicit HashedKeyIndex(std::size_t expected) { spread(std::bit_ceil(2 * expected + 2)); }
 
-    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    [[nodiscard]] std::size_t size() const noexcept { return keys_.size(); }
 
     std::size_t find_or_add(std::uint64_t key) {
-        for (std::size_t slot = home(key);; slot = (slot + 1) & (slots_.size() - 1)) {
-            if (slots_[slot].number == 0) {
-                if (2 * size_ >= slots_.size()) {
-                    grow();
-                    return find_or_add(key);
-                }
-                slots_[slot] = {key, ++size_};
-                return size_ - 1;
-            }
-            if (slots_[slot].key == key)
-                return slots_[slot].number - 1;
-        }
+        std::size_t slot = home(key);
+        for (; slots_[slot] != 0; slot = (slot + 1) & (slots_.size() - 1))
+            if (keys_[slots_[slot] - 1] == key)
+                return slots_[slot] - 1;
+        keys_.push_back(key);
+        slots_[slot] = static_cast<std::uint32_t>(keys_.size());
+        if (2 * keys_.size() > slots_.size())
+            spread(2 * slots_.size());
+        return keys_.size() - 1;
     }
 
 private:
-    struct Slot {
-        std::uint64_t key;
-        std::uint64_t number; ///< plus one; 0 for a free slot
-    };
-
     [[nodiscard]] std::size_t home(std::uint64_t key) const noexcept {
         return key * 0x9E3779B97F4A7C15U >> shift_; // 2^64 over the golden ratio
     }
 
-    void resize(std::size_t size) {
-        slots_.assign(size, {0, 0});
+    /// Gives the keys a new table. @param size  a power of two, at least twice their number
+    void spread(std::size_t size) {
+        std::vector<std::uint32_t>(size, 0).swap(slots_);
         shift_ = 64 - static_cast<unsigned>(std::countr_zero(size));
+        for (std::size_t i = 0; i < keys_.size(); ++i) {
+            std::size_t slot = home(keys_[i]);
+            while (slots_[slot] != 0)
+                slot = (slot + 1) & (size - 1);
+            slots_[slot] = static_cast<std::uint32_t>(i + 1);
+        }
     }
 
-    void grow() {
-        HashedKeyIndex larger(slots_.size());
-        for (const Slot& slot : slots_)
-            if (slot.number != 0) {
-                std::size_t place = larger.home(slot.key);
-                while (larger.slots_[place].number != 0)
-                    place = (place + 1) & (larger.slots_.size() - 1);
-                larger.slots_[place] = slot;
-            }
-        slots_.swap(larger.slots_);
-        shift_ = larger.shift_;
-    }
-
-    std::vector<Slot> slots_;
-    std::size_t size_ = 0;
+    std::vector<std::uint64_t> keys_;  ///< by number
+    std::vector<std::uint32_t> slots_; ///< the number plus one of the key that hashed there; 0 if free
     unsigned shift_ = 0;
 };
 

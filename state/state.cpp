@@ -6,7 +6,7 @@
 #include <span>
 
 #include "state/builds.hpp"
-#include "state/key_index.hpp"
+#include "state/distinct_labels.hpp"
 #include "state/packed_view.hpp"
 
 namespace vantel::qudit {
@@ -17,24 +17,14 @@ bool is_zero(const PackedAmplitude& entry) {
     return entry.amplitude.real() == 0.0 && entry.amplitude.imag() == 0.0;
 }
 
-/// Moves the entries whose labels are new to the front, in their order. @return how many there are
-std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key_bits) {
-    if (entries.size() < 2)
-        return entries.size();
-    return with_key_index(key_bits, entries.size(), [entries](auto& seen) {
-        std::size_t kept = 0;
-        for (const PackedAmplitude& entry : entries)
-            if (seen.find_or_add(entry.values) == kept)
-                entries[kept++] = entry;
-        return kept;
-    });
-}
+template <class Label>
+constexpr unsigned key_bits = static_cast<unsigned>(Label::qudit_count) * Label::layout.bits;
 
 /// The constructors' two rules. Repeats are told apart before zeros go.
-template <class Label> void keep_first_nonzero(std::vector<BasisAmplitude<Label>>& entries) {
-    constexpr unsigned key_bits = static_cast<unsigned>(Label::qudit_count) * Label::layout.bits;
-    const std::span<PackedAmplitude> view = packed_view(entries);
-    const std::span<PackedAmplitude> kept = view.first(keep_first_of_label(view, key_bits));
+template <class Label> void keep_first_nonzero(std::vector<BasisAmplitude<Label>>& entries, bool distinct) {
+    std::span<PackedAmplitude> kept = packed_view(entries);
+    if (!distinct)
+        kept = kept.first(keep_first_of_label(kept, key_bits<Label>));
     const auto end = std::remove_if(kept.begin(), kept.end(), is_zero);
     entries.resize(static_cast<std::size_t>(end - kept.begin()));
 }
@@ -46,12 +36,12 @@ template <class Label> State<Label>::State(const std::vector<BasisAmplitudeData>
     for (const BasisAmplitudeData& entry : entries)
         amplitudes.push_back(
             make_basis_amplitude<Label::max_dimension, Label::qudit_count>(entry.dits, entry.amplitude));
-    keep_first_nonzero(amplitudes);
+    keep_first_nonzero(amplitudes, false);
 }
 
 template <class Label> State<Label>::State(PackedEntries entries) : amplitudes(entries.size()) {
     std::copy(entries.begin(), entries.end(), packed_view(amplitudes).begin());
-    keep_first_nonzero(amplitudes);
+    keep_first_nonzero(amplitudes, entries.known_distinct());
 }
 
 template <class Label> std::uint64_t State<Label>::dimension() const {

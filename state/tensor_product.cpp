@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "state/distinct_labels.hpp"
 #include "state/state_factory.hpp"
 
 namespace vantel::qudit {
@@ -42,6 +43,12 @@ private:
     int offset_;
 };
 
+bool is_distinct(const IState& state) {
+    const unsigned key_bits =
+        SlotLayout::of(state.dimension()).bits * static_cast<unsigned>(state.num_qudits());
+    return has_distinct_labels(state.packed_amplitudes(), key_bits);
+}
+
 } // namespace
 
 template <int MAX_DIMENSION, int MAX_NUM>
@@ -69,7 +76,8 @@ std::unique_ptr<IState> tensor_product(const IState& a, const IState& b) {
         for (const PackedAmplitude& y : behind)
             product.push_back({x.values | y.values, x.dimensions | y.dimensions, x.amplitude * y.amplitude});
     }
-    return Factory::make_unique_state(config, PackedEntries(product));
+    // Products of distinct labels are distinct, and the factors are shorter lists to look through.
+    return Factory::make_unique_state(config, PackedEntries(product, is_distinct(a) && is_distinct(b)));
 }
 
 template std::unique_ptr<IState> tensor_product<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>(const IState& a,
