@@ -31,7 +31,7 @@
 #include <set>
 
 #include "interface/quantum_property.hpp"
-#include "tests/reference/literal_library.hpp"
+#include "reference/literal_library.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "tests/reference/literal_state.hpp"
+#include "reference/literal_state.hpp"
 
 namespace vantel::reference {
 

@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <typeinfo>
 
-#include "tests/reference/literal_handles.hpp"
+#include "reference/literal_handles.hpp"
 
 namespace vantel::reference {
 
