@@ -37,18 +37,6 @@ TEST(Measure, LeavesTheStateWhenItFails) {
     EXPECT_TRUE(same_entries(state->basis_amplitudes(), before));
 }
 
-TEST(Measure, LeavesTheOrderOfATwoEndedDivision) {
-    const auto state = state_of({2, 4}, {{{0, 0}, 0.5}, {{1, 1}, 1e-30}, {{0, 2}, 0.25}, {{0, 3}, 0.125}});
-    const RandomSource source(1);
-    EXPECT_EQ(state->measure({0}), Ints{0});
-    const Entries left = state->basis_amplitudes();
-    ASSERT_EQ(left.size(), 3U);
-    EXPECT_EQ(left[1].dits[1].value, 3U);
-    EXPECT_EQ(left[2].dits[1].value, 2U);
-    const float norm = std::sqrt(0.328125F); // the norm is a float on purpose
-    EXPECT_TRUE(same_bits(left[0].amplitude, 0.5 / static_cast<double>(norm)));
-}
-
 /// Three float weights whose first running sum is the drawn number itself.
 std::vector<float> tie_at(double number) {
     for (float first = 0.3F; first < 0.4F; first = std::nextafter(first, 1.0F)) {
