@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <complex>
 #include <memory>
 #include <numeric>
@@ -5,6 +6,7 @@
 #include <vector>
 
 #include "readout/levels.hpp"
+#include "readout/ranked.hpp"
 #include "state/builds.hpp"
 #include "state/key_index.hpp"
 #include "state/packed_view.hpp"
@@ -41,14 +43,16 @@ public:
         std::uint32_t entry;
     };
 
-    TracedGroups(std::span<const PackedAmplitude> entries, const Numbering& kept, const Numbering& traced)
+    /// @param column_of  column_of(i) is the column of the i-th entry
+    template <class ColumnOf>
+    TracedGroups(std::span<const PackedAmplitude> entries, const Numbering& traced, ColumnOf column_of)
         : traced_(traced), begin_(traced.size + 1, 0), members_(new Member[entries.size()]) {
         for (const std::uint32_t group : traced.of)
             ++begin_[group + 1];
         std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
         std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
         for (std::size_t i = 0; i < entries.size(); ++i)
-            members_[place[traced.of[i]]++] = {parts_of(std::conj(entries[i].amplitude)), kept.of[i],
+            members_[place[traced.of[i]]++] = {parts_of(std::conj(entries[i].amplitude)), column_of(i),
                                                static_cast<std::uint32_t>(i)};
     }
 
@@ -68,7 +72,7 @@ std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries,
                                        std::uint64_t traced_fields) {
     const Numbering kept(entries, kept_fields);
     const Numbering traced(entries, traced_fields);
-    const TracedGroups groups(entries, kept, traced);
+    const TracedGroups groups(entries, traced, [&kept](std::size_t i) { return kept.of[i]; });
     const auto bits = static_cast<unsigned>(std::bit_width(kept.size * kept.size));
     return with_key_index(bits, entries.size(), [&](auto& seen) {
         std::vector<PackedElement> elements;
@@ -89,6 +93,34 @@ std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries,
 }
 
 } // namespace
+
+RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, std::uint64_t traced_fields,
+                                   const LevelRank& rank) {
+    const std::size_t side = rank.size();
+    RankedMatrix matrix{std::vector<std::complex<double>>(side * side),
+                        std::vector<std::uint8_t>(side * side, 0)};
+    const Numbering traced(entries, traced_fields);
+    // A label with a level beyond its dimension has a column behind the last.
+    const TracedGroups groups(entries, traced, [&](std::size_t i) {
+        return static_cast<std::uint32_t>(std::min<std::uint64_t>(rank(entries[i].values), side));
+    });
+    for (std::size_t a = 0; a < entries.size(); ++a) {
+        const std::uint64_t row = rank(entries[a].values);
+        if (row >= side)
+            continue;
+        const Factor amplitude(entries[a].amplitude);
+        for (const TracedGroups::Member& b : groups.partners(a)) {
+            if (b.column == side)
+                continue;
+            const Parts product = amplitude(b.conjugate);
+            const std::size_t place = row * side + b.column;
+            std::complex<double>& element = matrix.elements[place];
+            store(matrix.reached[place] != 0 ? parts_of(element) + product : product, element);
+            matrix.reached[place] = 1;
+        }
+    }
+    return matrix;
+}
 
 template <class Label>
 std::vector<PackedElement> State<Label>::packed_density_matrix(const std::vector<int>& qudits) const {
