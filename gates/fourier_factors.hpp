@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cmath>
 #include <complex>
 #include <cstdint>
@@ -19,8 +20,8 @@ public:
 
     /// The factors from one level, ascending in k, taken apart as in Factor.
     struct Row {
-        std::array<Parts, levels> real{};
-        std::array<Parts, levels> crossed{};
+        std::array<Parts, levels + 1> real;
+        std::array<Parts, levels + 1> crossed;
 
         [[nodiscard]] Factor operator[](std::uint64_t k) const { return {real[k], crossed[k]}; }
     };
@@ -40,21 +41,41 @@ public:
 
 private:
     [[gnu::noinline]] void work_out(std::uint64_t v) {
+        Row& row = rows_[v];
         for (std::uint64_t k = 0; k < dimension_; ++k) {
             const double theta = unit_ * static_cast<double>(dimension_ - k) * static_cast<double>(v) /
                                  static_cast<double>(dimension_);
-            const Factor factor({scale_ * std::cos(theta), scale_ * std::sin(theta)});
-            rows_[v].real[k] = factor.real();
-            rows_[v].crossed[k] = factor.crossed();
+            const Factor factor = factor_of(theta, (dimension_ - k) * v);
+            row.real[k] = factor.real();
+            row.crossed[k] = factor.crossed();
         }
+        // Two levels at a time are worked on; what comes of this one is not used.
+        row.real[dimension_] = row.crossed[dimension_] = Parts{};
         known_ |= std::uint32_t{1} << v;
     }
+
+    /// Angles of the same whole number of steps are mostly equal, and then are not worked out again.
+    Factor factor_of(double theta, std::uint64_t steps) {
+        Angle& angle = angles_[steps];
+        if (!seen_[steps] || angle.theta != theta) {
+            angle = {theta, Factor({scale_ * std::cos(theta), scale_ * std::sin(theta)})};
+            seen_[steps] = true;
+        }
+        return angle.factor;
+    }
+
+    struct Angle {
+        double theta;
+        Factor factor;
+    };
 
     std::uint64_t dimension_;
     double scale_;
     double unit_;
     std::uint32_t known_ = 0;
     std::array<Row, levels> rows_;
+    std::bitset<(levels + 1) * levels> seen_;
+    std::array<Angle, (levels + 1) * levels> angles_;
 };
 
 } // namespace vantel::qudit

@@ -1,6 +1,5 @@
 #include "gates/fourier_sums.hpp"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -106,7 +105,7 @@ public:
             const ControlTest& controls_hold, FourierFactors& factors)
         : into_(sums), entries_(entries.data()), position_(sums.position_), field_(field),
           controls_hold_(controls_hold), factors_(factors), others_(sums.others_.get()),
-          runs_(sums.runs_.get()), sums_(sums.sums_.get()) {}
+          runs_(sums.runs_.get()), own_runs_(sums.own_runs_.get()), sums_(sums.sums_.get()) {}
 
     void add_groups(const FieldGroups& groups) {
         with_dimension(into_.dimension_, [&](auto dimension) {
@@ -132,7 +131,7 @@ private:
         } else {
             runs_[g] = 0;
             same_run_ = false;
-            kept_ += keep(members, g * dimension);
+            kept_ += keep(members, g * dimension, dimension);
         }
     }
 
@@ -170,20 +169,20 @@ private:
 
     /// A group that the controls leave out: each entry is a sum of its own, a repeated label's together.
     /// @return how many stay
-    std::size_t keep(Members members, std::size_t first) const {
-        if (!into_.own_runs_)
-            into_.own_runs_.reset(new std::uint32_t[into_.most_]);
-        std::uint32_t* const runs = &into_.own_runs_[first];
-        std::fill_n(runs, into_.dimension_, 0);
+    template <class Dimension>
+    std::size_t keep(Members members, std::size_t first, Dimension dimension) const {
+        Parts* const sums = &sums_[first];
+        std::uint32_t* const runs = &own_runs_[first];
+        for (std::uint64_t k = 0; k < dimension; ++k)
+            runs[k] = 0;
         for (const std::uint32_t member : members) {
-            Parts& sum = sums_[first + level(member)];
-            std::uint32_t& run = runs[level(member)];
-            sum = run == 0 ? amplitude(member) : sum + amplitude(member);
-            ++run;
+            const std::uint64_t k = level(member);
+            sums[k] = runs[k] == 0 ? amplitude(member) : sums[k] + amplitude(member);
+            ++runs[k];
         }
         std::size_t kept = 0;
-        for (std::uint64_t k = 0; k < into_.dimension_; ++k)
-            kept += runs[k] != 0 && exceeds_threshold(sums_[first + k]) ? 1 : 0;
+        for (std::uint64_t k = 0; k < dimension; ++k)
+            kept += runs[k] != 0 && exceeds_threshold(sums[k]) ? 1 : 0;
         return kept;
     }
 
@@ -200,6 +199,7 @@ private:
     FourierFactors& factors_;
     std::uint64_t* others_;
     std::uint32_t* runs_;
+    std::uint32_t* own_runs_;
     Parts* sums_;
     std::size_t groups_ = 0;
     std::size_t kept_ = 0;
@@ -208,9 +208,9 @@ private:
 
 FourierSums::FourierSums(std::size_t most_groups, std::uint64_t dimension, unsigned position,
                          std::uint64_t dimensions)
-    : dimension_(dimension), position_(position), dimensions_(dimensions), most_(most_groups * dimension),
+    : dimension_(dimension), position_(position), dimensions_(dimensions),
       others_(new std::uint64_t[most_groups]), runs_(new std::uint32_t[most_groups]),
-      sums_(new Parts[most_]) {}
+      sums_(new Parts[most_groups * dimension]) {}
 
 std::optional<FourierSums> FourierSums::of(std::span<const PackedAmplitude> entries, SlotLayout layout,
                                            int target, const ControlTest& controls_hold, double sign) {
@@ -229,6 +229,8 @@ std::optional<FourierSums> FourierSums::of(std::span<const PackedAmplitude> entr
 
     const FieldGroups groups(entries, ~(layout.mask() << position), survey.any, dimension);
     FourierSums sums(groups.bound(), dimension, position, dimensions);
+    if (!controls_hold.is_empty())
+        sums.own_runs_.reset(new std::uint32_t[groups.bound() * dimension]);
     FourierFactors factors(dimension, sign);
     Builder(sums, entries, layout.mask(), controls_hold, factors).add_groups(groups);
     if (!sums.is_uniform())
@@ -255,26 +257,25 @@ template <class Visit> void FourierSums::for_each_sum(Visit visit) const noexcep
 }
 
 void FourierSums::write(std::span<PackedAmplitude> list) const noexcept {
-    const std::uint64_t dimensions = dimensions_;
-    const Parts* const sums = sums_.get();
+    // What counts along is part of the visitors, where no store to an entry can be thought to change it.
     if (is_uniform()) {
-        UniformReduction order(kept_, run_of_all_);
-        for_each_sum([&order, sums, dimensions, first = list.data()](std::uint64_t values, std::size_t sum,
-                                                                     std::size_t /*group*/) {
-            PackedAmplitude& entry = first[order.next()];
-            entry.values = values;
-            entry.dimensions = dimensions;
-            store(sums[sum], entry.amplitude);
-        });
+        for_each_sum(
+            [order = UniformReduction(kept_, run_of_all_), sums = sums_.get(), dimensions = dimensions_,
+             entries = list.data()](std::uint64_t values, std::size_t sum, std::size_t /*group*/) mutable {
+                PackedAmplitude& entry = entries[order.next()];
+                entry.values = values;
+                entry.dimensions = dimensions;
+                store(sums[sum], entry.amplitude);
+            });
         return;
     }
-    DirectReduction reduction(list, dimensions, holes_.get());
-    for_each_sum([&reduction, sums, runs = runs_.get(),
-                  own_runs = own_runs_.get()](std::uint64_t values, std::size_t sum, std::size_t group) {
-        const std::uint32_t run = runs[group] != 0 ? runs[group] : own_runs[sum];
-        if (run != 0)
-            reduction.add(values, sums[sum], run);
-    });
+    for_each_sum(
+        [reduction = DirectReduction(list, dimensions_, holes_.get()), sums = sums_.get(), runs = runs_.get(),
+         own_runs = own_runs_.get()](std::uint64_t values, std::size_t sum, std::size_t group) mutable {
+            const std::uint32_t run = runs[group] != 0 ? runs[group] : own_runs[sum];
+            if (run != 0)
+                reduction.add(values, sums[sum], run);
+        });
 }
 
 } // namespace vantel::qudit

@@ -46,7 +46,6 @@ private:
     std::uint64_t dimension_; ///< of the target
     unsigned position_;
     std::uint64_t dimensions_; ///< of every label
-    std::size_t most_;         ///< sums
     std::size_t kept_ = 0;
     std::size_t groups_ = 0;
     std::uint32_t run_of_all_ = 0; ///< of how many children every sum is; 0 if their numbers differ

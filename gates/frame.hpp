@@ -20,6 +20,9 @@ class ControlTest {
 public:
     ControlTest(const std::vector<Predicate>& controls, SlotLayout layout) noexcept;
 
+    /// Whether there are no controls, so that they hold for every label.
+    [[nodiscard]] bool is_empty() const noexcept { return fields_ == 0 && wanted_ == 0 && refusals_ == 0; }
+
     /// Whether every control holds for a label of these levels.
     [[nodiscard]] bool operator()(std::uint64_t values) const noexcept { return mask(values) != 0; }
 
@@ -41,7 +44,7 @@ public:
             run([fields = fields_, wanted = wanted_, refused = refused_[0]](auto values) {
                 return equal(values & fields, wanted) & ~equal(values & refused.field, refused.level);
             });
-        else if (fields_ == 0 && wanted_ == 0)
+        else if (is_empty())
             run([](auto values) { return ~(values ^ values); });
         else
             run([fields = fields_, wanted = wanted_](auto values) { return equal(values & fields, wanted); });
@@ -119,6 +122,8 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
         for (; end - entry >= 2; entry += 2) {
             const LabelPair labels(entry);
             const Words selected = holds(labels.values);
+            if (!any(selected))
+                continue;
             const Parts first = parts_of(entry[0].amplitude);
             const Parts second = parts_of(entry[1].amplitude);
             const Parts first_turned = own.factor(entry[0].values).unrecovered(first);

@@ -11,9 +11,10 @@
 #include "state/direct_reduction.hpp"
 #include "state/drop_threshold.hpp"
 #include "state/exceptions.hpp"
-#include "state/label_table.hpp"
+#include "state/level_rank.hpp"
 #include "state/packed_view.hpp"
 #include "state/state.hpp"
+#include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
 
@@ -50,84 +51,118 @@ std::size_t share_out(std::span<PackedAmplitude> entries, const ControlTest& con
     return static_cast<std::size_t>(end - crossed);
 }
 
-/// What the reduction makes of all shares that meet in a label.
+/// The rank of a label among all combinations of levels, with the dimensions of one label.
+LevelRank rank_of_all(SlotLayout layout, int qudit_count, std::uint64_t dimensions, std::size_t labels) {
+    std::vector<int> qudits;
+    std::vector<std::uint64_t> levels;
+    for (int qudit = 0; qudit < qudit_count; ++qudit) {
+        qudits.push_back(qudit);
+        levels.push_back((dimensions >> layout.position(qudit) & layout.mask()) + 1);
+    }
+    return {layout, qudits, levels, labels};
+}
+
+/// A sum of all shares that meet in a label, which the reduction keeps.
 struct Sum {
     Parts amplitude;
     std::uint64_t values;
-    std::uint64_t run; ///< of how many shares it is
+    std::size_t place; ///< in the sorted list of all shares
 };
 
-/// The sums, ascending by label.
+/// The kept sums, ascending by label.
 struct Sums {
     std::unique_ptr<Sum[]> list;
     std::unique_ptr<std::uint32_t[]> holes; ///< scratch of write()
-    std::size_t size = 0;
-    std::size_t kept = 0; ///< how many of them the reduction keeps
+    std::size_t kept = 0;
+    std::size_t length = 0; ///< of the sorted list up to now
     std::uint64_t dimensions;
 
     Sums(std::size_t most, std::uint64_t dimensions_of_all)
         : list(new Sum[most]), holes(new std::uint32_t[most]), dimensions(dimensions_of_all) {}
 
-    void add(const Sum& sum) {
-        list[size++] = sum;
-        kept += exceeds_threshold(sum.amplitude) ? 1 : 0;
+    void add(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
+        length += run;
+        if (!exceeds_threshold(amplitude))
+            return;
+        Sum& sum = list[kept++];
+        sum.amplitude = amplitude;
+        sum.values = values;
+        sum.place = length - 1;
     }
 
     void write(std::span<PackedAmplitude> entries) const noexcept {
         DirectReduction reduction(entries, dimensions, holes.get());
-        for (const Sum& sum : std::span(list.get(), size))
-            reduction.add(sum.values, sum.amplitude, sum.run);
+        for (const Sum& sum : std::span(list.get(), kept))
+            reduction.keep(sum.values, sum.amplitude, sum.place);
     }
 };
 
 /// The gate with the reduction that follows it, without the list between them: at most two shares meet in
-/// a label, what stays of its own entry and what crosses from its partner.
-/// @return nothing where the list is short, its labels are far apart, repeated or of unequal dimensions
-std::optional<Sums> shared_out(std::span<const PackedAmplitude> entries, const ControlTest& controls_hold,
-                               const Exchange& exchange, const Shares& shares) {
+/// a label, what stays of its own entry and what crosses from its partner. Both are found by the rank of the
+/// label among all combinations of levels.
+/// @return nothing where the list is short, its labels are far apart, repeated or unlike in their dimensions
+std::optional<Sums> shared_out(std::span<const PackedAmplitude> entries, SlotLayout layout, int qudit_count,
+                               const ControlTest& controls_hold, const Exchange& exchange,
+                               const Shares& shares) {
     constexpr std::size_t few = 16;
-    if (entries.size() <= few)
+    constexpr std::size_t many = std::size_t{1} << 31;
+    constexpr std::uint64_t sparsest = 16; // combinations an entry, beyond which sorting is quicker
+    if (entries.size() <= few || entries.size() >= many)
         return {};
-    std::uint64_t any = 0;
-    std::uint64_t unequal = 0;
-    for (const PackedAmplitude& entry : entries) {
-        any |= entry.values | (entry.values ^ exchange.difference(entry.values));
-        unequal |= entry.dimensions ^ entries.front().dimensions;
-    }
-    std::optional<LabelTable> table = LabelTable::for_labels(any, entries.size());
-    if (unequal != 0 || !table)
+    const std::uint64_t dimensions = entries.front().dimensions;
+    const LevelRank rank = rank_of_all(layout, qudit_count, dimensions, entries.size());
+    const std::uint64_t ranks = rank.size();
+    if (ranks / sparsest >= entries.size())
         return {};
 
-    constexpr std::uint8_t own = 1;     // the label has an entry
-    constexpr std::uint8_t crosses = 2; // a partner's share comes to it
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const std::uint64_t values = entries[i].values;
-        const std::uint64_t difference = exchange.difference(values);
-        if ((table->mark(values) & own) != 0)
-            return {};
-        table->mark(values) |= own;
-        table->position(values) = static_cast<std::uint32_t>(i);
-        if (difference != 0 && controls_hold(values))
-            table->mark(values ^ difference) |= crosses;
-    }
+    // Positions are counted from 1; 0 stands for none.
+    constexpr std::uint32_t sharing = std::uint32_t{1} << 31;
+    std::vector<std::uint32_t> own(ranks, 0);      ///< the entry of each label, and whether it shares
+    std::vector<std::uint32_t> partners(ranks, 0); ///< the entry whose share crosses to each label
+    bool regular = true;
+    wide_loop([&regular, &rank, &controls_hold, entries, exchange, dimensions, ranks, mine = own.data(),
+               crossing = partners.data()] {
+        for (std::size_t i = 0; i < entries.size() && regular; ++i) {
+            const std::uint64_t values = entries[i].values;
+            const std::uint64_t r = rank(values);
+            if (entries[i].dimensions != dimensions || r >= ranks || mine[r] != 0) {
+                regular = false;
+                continue;
+            }
+            const auto position = static_cast<std::uint32_t>(i + 1);
+            const std::uint64_t difference = exchange.difference(values);
+            const bool shared = difference != 0 && controls_hold(values);
+            mine[r] = shared ? position | sharing : position;
+            if (shared)
+                crossing[rank(values ^ difference)] = position;
+        }
+    });
+    if (!regular)
+        return {};
 
-    const auto amplitude = [&](std::uint64_t values) {
-        return parts_of(entries[table->position(values)].amplitude);
-    };
-    Sums sums(2 * entries.size(), entries.front().dimensions);
-    table->for_each_marked([&](std::uint64_t values, std::uint8_t mark) {
-        const std::uint64_t difference = exchange.difference(values);
-        Parts sum{};
-        if ((mark & own) != 0) {
-            sum = amplitude(values);
-            if (difference != 0 && controls_hold(values))
-                sum = shares.staying(sum);
+    Sums sums(2 * entries.size(), dimensions);
+    wide_loop([&sums, &own, &partners, entries, exchange, shares, ranks] {
+        for (std::uint64_t r = 0; r < ranks; ++r) {
+            const std::uint32_t mine = own[r];
+            const std::uint32_t partner = partners[r];
+            if (partner == 0) {
+                if (mine == 0)
+                    continue;
+                const PackedAmplitude& entry = entries[(mine & ~sharing) - 1];
+                const Parts amplitude = parts_of(entry.amplitude);
+                sums.add(entry.values, (mine & sharing) != 0 ? shares.staying(amplitude) : amplitude, 1);
+                continue;
+            }
+            const PackedAmplitude& from = entries[partner - 1];
+            const Parts share = shares.crossing(parts_of(from.amplitude));
+            const std::uint64_t values = from.values ^ exchange.difference(from.values);
+            if (mine == 0) {
+                sums.add(values, share, 1);
+                continue;
+            }
+            const Parts amplitude = parts_of(entries[(mine & ~sharing) - 1].amplitude);
+            sums.add(values, ((mine & sharing) != 0 ? shares.staying(amplitude) : amplitude) + share, 2);
         }
-        if ((mark & crosses) != 0) {
-            const Parts share = shares.crossing(amplitude(values ^ difference));
-            sum = (mark & own) != 0 ? sum + share : share;
-        }
-        sums.add({sum, values, mark == (own | crosses) ? 2U : 1U});
     });
     return sums;
 }
@@ -144,8 +179,8 @@ void State<Label>::i_swap(int first, int second, float fraction, std::vector<Pre
     const Shares shares(fraction);
     const Exchange exchange(Label::layout, first, second);
     const ControlTest controls_hold(controls, Label::layout);
-    if (const std::optional<Sums> sums =
-            shared_out(packed_view(amplitudes), controls_hold, exchange, shares)) {
+    if (const std::optional<Sums> sums = shared_out(packed_view(amplitudes), Label::layout,
+                                                    Label::qudit_count, controls_hold, exchange, shares)) {
         amplitudes.resize(sums->kept);
         sums->write(packed_view(amplitudes));
     } else {

@@ -27,9 +27,12 @@ public:
     /// Adds the sum of `run` equal labels. Sums come in ascending order of their labels.
     void add(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
         length_ += run;
-        if (!exceeds_threshold(amplitude))
-            return;
-        const std::size_t place = length_ - 1;
+        if (exceeds_threshold(amplitude))
+            keep(values, amplitude, length_ - 1);
+    }
+
+    /// Adds a sum that exceeds the threshold by its place in the sorted list, likewise in ascending order.
+    void keep(std::uint64_t values, Parts amplitude, std::size_t place) noexcept {
         for (const std::size_t end = place < size_ ? place : size_; covered_ < end; ++covered_)
             holes_[hole_count_++] = static_cast<std::uint32_t>(covered_);
         const bool stays = place < size_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -21,57 +22,72 @@ public:
     LevelRank(SlotLayout layout, std::span<const int> qudits, std::span<const std::uint64_t> dimensions,
               std::size_t labels)
         : bits_(layout.bits) {
-        while (bits_ + layout.bits <= 12 && std::size_t{4} << bits_ < labels)
+        while (bits_ + layout.bits <= 12 && std::size_t{16} << (bits_ + layout.bits) <= labels)
             bits_ += layout.bits;
         for (std::size_t i = 0; i < qudits.size(); ++i) {
             const unsigned position = layout.position(qudits[i]);
-            Chunk& chunk = chunk_of(position);
+            const Chunk& chunk = chunk_of(position);
             add_levels(chunk, position - chunk.shift, layout, dimensions[i]);
             stride_ *= dimensions[i];
         }
     }
+
+    LevelRank(const LevelRank&) = delete; // chunks point into the tables
+    LevelRank& operator=(const LevelRank&) = delete;
 
     /// How many combinations there are.
     [[nodiscard]] std::uint64_t size() const noexcept { return stride_; }
 
     /// The label's number; size() or more where some level is beyond its dimension.
     [[nodiscard]] std::uint64_t operator()(std::uint64_t values) const noexcept {
-        const std::uint64_t mask = (std::uint64_t{1} << bits_) - 1;
-        std::uint64_t rank = 0;
-        for (const Chunk& chunk : chunks_)
-            rank += chunk.ranks[values >> chunk.shift & mask];
+        // One or two chunks are the common case; where there is no chunk, its table has one place.
+        std::uint64_t rank = chunks_[0](values) + chunks_[1](values);
+        for (unsigned i = 2; i < count_; ++i)
+            rank += chunks_[i](values);
         return rank;
     }
 
 private:
-    static constexpr std::uint64_t none = std::uint64_t{1}
-                                          << 48; ///< more than any size, and still to be summed
+    /// More than the size of any table. A list has fewer than 64 qudits before its table has no size at all,
+    /// so this does not overflow when it is summed.
+    static constexpr std::uint64_t none = std::uint64_t{1} << 58;
+    static constexpr std::uint64_t nothing[1] = {0};
 
-    /// What the fields of a word from `shift` on add to the rank.
+    /// What some neighbouring fields of a word add to the rank.
     struct Chunk {
-        unsigned shift;
-        std::vector<std::uint64_t> ranks;
+        const std::uint64_t* ranks = nothing;
+        unsigned shift = 0;
+        std::uint64_t mask = 0;
+
+        std::uint64_t operator()(std::uint64_t values) const noexcept {
+            return ranks[values >> shift & mask];
+        }
     };
 
-    Chunk& chunk_of(unsigned position) {
+    const Chunk& chunk_of(unsigned position) {
         const unsigned shift = position / bits_ * bits_;
-        const auto known = std::find_if(chunks_.begin(), chunks_.end(),
-                                        [shift](const Chunk& chunk) { return chunk.shift == shift; });
-        if (known != chunks_.end())
+        const auto end = chunks_.begin() + count_;
+        const auto known =
+            std::find_if(chunks_.begin(), end, [shift](const Chunk& chunk) { return chunk.shift == shift; });
+        if (known != end)
             return *known;
-        return chunks_.emplace_back(shift, std::vector<std::uint64_t>(std::size_t{1} << bits_, 0));
+        tables_.emplace_back(std::size_t{1} << bits_, 0);
+        return chunks_[count_++] = {tables_.back().data(), shift, (std::uint64_t{1} << bits_) - 1};
     }
 
-    void add_levels(Chunk& chunk, unsigned position, SlotLayout layout, std::uint64_t dimension) const {
-        for (std::size_t fields = 0; fields < chunk.ranks.size(); ++fields) {
+    void add_levels(const Chunk& chunk, unsigned position, SlotLayout layout, std::uint64_t dimension) {
+        std::vector<std::uint64_t>& ranks = tables_[static_cast<std::size_t>(&chunk - chunks_.data())];
+        for (std::size_t fields = 0; fields < ranks.size(); ++fields) {
             const std::uint64_t level = fields >> position & layout.mask();
-            chunk.ranks[fields] += level < dimension ? level * stride_ : none;
+            ranks[fields] += level < dimension ? level * stride_ : none;
         }
     }
 
     unsigned bits_; ///< of a chunk, a whole number of fields
+    unsigned count_ = 0;
     std::uint64_t stride_ = 1;
-    std::vector<Chunk> chunks_;
+    std::array<Chunk, 64> chunks_; ///< one for each bit of a word at the most
+    std::vector<std::vector<std::uint64_t>> tables_;
 };
 
 } // namespace vantel::qudit

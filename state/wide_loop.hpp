@@ -9,7 +9,7 @@ namespace vantel::qudit {
 inline const bool has_wide_vectors = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
 
 template <class Loop>
-[[gnu::target("avx2,bmi2"), gnu::flatten, gnu::noinline]] void in_wide_vectors(Loop loop) {
+[[gnu::target("avx2,bmi2"), gnu::flatten, gnu::noinline]] void in_wide_vectors(const Loop& loop) {
     loop();
 }
 
@@ -17,7 +17,7 @@ template <class Loop>
 
 inline constexpr bool has_wide_vectors = false;
 
-template <class Loop> void in_wide_vectors(Loop loop) {
+template <class Loop> void in_wide_vectors(const Loop& loop) {
     loop();
 }
 
@@ -25,7 +25,7 @@ template <class Loop> void in_wide_vectors(Loop loop) {
 
 /// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor
 /// turns out to have them.
-template <class Loop> void wide_loop(Loop loop) {
+template <class Loop> void wide_loop(const Loop& loop) {
     if (has_wide_vectors)
         in_wide_vectors(loop);
     else

@@ -90,6 +90,9 @@ TEST(Tables, ThatOverflowAreReportedAtOnceAndWrittenNowhere) {
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
     EXPECT_EQ(diagnostics.text(), text + "\n");
+    list.reserve(2 * list.size());
+    list.insert(list.end(), list.begin(), list.begin() + 10); // 10^20 combinations
+    EXPECT_THROW(vantel_probabilities(list.data(), list.size(), nullptr), std::length_error);
 }
 
 TEST(Matrices, WhoseWrappedSizeAgreesByAccidentAreWrittenNowhereElse) {
