@@ -50,10 +50,13 @@ template <class Weight, class PlaceOf, class Enter, class Leave>
 void sum_up(std::span<const PackedAmplitude> entries, std::uint64_t listed, PlaceOf place_of, Enter enter,
             Leave leave) {
     const Weight weight;
-    const auto each_alone = [&] {
+    const auto each_alone = [entries, place_of, enter, leave, weight] {
+        const auto own_place_of = place_of; // copies that no store to a sum can be thought to change
+        const auto own_enter = enter;
+        const auto own_leave = leave;
         for (const PackedAmplitude& entry : entries) {
-            const auto place = place_of(entry.values);
-            leave(place, enter(place, entry) + weight(entry.amplitude), 1);
+            const auto place = own_place_of(entry.values);
+            own_leave(place, own_enter(place, entry) + weight(entry.amplitude), 1);
         }
     };
     // The sum stays in a register until another place is met, which no processor could foresee if places
@@ -78,13 +81,48 @@ void sum_up(std::span<const PackedAmplitude> entries, std::uint64_t listed, Plac
         wide_loop(in_runs);
 }
 
+/// A sum and of how many weights it is. A sum that starts from 0 has the bits of its first weight, since no
+/// weight is negative zero.
+struct WeightSum {
+    double sum = 0.0;
+    std::size_t entries = 0;
+};
+
+/// Outcomes that are so few in kind that each has a place from the beginning.
+template <class Weight>
+std::vector<PackedOutcome> few_outcomes_by(std::span<const PackedAmplitude> entries, std::uint64_t listed,
+                                           Subkey outcome_of) {
+    std::vector<WeightSum> sums(std::size_t{1} << outcome_of.bits());
+    std::vector<PackedOutcome> outcomes;
+    outcomes.reserve(std::min(sums.size(), entries.size()));
+    sum_up<Weight>(
+        entries, listed, outcome_of,
+        [at = sums.data(), &outcomes](std::uint64_t outcome, const PackedAmplitude& entry) {
+            if (at[outcome].entries == 0) [[unlikely]]
+                outcomes.push_back({entry.values, 0.0, 0});
+            return at[outcome].sum;
+        },
+        [at = sums.data()](std::uint64_t outcome, double sum, std::size_t count) {
+            at[outcome].sum = sum;
+            at[outcome].entries += count;
+        });
+    for (PackedOutcome& outcome : outcomes) {
+        const WeightSum& of_all = sums[outcome_of(outcome.values)];
+        outcome.probability = of_all.sum;
+        outcome.entries = of_all.entries;
+    }
+    return outcomes;
+}
+
 template <class Weight>
 std::vector<PackedOutcome> outcomes_by(std::span<const PackedAmplitude> entries, std::uint64_t listed) {
+    constexpr unsigned few = 8; // bits
     const Subkey outcome_of(listed);
+    if (outcome_of.bits() <= few)
+        return few_outcomes_by<Weight>(entries, listed, outcome_of);
     return with_key_index(outcome_of.bits(), entries.size(), [&](auto& seen) {
         std::vector<PackedOutcome> outcomes;
         std::size_t current = 0;
-        // A sum that starts from 0 has the bits of its first weight, since no weight is negative zero.
         sum_up<Weight>(
             entries, listed, outcome_of,
             [&](std::uint64_t outcome, const PackedAmplitude& entry) {
