@@ -77,6 +77,13 @@ TEST(Release, LeavesThePartnerOfAnEntangledQuditInAPureSuperposition) {
                              entries_of({2}, {{{0}, 0.7071067811865475}, {{1}, 0.7071067811865475}})));
 }
 
+TEST(Release, OfTheOnlyHandleTakesNothingOutOfItsState) {
+    std::optional<QuantumProperty> only(std::in_place, state_of({2, 3}, {{{0, 2}, 1.0}}), 0);
+    const auto shared = only->shared_state;
+    only.reset();
+    EXPECT_EQ(shared->state->num_qudits(), 2U);
+}
+
 TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
     std::vector<Handle> handles;
     List list;

@@ -49,6 +49,20 @@ TEST(Factory, BuildsTheLargestStateAtOnce) {
     EXPECT_TRUE(same_entries(state->basis_amplitudes(), entries)); // in descending order still
 }
 
+TEST(Product, IsRefusedForItsSizeFirstAndHoldsAsManyEntriesAsAnyState) {
+    const auto spread = [](std::uint64_t dimension, int qudits, int of) {
+        auto state = state_of(Levels(static_cast<std::size_t>(of), dimension),
+                              {{Levels(static_cast<std::size_t>(of), 0), 1.0}});
+        for (int i = 0; i < qudits; ++i)
+            state->hadamard({i}, {});
+        return state;
+    };
+    const auto thousand = spread(10, 3, 3);
+    EXPECT_EQ((tensor_product<10, 10>(*thousand, *spread(10, 2, 2))->packed_amplitudes().size()), 100000U);
+    EXPECT_EQ(thrown_by([&] { tensor_product<10, 10>(*thousand, *spread(2, 7, 8)); }),
+              failure<StateSizeExceeded>("State size exceeded maximum allowed size"));
+}
+
 TEST(Construction, LetsTheFirstOfALabelWinAndDropsExactZerosAfterwards) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const auto state = state_of({3, 2}, {{{2, 1}, 0.25},
