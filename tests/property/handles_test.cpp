@@ -77,13 +77,6 @@ TEST(Release, LeavesThePartnerOfAnEntangledQuditInAPureSuperposition) {
                              entries_of({2}, {{{0}, 0.7071067811865475}, {{1}, 0.7071067811865475}})));
 }
 
-TEST(Release, OfTheOnlyHandleTakesNothingOutOfItsState) {
-    std::optional<QuantumProperty> only(std::in_place, state_of({2, 3}, {{{0, 2}, 1.0}}), 0);
-    const auto shared = only->shared_state;
-    only.reset();
-    EXPECT_EQ(shared->state->num_qudits(), 2U);
-}
-
 TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
     std::vector<Handle> handles;
     List list;
@@ -98,6 +91,13 @@ TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
     EXPECT_EXIT(handles.front().reset(), ::testing::KilledBySignal(SIGABRT), "");
     std::vector<int> levels(list.size());
     EXPECT_EQ(vantel_measure(list.data(), list.size(), levels.data()), 0); // small again, and can be freed
+}
+
+TEST(Release, OfTheOnlyHandleTakesNothingOutOfItsState) {
+    std::optional<QuantumProperty> only(std::in_place, state_of({2, 3}, {{{0, 2}, 1.0}}), 0);
+    const auto shared = only->shared_state;
+    only.reset();
+    EXPECT_EQ(shared->state->num_qudits(), 2U);
 }
 
 TEST(Projection, ShiftsAHandleTwiceThatStandsTwice) {
