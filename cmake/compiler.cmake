@@ -14,6 +14,7 @@ target_compile_options(vantel_compiler INTERFACE
     # g++ 12 makes one fused operation of a product and an alternating sum when it vectorises straight-line
     # code for a machine that has it, whatever is said about contraction.
     $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>
+    -Wno-psabi
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
 # More than -O2 buys nothing here that benchmarks show, and costs build time ninety times over.

@@ -53,6 +53,26 @@ Phases phases_of(std::span<const PackedAmplitude> entries, unsigned position, st
     return phases;
 }
 
+/// The phases of one target in a call.
+template <class Steps> struct Turning {
+    Steps steps;
+    unsigned position;
+    std::uint64_t field;
+    std::uint64_t top; ///< the target's highest level in the first entry, in place
+    const Phases* phases;
+
+    [[nodiscard]] const Factor& factor(std::uint64_t values) const {
+        return (*phases)[(values & field) >> position];
+    }
+    [[nodiscard]] Words is_odd(Words dimensions) const { return (dimensions & field) ^ top; }
+    [[nodiscard]] Factor odd_factor(const PackedAmplitude& entry) const {
+        const std::uint64_t own_top = entry.dimensions & field;
+        return own_top == top
+                   ? factor(entry.values)
+                   : Factor(phase((own_top >> position) + 1, steps((entry.values & field) >> position)));
+    }
+};
+
 /// Multiplies each selected amplitude by phase(d, steps(v)), target by target.
 template <class Steps>
 void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<int>& targets,
@@ -65,12 +85,7 @@ void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vect
         const std::uint64_t field = layout.mask() << position;
         const std::uint64_t top = entries.front().dimensions & field;
         const Phases phases = phases_of(entries, position, field, (top >> position) + 1, steps);
-        rephase_selected(entries, controls_hold, [=, &phases](const PackedAmplitude& entry) {
-            const std::uint64_t level = (entry.values & field) >> position;
-            if ((entry.dimensions & field) != top) [[unlikely]]
-                return Factor(phase(((entry.dimensions & field) >> position) + 1, steps(level)));
-            return phases[level];
-        });
+        rephase_selected(entries, controls_hold, Turning<Steps>{steps, position, field, top, &phases});
     }
 }
 

@@ -10,8 +10,8 @@ namespace {
 
 /// (v + 1) mod d: the level above, and 0 from the top level.
 struct Raise {
-    std::uint64_t operator()(std::uint64_t level, std::uint64_t top, std::uint64_t one) const {
-        return level == top ? -top : one;
+    template <class Word> Word operator()(Word level, Word top, std::uint64_t one) const {
+        return one - ((top + one) & equal(level, top));
     }
     [[nodiscard]] std::uint64_t addend(std::uint64_t /*top*/) const { return 1; }
 };

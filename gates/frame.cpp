@@ -34,12 +34,13 @@ void ControlTest::require(unsigned position, std::int64_t level) noexcept {
 void ControlTest::refuse(unsigned position, std::int64_t level) noexcept {
     if (level < 0 || level > static_cast<std::int64_t>(field_))
         return;
+    const Refusal refusal{field_ << position, static_cast<std::uint64_t>(level) << position};
     const auto end = refused_.begin() + refusals_;
-    const auto known =
-        std::find_if(refused_.begin(), end, [&](const Refusal& other) { return other.position == position; });
-    if (known == end)
-        refused_[refusals_++] = {position, 0};
-    known->levels |= std::uint32_t{1} << level;
+    const bool known = std::any_of(refused_.begin(), end, [&](const Refusal& other) {
+        return other.field == refusal.field && other.level == refusal.level;
+    });
+    if (!known)
+        refused_[refusals_++] = refusal;
 }
 
 void refuse_overlap(std::span<const int> targets, const std::vector<Predicate>& controls, const char* text) {

@@ -10,8 +10,8 @@ namespace {
 
 /// v + (d - 1) mod d: the level below, and the top level from 0.
 struct Lower {
-    std::uint64_t operator()(std::uint64_t level, std::uint64_t top, std::uint64_t one) const {
-        return level == 0 ? top : -one;
+    template <class Word> Word operator()(Word level, Word top, std::uint64_t one) const {
+        return ((top + one) & equal(level, 0)) - one;
     }
     [[nodiscard]] std::uint64_t addend(std::uint64_t top) const { return top; }
 };

@@ -9,31 +9,51 @@
 
 namespace vantel::qudit {
 
-/// Moves each target of every selected entry by one level, with wrap-around by the dimension that the
-/// entry's own label gives the target.
-/// @param step  step(level, top, one) is what to add to the word of levels, with level and top level as
-///              they stand in their field and `one` the unit there; step.addend(top) is what to add to a
-///              level, as a number, before the remainder by the dimension is taken
+/// The new label of a selected entry, one level on, with wrap-around by the dimension that the entry's own
+/// label gives the target.
+/// @tparam Step  step(level, top, one) is what to add to the word of levels, with level and top level as
+///               they stand in their field and `one` the unit there, for one word or for two;
+///               step.addend(top) is what to add to a level, as a number, before the remainder by the
+///               dimension is taken
+template <class Step> struct Stepping {
+    Step step;
+    unsigned position;
+    std::uint64_t one_level;
+    std::uint64_t field;
+
+    template <class Word> Word operator()(Word values, Word dimensions, Word selected) const {
+        return values + (step(Word(values & field), Word(dimensions & field), one_level) & selected);
+    }
+
+    /// A level beyond its own dimension, which a wider build lets in, or a dimension of 1.
+    template <class Word> [[nodiscard]] Word is_odd(Word values, Word dimensions) const {
+        const Word top = dimensions & field;
+        const Word beyond = (top - (values & field)) & ~field; // the borrow
+        return beyond | equal(top, 0);
+    }
+
+    void one(PackedAmplitude& entry, bool selected) const {
+        if (!selected)
+            return;
+        const std::uint64_t top = (entry.dimensions & field) >> position;
+        const std::uint64_t addend = step.addend(top);
+        if (addend > top)
+            die_of_addend();
+        const std::uint64_t stepped = (((entry.values & field) >> position) + addend) % (top + 1);
+        entry.values = (entry.values & ~field) | stepped << position;
+    }
+};
+
+/// Moves each target of every selected entry by one level.
 template <class Step>
 void step_levels(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<int>& targets,
                  const std::vector<Predicate>& controls, Step step) {
     const ControlTest controls_hold(controls, layout);
     for (const int target : targets) {
         const unsigned position = layout.position(target);
-        const std::uint64_t one = std::uint64_t{1} << position;
-        const std::uint64_t field = layout.mask() << position;
-        relabel_selected(entries, controls_hold, [=](const PackedAmplitude& entry, bool selected) {
-            const std::uint64_t level = entry.values & field;
-            const std::uint64_t top = entry.dimensions & field;
-            if (level <= top && top != 0) [[likely]]
-                return entry.values + step(level, top, one);
-            // A level beyond its own dimension, which a wider build lets in, or a dimension of 1.
-            const std::uint64_t addend = step.addend(top >> position);
-            if (selected && addend > top >> position)
-                die_of_addend();
-            const std::uint64_t stepped = ((level >> position) + addend) % ((top >> position) + 1);
-            return (entry.values & ~field) | stepped << position;
-        });
+        relabel_selected(
+            entries, controls_hold,
+            Stepping<Step>{step, position, std::uint64_t{1} << position, layout.mask() << position});
     }
 }
 

@@ -11,15 +11,30 @@ namespace vantel::qudit {
 
 namespace {
 
+/// The new label of a selected entry, with the dits of two qudits exchanged.
+struct Exchanged {
+    Exchange exchange;
+
+    template <class Word> Word operator()(Word values, Word /*dimensions*/, Word selected) const {
+        return values ^ (exchange.difference(values) & selected);
+    }
+
+    /// Dimensions differ only in a label whose own ones are not those of the first entry.
+    template <class Word> [[nodiscard]] Word is_odd(Word /*values*/, Word dimensions) const {
+        return exchange.difference(dimensions);
+    }
+
+    void one(PackedAmplitude& entry, bool selected) const {
+        if (!selected)
+            return;
+        entry.values ^= exchange.difference(entry.values);
+        entry.dimensions ^= exchange.difference(entry.dimensions);
+    }
+};
+
 void exchange(std::span<PackedAmplitude> entries, SlotLayout layout, int first, int second,
               const std::vector<Predicate>& controls) {
-    const Exchange exchanged(layout, first, second);
-    relabel_selected(entries, ControlTest(controls, layout), [=](PackedAmplitude& entry, bool selected) {
-        // Dimensions differ only in a label whose own ones are not those of the first entry.
-        if (exchanged.difference(entry.dimensions) != 0 && selected) [[unlikely]]
-            entry.dimensions ^= exchanged.difference(entry.dimensions);
-        return entry.values ^ exchanged.difference(entry.values);
-    });
+    relabel_selected(entries, ControlTest(controls, layout), Exchanged{Exchange(layout, first, second)});
     guard_size(entries.size());
 }
 

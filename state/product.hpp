@@ -29,7 +29,7 @@ class Factor {
 public:
     Factor() = default;
     explicit Factor(const std::complex<double>& factor) noexcept
-        : real_{factor.real(), factor.real()}, crossed_{-factor.imag(), factor.imag()} {}
+        : parts_{factor.real(), factor.real(), -factor.imag(), factor.imag()} {}
 
     /// The amplitude times the factor, to the last bit what std::complex gives: real part a f - b g and
     /// imaginary part b f + a g, each product rounded by itself. Where both parts come out NaN, the
@@ -37,18 +37,21 @@ public:
     [[nodiscard]] Parts operator()(Parts amplitude) const noexcept {
         const Parts product = unrecovered(amplitude);
         if (std::isunordered(product[0], product[1])) [[unlikely]]
-            return parts_of(complex_of(amplitude) * std::complex<double>(real_[0], crossed_[1]));
+            return parts_of(complex_of(amplitude) * std::complex<double>(parts_[0], parts_[3]));
         return product;
     }
 
     /// The same without the recovery, for whoever looks for NaN in both parts later.
     [[nodiscard]] Parts unrecovered(Parts amplitude) const noexcept {
-        return amplitude * real_ + __builtin_shufflevector(amplitude, amplitude, 1, 0) * crossed_;
+        const FourParts products = __builtin_shufflevector(amplitude, amplitude, 0, 1, 1, 0) * parts_;
+        return __builtin_shufflevector(products, products, 0, 1) +
+               __builtin_shufflevector(products, products, 2, 3);
     }
 
 private:
-    Parts real_;    ///< the real part, twice
-    Parts crossed_; ///< the imaginary part negated, and as it is
+    using FourParts [[gnu::vector_size(32)]] = double;
+
+    FourParts parts_; ///< the real part, twice; the imaginary part negated, and as it is
 };
 
 } // namespace vantel::qudit

@@ -1,0 +1,35 @@
+/// Hot loops in the instructions of the processor at hand.
+#pragma once
+
+namespace vantel::qudit {
+
+#if defined(__x86_64__) && !defined(__AVX2__) && !defined(VANTEL_BASELINE_LOOPS)
+
+/// What a loop is compiled for once more. Fused operations are not among it, so the bits stay the same.
+inline const bool has_wide_vectors = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
+
+template <class Loop>
+[[gnu::target("avx2,bmi2"), gnu::flatten, gnu::noinline]] void in_wide_vectors(Loop loop) {
+    loop();
+}
+
+#else
+
+inline constexpr bool has_wide_vectors = false;
+
+template <class Loop> void in_wide_vectors(Loop loop) {
+    loop();
+}
+
+#endif
+
+/// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor
+/// turns out to have them.
+template <class Loop> void wide_loop(Loop loop) {
+    if (has_wide_vectors)
+        in_wide_vectors(loop);
+    else
+        loop();
+}
+
+} // namespace vantel::qudit
