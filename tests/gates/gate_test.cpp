@@ -1,5 +1,6 @@
 #include <numbers>
 
+#include "tests/reference/literal_state.hpp"
 #include "tests/support/states.hpp"
 
 namespace vantel::testing {
@@ -160,6 +161,26 @@ INSTANTIATE_TEST_SUITE_P(
                              [](IState& s) { s.i_swap(0, 1, 1.0F, {}); },
                              {{{1, 2}, {0.0, 1.0}}}}),
     [](const auto& tested) { return tested.param.name; });
+
+TEST(ISwap, LeavesRepeatedLabelsAndUnequalDimensionsToTheReduction) {
+    Entries entries;
+    for (std::uint64_t i = 0; i < 36; ++i)
+        entries.push_back(
+            {{{i % 4, 2}, {i / 4 % 3, 3}, {i / 12, 3}}, {1.0 / static_cast<double>(i + 1), 0.5}});
+    for (const bool repeated : {true, false}) {
+        if (!repeated)
+            entries[20].dits[0].dimension = 4;
+        const auto state = Factory::make_unique_state({4, 3}, entries);
+        reference::LiteralState literal({4, 3}, entries);
+        if (repeated) { // levels 0 and 2 both go to 1
+            state->cycle({0}, {});
+            literal.cycle({0}, {});
+        }
+        state->i_swap(1, 2, 0.3F, {});
+        literal.i_swap(1, 2, 0.3F, {});
+        EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << repeated;
+    }
+}
 
 } // namespace
 } // namespace vantel::testing
