@@ -6,8 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "reference/literal_state.hpp"
 #include "register.hpp"
-#include "tests/reference/literal_state.hpp"
 
 namespace {
 

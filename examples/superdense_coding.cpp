@@ -9,7 +9,8 @@ int main() {
         vantel::prepare_bell(sent, kept);
 
         // The sender touches one qudit only.
-        vantel::clock(sent, static_cast<float>(message / levels));
+        const int first_digit = message / levels;
+        vantel::clock(sent, static_cast<float>(first_digit));
         vantel::add(sent, message % levels);
 
         // The receiver has both: |k + units, k> with a phase for each k becomes |units> and |tens>.

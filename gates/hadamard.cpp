@@ -29,8 +29,8 @@ void spread(std::span<const PackedAmplitude> input, const ControlTest& controls_
             continue;
         }
         const std::uint64_t others = entry.values & ~(field << position);
-        const std::span<const Factor> row = factors.from(entry.values >> position & field);
-        for (std::uint64_t k = 0; k < row.size(); ++k)
+        const FourierFactors::Row& row = factors.from(entry.values >> position & field);
+        for (std::uint64_t k = 0; k < factors.dimension(); ++k)
             *output++ = {others | k << position, entry.dimensions,
                          complex_of(row[k](parts_of(entry.amplitude)))};
     }
@@ -57,10 +57,10 @@ template <class Label>
 void State<Label>::transform(const std::vector<int>& targets, const std::vector<Predicate>& controls,
                              double sign) {
     if (targets.size() == 1) {
-        if (const std::optional<DirectReduction> sums =
-                fourier_sums(packed_view(amplitudes), Label::layout, targets.front(),
-                             ControlTest(controls, Label::layout), sign)) {
-            amplitudes.resize(sums->size());
+        if (const std::optional<FourierSums> sums =
+                FourierSums::of(packed_view(amplitudes), Label::layout, targets.front(),
+                                ControlTest(controls, Label::layout), sign)) {
+            amplitudes.resize(sums->kept());
             sums->write(packed_view(amplitudes));
             return guard_size(amplitudes.size());
         }

@@ -1,6 +1,7 @@
 #include <array>
 #include <cmath>
 #include <complex>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "gates/frame.hpp"
 #include "state/builds.hpp"
 #include "state/direct_reduction.hpp"
+#include "state/drop_threshold.hpp"
 #include "state/exceptions.hpp"
 #include "state/label_table.hpp"
 #include "state/packed_view.hpp"
@@ -48,12 +50,41 @@ std::size_t share_out(std::span<PackedAmplitude> entries, const ControlTest& con
     return static_cast<std::size_t>(end - crossed);
 }
 
+/// What the reduction makes of all shares that meet in a label.
+struct Sum {
+    Parts amplitude;
+    std::uint64_t values;
+    std::uint64_t run; ///< of how many shares it is
+};
+
+/// The sums, ascending by label.
+struct Sums {
+    std::unique_ptr<Sum[]> list;
+    std::unique_ptr<std::uint32_t[]> holes; ///< scratch of write()
+    std::size_t size = 0;
+    std::size_t kept = 0; ///< how many of them the reduction keeps
+    std::uint64_t dimensions;
+
+    Sums(std::size_t most, std::uint64_t dimensions_of_all)
+        : list(new Sum[most]), holes(new std::uint32_t[most]), dimensions(dimensions_of_all) {}
+
+    void add(const Sum& sum) {
+        list[size++] = sum;
+        kept += exceeds_threshold(sum.amplitude) ? 1 : 0;
+    }
+
+    void write(std::span<PackedAmplitude> entries) const noexcept {
+        DirectReduction reduction(entries, dimensions, holes.get());
+        for (const Sum& sum : std::span(list.get(), size))
+            reduction.add(sum.values, sum.amplitude, sum.run);
+    }
+};
+
 /// The gate with the reduction that follows it, without the list between them: at most two shares meet in
 /// a label, what stays of its own entry and what crosses from its partner.
 /// @return nothing where the list is short, its labels are far apart, repeated or of unequal dimensions
-std::optional<DirectReduction> shared_out(std::span<const PackedAmplitude> entries,
-                                          const ControlTest& controls_hold, const Exchange& exchange,
-                                          const Shares& shares) {
+std::optional<Sums> shared_out(std::span<const PackedAmplitude> entries, const ControlTest& controls_hold,
+                               const Exchange& exchange, const Shares& shares) {
     constexpr std::size_t few = 16;
     if (entries.size() <= few)
         return {};
@@ -83,7 +114,7 @@ std::optional<DirectReduction> shared_out(std::span<const PackedAmplitude> entri
     const auto amplitude = [&](std::uint64_t values) {
         return parts_of(entries[table->position(values)].amplitude);
     };
-    DirectReduction reduction(2 * entries.size(), entries.front().dimensions);
+    Sums sums(2 * entries.size(), entries.front().dimensions);
     table->for_each_marked([&](std::uint64_t values, std::uint8_t mark) {
         const std::uint64_t difference = exchange.difference(values);
         Parts sum{};
@@ -96,9 +127,9 @@ std::optional<DirectReduction> shared_out(std::span<const PackedAmplitude> entri
             const Parts share = shares.crossing(amplitude(values ^ difference));
             sum = (mark & own) != 0 ? sum + share : share;
         }
-        reduction.add(values, sum, mark == (own | crosses) ? 2 : 1);
+        sums.add({sum, values, mark == (own | crosses) ? 2U : 1U});
     });
-    return reduction;
+    return sums;
 }
 
 } // namespace
@@ -113,9 +144,9 @@ void State<Label>::i_swap(int first, int second, float fraction, std::vector<Pre
     const Shares shares(fraction);
     const Exchange exchange(Label::layout, first, second);
     const ControlTest controls_hold(controls, Label::layout);
-    if (const std::optional<DirectReduction> sums =
+    if (const std::optional<Sums> sums =
             shared_out(packed_view(amplitudes), controls_hold, exchange, shares)) {
-        amplitudes.resize(sums->size());
+        amplitudes.resize(sums->kept);
         sums->write(packed_view(amplitudes));
     } else {
         const std::size_t n = amplitudes.size();

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
+#include <utility>
 
 #include "state/basis_amplitude.hpp"
 #include "state/drop_threshold.hpp"
@@ -12,54 +12,70 @@
 
 namespace vantel::qudit {
 
-/// Produces what reduce_entries leaves of a list, order included, from the list's sums alone. In the
-/// sorted list a run of equal labels ends with its sum and is a hole before it; what the drop then makes of
-/// the list depends on no more than where the kept sums stand.
+/// Writes what reduce_entries leaves of a list, order included, from the list's sums alone. In the sorted
+/// list a run of equal labels ends with its sum and is a hole before it. The drop lets each kept sum stand
+/// that has its place among the first of the list, as many as there are kept sums; the others fill the
+/// holes between, the last of them the first hole.
 class DirectReduction {
 public:
-    /// @param most        sums that will be added at the most
+    /// @param list        as many entries as sums that exceed the threshold will be added
     /// @param dimensions  the dimensions of every label
-    DirectReduction(std::size_t most, std::uint64_t dimensions)
-        : kept_(new Sum[most]), dimensions_(dimensions) {}
+    /// @param holes       scratch for as many places as `list` has
+    DirectReduction(std::span<PackedAmplitude> list, std::uint64_t dimensions, std::uint32_t* holes) noexcept
+        : list_(list.data()), size_(list.size()), dimensions_(dimensions), holes_(holes) {}
 
     /// Adds the sum of `run` equal labels. Sums come in ascending order of their labels.
-    /// @return whether it is kept
-    bool add(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
+    void add(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
         length_ += run;
         if (!exceeds_threshold(amplitude))
-            return false;
-        kept_[size_++] = {amplitude, values, length_ - 1};
-        return true;
-    }
-
-    /// How many entries stay.
-    [[nodiscard]] std::size_t size() const noexcept { return size_; }
-
-    /// Writes the size() entries in their told order: a kept sum stays where it stands in the sorted list,
-    /// and each hole takes the kept sum nearest the tail.
-    void write(std::span<PackedAmplitude> list) const noexcept {
-        std::size_t next = 0;
-        std::size_t tail = size_;
-        for (std::size_t place = 0; place < list.size(); ++place) {
-            const bool stays = next < tail && kept_[next].place == place;
-            const Sum& sum = kept_[stays ? next++ : --tail];
-            list[place].values = sum.values;
-            list[place].dimensions = dimensions_;
-            store(sum.amplitude, list[place].amplitude);
-        }
+            return;
+        const std::size_t place = length_ - 1;
+        for (const std::size_t end = place < size_ ? place : size_; covered_ < end; ++covered_)
+            holes_[hole_count_++] = static_cast<std::uint32_t>(covered_);
+        const bool stays = place < size_;
+        covered_ += stays ? 1 : 0;
+        PackedAmplitude& entry = list_[stays ? place : holes_[--hole_count_]];
+        entry.values = values;
+        entry.dimensions = dimensions_;
+        store(amplitude, entry.amplitude);
     }
 
 private:
-    struct Sum {
-        Parts amplitude;
-        std::uint64_t values;
-        std::size_t place; ///< in the sorted list
-    };
-
-    std::unique_ptr<Sum[]> kept_;
+    PackedAmplitude* list_;
+    std::size_t size_;
     std::uint64_t dimensions_;
-    std::size_t size_ = 0;
-    std::size_t length_ = 0; ///< of the sorted list up to now
+    std::uint32_t* holes_; ///< places of the list that no sum has taken yet, ascending
+    std::size_t hole_count_ = 0;
+    std::size_t covered_ = 0; ///< places before this one are taken or noted as holes
+    std::size_t length_ = 0;  ///< of the sorted list up to now
+};
+
+/// The places that DirectReduction gives, where every sum is of `run` labels and none is dropped.
+class UniformReduction {
+public:
+    UniformReduction(std::size_t sums, std::size_t run) noexcept
+        : run_(run), staying_(sums / run), place_(run - 1), holes_left_(sums % run) {}
+
+    /// The place of the next sum, ascending by label.
+    std::size_t next() noexcept {
+        if (staying_ > 0) {
+            --staying_;
+            return std::exchange(place_, place_ + run_);
+        }
+        // Backwards through the holes: the tail that is no whole run, and then one run before another.
+        while (holes_left_ == 0) {
+            place_ -= run_;
+            holes_left_ = run_ - 1;
+        }
+        --holes_left_;
+        return place_ + 1 - run_ + holes_left_;
+    }
+
+private:
+    std::size_t run_;
+    std::size_t staying_;    ///< sums that are still to come to a place of their own
+    std::size_t place_;      ///< where the present run ends
+    std::size_t holes_left_; ///< of the present run
 };
 
 } // namespace vantel::qudit

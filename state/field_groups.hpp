@@ -8,38 +8,63 @@
 #include <vector>
 
 #include "state/basis_amplitude.hpp"
+#include "state/sparse_bytes.hpp"
 
 namespace vantel::qudit {
 
 class FieldGroups {
 public:
-    struct Group {
-        std::uint64_t rest; ///< the label's levels with the field left out and what is above it moved down
-        const std::uint32_t* members; ///< positions in the list, ascending
-        std::uint32_t size;
-    };
-
     /// Groups fewer than 2^24 entries by their levels without the field at `position`, `bits` wide. Linear
     /// in the entries.
+    /// @param any     the bits that are set in the levels of some entry
     /// @param levels  no entry has this level or a higher one in the field
     /// @throws std::bad_alloc
     FieldGroups(std::span<const PackedAmplitude> entries, unsigned position, unsigned bits,
-                std::uint64_t levels);
+                std::uint64_t levels, std::uint64_t any);
 
-    /// The groups, ascending by `rest`.
-    [[nodiscard]] std::span<const Group> groups() const noexcept { return groups_; }
+    /// As many groups at the most.
+    [[nodiscard]] std::size_t bound() const noexcept { return bound_; }
 
-private:
-    [[nodiscard]] std::uint64_t rest_of(std::uint64_t values) const noexcept {
-        return (values & low_) | (values >> bits_ & ~low_);
+    /// Calls `visit(members)` for each group, ascending by the levels that its members share. Members are
+    /// positions in the list, ascending.
+    template <class Visit> void for_each(Visit visit) const {
+        if (!sorted_.empty())
+            for_each_run(visit);
+        else
+            sizes_.for_each_set([this, &visit](std::uint64_t rest, std::uint8_t size) {
+                visit(std::span<const std::uint32_t>(&members_[rest * levels_], size));
+            });
     }
 
-    bool group_by_table(std::span<const PackedAmplitude> entries, std::uint64_t range, std::uint64_t levels);
+private:
+    static constexpr unsigned index_bits = 24;
+
+    /// The levels of a label without the field, what is above it moved down.
+    struct Rest {
+        std::uint64_t low; ///< the bits below the field
+        unsigned bits;
+
+        std::uint64_t operator()(std::uint64_t values) const noexcept {
+            return (values & low) | (values >> bits & ~low);
+        }
+    };
+
+    template <class Visit> void for_each_run(Visit visit) const {
+        for (std::size_t begin = 0, end = 0; begin < sorted_.size(); begin = end) {
+            while (end < sorted_.size() && sorted_[end] >> index_bits == sorted_[begin] >> index_bits)
+                ++end;
+            visit(std::span<const std::uint32_t>(&members_[begin], end - begin));
+        }
+    }
+
+    bool group_by_table(std::span<const PackedAmplitude> entries, std::uint64_t range);
     void group_by_sorting(std::span<const PackedAmplitude> entries);
 
-    std::uint64_t low_; ///< the bits below the field
-    unsigned bits_;
-    std::vector<Group> groups_;
+    Rest rest_of_;
+    std::uint64_t levels_;
+    std::size_t bound_;
+    SparseBytes sizes_;                 ///< of each group, by its levels without the field
+    std::vector<std::uint64_t> sorted_; ///< those levels and a position in one word, instead of sizes_
     std::unique_ptr<std::uint32_t[]> members_;
 };
 

@@ -9,8 +9,12 @@ namespace vantel::qudit {
 /// Real and imaginary part side by side in one vector register.
 using Parts [[gnu::vector_size(16)]] = double;
 
+/// Two such pairs in one register, where there are such wide ones.
+using FourParts [[gnu::vector_size(32)]] = double;
+
 /// The same in memory, where an amplitude is aligned as one of its parts.
 using StoredParts [[gnu::vector_size(16), gnu::aligned(8), gnu::may_alias]] = double;
+using StoredFourParts [[gnu::vector_size(32), gnu::aligned(8), gnu::may_alias]] = double;
 
 inline Parts parts_of(const std::complex<double>& number) noexcept {
     return *reinterpret_cast<const StoredParts*>(&number);
@@ -30,6 +34,8 @@ public:
     Factor() = default;
     explicit Factor(const std::complex<double>& factor) noexcept
         : parts_{factor.real(), factor.real(), -factor.imag(), factor.imag()} {}
+    /// From real() and crossed() of a factor.
+    Factor(Parts real, Parts crossed) noexcept : parts_(__builtin_shufflevector(real, crossed, 0, 1, 2, 3)) {}
 
     /// The amplitude times the factor, to the last bit what std::complex gives: real part a f - b g and
     /// imaginary part b f + a g, each product rounded by itself. Where both parts come out NaN, the
@@ -48,10 +54,13 @@ public:
                __builtin_shufflevector(products, products, 2, 3);
     }
 
-private:
-    using FourParts [[gnu::vector_size(32)]] = double;
+    /// The real part, twice.
+    [[nodiscard]] Parts real() const noexcept { return __builtin_shufflevector(parts_, parts_, 0, 1); }
+    /// The imaginary part negated, and as it is.
+    [[nodiscard]] Parts crossed() const noexcept { return __builtin_shufflevector(parts_, parts_, 2, 3); }
 
-    FourParts parts_; ///< the real part, twice; the imaginary part negated, and as it is
+private:
+    FourParts parts_; ///< real() and crossed()
 };
 
 } // namespace vantel::qudit

@@ -11,6 +11,7 @@ namespace vantel::qudit {
 /// Zeroed bytes whose set ones are found eight at a time.
 class SparseBytes {
 public:
+    SparseBytes() = default;
     explicit SparseBytes(std::size_t size) : bytes_((size + stride - 1) / stride * stride, 0) {}
 
     std::uint8_t& operator[](std::size_t place) noexcept { return bytes_[place]; }

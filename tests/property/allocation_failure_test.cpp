@@ -1,108 +1,289 @@
 #include <array>
 #include <csignal>
 #include <new>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include "interface/quantum_property.hpp"
+#include "property/operations.hpp"
 #include "tests/support/allocations.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
 
+// Each allocation of each call fails in its turn, alone and with all after it.
 namespace vantel::testing {
 namespace {
 
-/// Amplitudes are powers of two, so that every order of merging has the same products.
+constexpr int untouched = -7;
+
+/// Qudits, conditions on the second and the third of them, and a caller's buffers.
 struct World {
-    Handle a = qudit_of(4), b = qudit_of(3), c = qudit_of(4);
-    std::array<PredicateRecord, 2> controls{{{b.get(), 1, 1}, {c.get(), 2, 0}}};
-
-    World() {
-        vantel_hadamard(a.get(), nullptr, 0);
-        vantel_cycle(b.get(), 1.0F, nullptr, 0);
-        vantel_hadamard(c.get(), nullptr, 0);
+    explicit World(const std::vector<int>& dimensions) {
+        for (const int dimension : dimensions)
+            q.push_back(qudit_of(dimension));
+        vantel_hadamard(q[0].get(), nullptr, 0);
+        vantel_cycle(q[1].get(), 1.0F, nullptr, 0);
+        vantel_hadamard(q[2].get(), nullptr, 0);
+        conditions = {{q[1].get(), 1, 1}, {q[2].get(), 2, 0}};
+        list = {q[2].get(), q[1].get()};
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            rows[i] = {untouched, &levels[2 * i]};
     }
+    QuantumProperty& operator[](std::size_t i) const { return *q[i]; }
 
-    std::vector<float> probabilities() {
-        std::array<QuantumProperty*, 3> list{a.get(), b.get(), c.get()};
-        std::array<int, 3> levels{};
-        std::vector<ProbabilityRecord> records(48, {0.0F, levels.data()});
-        EXPECT_EQ(vantel_probabilities(list.data(), list.size(), records.data()), 0);
-        std::vector<float> column;
-        for (const ProbabilityRecord& record : records)
-            column.push_back(record.probability);
-        return column;
-    }
+    std::vector<Handle> q;
+    std::vector<PredicateRecord> conditions;
+    std::vector<QuantumProperty*> list;
+    std::vector<int> levels = std::vector<int>(24, untouched);
+    std::array<ProbabilityRecord, 12> rows{};
+    std::vector<float> real = std::vector<float>(144, untouched), imaginary = real;
 };
 
-struct Call {
+World separate() {
+    return World({4, 3, 4});
+}
+World joint() {
+    World world = separate();
+    merge({world.q[0].get(), world.q[1].get(), world.q[2].get()});
+    return world;
+}
+/// 1458 entries whose labels lie close together.
+World large() {
+    World world({9, 9, 9, 2});
+    for (const std::size_t i : {1U, 3U})
+        vantel_hadamard(world.q[i].get(), nullptr, 0);
+    merge({world.q[0].get(), world.q[1].get(), world.q[2].get(), world.q[3].get()});
+    return world;
+}
+/// The same with labels far apart.
+World scattered() {
+    World world = large();
+    world.q.push_back(qudit_of(10));
+    vantel_shift(world.q.back().get(), 1.0F, nullptr, 0);
+    merge({world.q.front().get(), world.q.back().get()});
+    return world;
+}
+
+/// Everything that a caller can come to see of it.
+std::string told(const World& world) {
+    std::ostringstream text;
+    text << std::hexfloat;
+    for (const Handle& handle : world.q) {
+        if (handle == nullptr)
+            continue;
+        const QuantumProperty::SharedState& shared = *handle->shared_state;
+        text << "\nindex " << handle->index << " among";
+        for (std::size_t i = 0; i < shared.properties.size(); ++i)
+            for (std::size_t j = 0; j < world.q.size() && !shared.is_stale(i); ++j)
+                if (shared.properties[i] == world.q[j].get())
+                    text << ' ' << j;
+        if (shared.properties.front() == handle.get())
+            for (const Entry& entry : shared.state->basis_amplitudes())
+                text << '\n' << entry.dits << entry.amplitude;
+    }
+    for (const ProbabilityRecord& row : world.rows)
+        text << '\n' << row.probability;
+    for (const int level : world.levels)
+        text << ' ' << level;
+    for (std::size_t i = 0; i < world.real.size(); ++i)
+        text << ' ' << world.real[i] << ' ' << world.imaginary[i];
+    return text.str();
+}
+
+using Step = int (*)(World&);
+
+struct Situation {
     const char* name;
-    int (*make)(World&);
-    bool all_or_nothing; ///< a fractional power may stop between its steps
+    World (*begin)();
+    Step call;
+    std::vector<Step> stages = {}; ///< what a failure may leave done
+    bool can_end_process = false;
 };
 
-const Call calls[] = {
-    {"make", [](World&) { return qudit_of(5) ? 0 : -1; }, true},
-    {"hadamard", [](World& w) { return vantel_hadamard(w.a.get(), w.controls.data(), 2); }, true},
-    {"cycle", [](World& w) { return vantel_cycle(w.a.get(), 1.0F, w.controls.data(), 2); }, true},
-    {"fractional_shift", [](World& w) { return vantel_shift(w.a.get(), 0.5F, w.controls.data(), 2); }, false},
-    {"clock", [](World& w) { return vantel_clock(w.a.get(), 0.5F, w.controls.data(), 2); }, true},
-    {"phase_rotate", [](World& w) { return vantel_phase_rotate(w.controls.data(), 2, 0.5F); }, true},
-    {"swap", [](World& w) { return vantel_swap(w.a.get(), w.c.get(), w.controls.data(), 1); }, true},
-    {"i_swap", [](World& w) { return vantel_i_swap(w.a.get(), w.c.get(), 0.5F, w.controls.data(), 1); },
-     true},
-    {"measure",
-     [](World& w) {
-         const RandomSource source(5);
-         QuantumProperty* list[]{w.c.get(), w.b.get()};
-         int levels[2];
-         return vantel_measure(list, 2, levels);
-     },
-     true},
-    {"probabilities", [](World& w) { return w.probabilities().empty() ? -1 : 0; }, true},
-    {"density_matrix",
-     [](World& w) {
-         QuantumProperty* list[]{w.c.get(), w.b.get()};
-         float parts[2][144];
-         return vantel_reduced_density_matrix(list, 2, parts[0], parts[1], 144);
-     },
-     true},
+template <std::size_t A, std::size_t B> int merges(World& w) {
+    tensor_state(w[A], w[B]);
+    return 0;
+}
+template <Step... Steps> int in_turn(World& w) {
+    return (Steps(w) | ...);
+}
+template <std::size_t Conditions> int projection_broken_off(World& w) {
+    QuantumProperty ancilla = make_quantum_property(2);
+    for (std::size_t i = 0; i < Conditions; ++i)
+        tensor_state(ancilla, *w.conditions[i].property);
+    return 0;
+}
+
+int hadamard(World& w) {
+    return vantel_hadamard(&w[0], w.conditions.data(), 2);
+}
+int shift(World& w) {
+    return vantel_shift(&w[0], 0.5F, w.conditions.data(), 2);
+}
+int i_swap(World& w) {
+    return vantel_i_swap(&w[0], &w[2], 0.5F, w.conditions.data(), 1);
+}
+int measure(World& w) {
+    const RandomSource source(5);
+    return vantel_measure(w.list.data(), 2, w.levels.data());
+}
+int probabilities(World& w) {
+    return vantel_probabilities(w.list.data(), 2, w.rows.data());
+}
+int density_matrix(World& w) {
+    return vantel_reduced_density_matrix(w.list.data(), 2, w.real.data(), w.imaginary.data(), 144);
+}
+int matrix_of_one(World& w) {
+    return vantel_reduced_density_matrix(&w.list[1], 1, w.real.data(), w.imaginary.data(), 81);
+}
+int projection(World& w) {
+    const RandomSource source(5);
+    return vantel_stochastic_projection(w.conditions.data(), 2, w.levels.data());
+}
+int release(World& w) {
+    return vantel_free_quantum_property(w.q[0].release());
+}
+
+int half_clock(World& w) {
+    return vantel_clock(&w[0], 0.5F, w.conditions.data(), 2);
+}
+
+const std::vector<Step> related{merges<0, 1>, in_turn<merges<0, 1>, merges<0, 2>>};
+const std::vector<Step> exchange_related{merges<0, 2>, in_turn<merges<0, 2>, merges<0, 1>>};
+const std::vector<Step> half_shifted{merges<0, 1>, in_turn<merges<0, 1>, merges<0, 2>>, hadamard,
+                                     in_turn<hadamard, half_clock>};
+
+const Situation situations[] = {
+    {"version", separate, [](World&) { return vantel_version() == nullptr ? -1 : 0; }},
+    {"make", separate, [](World&) { return qudit_of(5) ? 0 : -1; }},
+    {"hadamard", separate, hadamard, related},
+    {"inverse_hadamard", separate,
+     [](World& w) { return vantel_inverse_hadamard(&w[0], w.conditions.data(), 2); }, related},
+    {"hadamard_large", large, hadamard},
+    {"hadamard_scattered", scattered, hadamard},
+    {"cycle", separate, [](World& w) { return vantel_cycle(&w[0], 1.0F, w.conditions.data(), 2); }, related},
+    {"fractional_shift", separate, shift, half_shifted},
+    {"fractional_shift_scattered", scattered, shift, half_shifted},
+    {"clock", separate, half_clock, related},
+    {"phase_rotate",
+     separate,
+     [](World& w) { return vantel_phase_rotate(w.conditions.data(), 2, 0.5F); },
+     {merges<1, 2>}},
+    {"swap", separate, [](World& w) { return vantel_swap(&w[0], &w[2], w.conditions.data(), 1); },
+     exchange_related},
+    {"i_swap", separate, i_swap, exchange_related},
+    {"i_swap_large", large, i_swap},
+    {"i_swap_scattered", scattered, i_swap},
+    {"measure", separate, measure, {merges<2, 1>}},
+    {"measure_large", large, measure},
+    {"probabilities", separate, probabilities, {merges<2, 1>}},
+    {"density_matrix", separate, density_matrix, {merges<2, 1>}},
+    {"density_matrix_scattered", scattered, matrix_of_one},
+    {"projection", separate, projection, {projection_broken_off<1>, projection_broken_off<2>}, true},
+    {"projection_joint", joint, projection, {projection_broken_off<2>}, true},
+    {"release", joint, release, {}, true},
+    {"release_scattered", scattered, release, {}, true},
 };
 
-class AllocationFailure : public ::testing::TestWithParam<Call> {};
+// What became of an attempt, beside the number of stages that stand.
+constexpr int ended = 100, finished = 101, not_told = 102, unusable = 103, leaked = 104;
 
-TEST_P(AllocationFailure, LeavesHandlesUsableStatesAsToldAndNothingBehind) {
-    const std::vector<float> untouched = World().probabilities();
-    bool failed = true;
-    for (long allowed = 0; failed; ++allowed) {
-        SCOPED_TRACE("after " + std::to_string(allowed));
-        ASSERT_LT(allowed, 500);
+struct Attempt {
+    int outcome;
+    bool was_last; ///< no allocation failed
+};
+
+class AllocationFailure : public ::testing::TestWithParam<Situation> {
+protected:
+    AllocationFailure() {
+        standing.push_back(told(situation.begin()));
+        for (const Step stage : situation.stages)
+            standing.push_back(told_after(stage));
+        done = told_after(situation.call);
+    }
+
+    std::string told_after(Step step) const {
+        World world = situation.begin();
+        EXPECT_EQ(step(world), 0);
+        return told(world);
+    }
+
+    Attempt attempt(long allowed, Failing how) const {
         const long before = live_allocations();
+        Attempt made{not_told, false};
         {
-            World world;
+            World world = situation.begin();
             bool passed_out = false;
-            fail_allocations_after(allowed);
+            int status = -1;
+            fail_allocations_after(allowed, how);
             try {
-                GetParam().make(world);
+                status = situation.call(world);
             } catch (const std::bad_alloc&) {
                 passed_out = true;
             }
-            failed = stop_failing();
-            if (passed_out && GetParam().all_or_nothing) {
-                EXPECT_EQ(world.probabilities(), untouched);
-            }
-            EXPECT_EQ(GetParam().make(world), 0);
+            made.was_last = stop_failing() <= allowed;
+            const std::string left = told(world);
+            for (std::size_t i = 0; passed_out && i < standing.size(); ++i)
+                if (left == standing[i])
+                    made.outcome = static_cast<int>(i);
+            if (status == 0 && left == done)
+                made.outcome = finished;
+            if (passed_out && situation.call(world) != 0)
+                made.outcome = unusable;
         }
-        EXPECT_EQ(live_allocations(), before);
+        return live_allocations() == before ? made : Attempt{leaked, made.was_last};
     }
+
+    /// The same where the process may end.
+    Attempt attempt_aside(long allowed, Failing how) const {
+        const pid_t child = fork();
+        if (child == 0) {
+            close(STDERR_FILENO);
+            const Attempt made = attempt(allowed, how);
+            _exit(made.outcome + (made.was_last ? 128 : 0));
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        if (WIFSIGNALED(status))
+            return {WTERMSIG(status) == SIGABRT ? ended : not_told, false};
+        return {WEXITSTATUS(status) & 127, (WEXITSTATUS(status) & 128) != 0};
+    }
+
+    std::vector<int> outcomes(Failing how) const {
+        std::vector<int> all;
+        Attempt made{};
+        while (!made.was_last && all.size() < 500) {
+            const auto allowed = static_cast<long>(all.size());
+            made = situation.can_end_process ? attempt_aside(allowed, how) : attempt(allowed, how);
+            all.push_back(made.outcome);
+        }
+        return all;
+    }
+
+    const Situation situation = GetParam();
+    std::vector<std::string> standing;
+    std::string done;
+};
+
+TEST_P(AllocationFailure, LeavesAToldStateUsableHandlesAndNothingBehind) {
+    const std::vector<int> once = outcomes(Failing::once);
+    const std::vector<int> for_good = outcomes(Failing::from_then_on);
+    // Stage after stage stands, then the release ends the process, then nothing can hinder the call.
+    EXPECT_TRUE(std::is_sorted(once.begin(), once.end())) << ::testing::PrintToString(once);
+    EXPECT_EQ(once.back(), finished) << ::testing::PrintToString(once);
+    EXPECT_EQ(std::count(once.begin(), once.end(), ended) > 0, situation.can_end_process);
+
+    std::vector<int> expected = once;
+    if (situation.can_end_process) // once there is something to release, its release fails as well
+        std::replace_if(
+            expected.begin(), expected.end(), [](int o) { return o > 0 && o < ended; }, ended);
+    EXPECT_EQ(for_good, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Calls, AllocationFailure, ::testing::ValuesIn(calls),
+INSTANTIATE_TEST_SUITE_P(Situations, AllocationFailure, ::testing::ValuesIn(situations),
                          [](const auto& tested) { return tested.param.name; });
-
-TEST(AllocationFailureInRelease, EndsTheProcess) {
-    World world;
-    merge({world.a.get(), world.b.get()});
-    EXPECT_EXIT((fail_allocations_after(0), world.a.reset()), ::testing::KilledBySignal(SIGABRT), "");
-}
 
 } // namespace
 } // namespace vantel::testing

@@ -30,20 +30,6 @@ TEST(Merge, PutsTheSecondBehindTheFirstInEveryRespect) {
                                                                        {{0, 1, 1}, 0.7071067811865475}})));
 }
 
-TEST(Merge, ThatFailsLeavesItsHandlesAndTheMergesBeforeIt) {
-    std::vector<Handle> handles;
-    List list;
-    for (int i = 0; i < 11; ++i)
-        list.push_back(handles.emplace_back(qudit_of(2)).get());
-    merge({list.begin(), list.begin() + 5});
-    merge({list.begin() + 6, list.end()});
-    EXPECT_THROW(merge({list[0], list[5], list[10]}), qudit::BadQuditNumber);
-    EXPECT_EQ(list[5]->index, 5);
-    EXPECT_EQ(list[5]->shared_state, list[0]->shared_state);
-    EXPECT_EQ(list[10]->index, 4);
-    EXPECT_EQ(list[10]->shared_state->properties.size(), 5U);
-}
-
 TEST(Release, LetsTheLastQuditTakeThePlaceAndNeverShortensTheList) {
     Handle a = qudit_of(2), b = qudit_of(3), c = qudit_of(5);
     vantel_cycle(c.get(), 1.0F, nullptr, 0);
@@ -57,24 +43,6 @@ TEST(Release, LetsTheLastQuditTakeThePlaceAndNeverShortensTheList) {
     EXPECT_EQ(b->shared_state->properties.size(), 3U);
     EXPECT_EQ(b->shared_state->state->dimension(), 5U);
     EXPECT_EQ(b->shared_state->state->qudit_dimension(0), 3U);
-}
-
-TEST(Release, KeepsTheFirstStoredAmplitudeOfASuperposedQudit) {
-    Handle a = qudit_of(2), b = qudit_of(3);
-    vantel_hadamard(a.get(), nullptr, 0);
-    merge({a.get(), b.get()});
-    a.reset();
-    EXPECT_TRUE(same_entries(entries_behind(b), entries_of({3}, {{{0}, 0.7071067811865475}})));
-}
-
-TEST(Release, LeavesThePartnerOfAnEntangledQuditInAPureSuperposition) {
-    Handle a = qudit_of(2), b = qudit_of(2);
-    vantel_hadamard(a.get(), nullptr, 0);
-    const PredicateRecord one{a.get(), 1, 1};
-    vantel_cycle(b.get(), 1.0F, &one, 1);
-    a.reset();
-    EXPECT_TRUE(same_entries(entries_behind(b),
-                             entries_of({2}, {{{0}, 0.7071067811865475}, {{1}, 0.7071067811865475}})));
 }
 
 TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
@@ -166,42 +134,6 @@ TEST(StalePosition, IsNoHandleThatLivesAtItsAddressLater) {
     later->~QuantumProperty();
     EXPECT_EQ(list, before);
     EXPECT_EQ(std::count(x->shared_state->stale.begin(), x->shared_state->stale.end(), true), twins);
-}
-
-TEST(EmptyJointState, IsServedInBoundsByEveryFunction) {
-    Handle p = qudit_of(2), q = qudit_of(2);
-    merge({p.get(), q.get()});
-    vantel_clock(p.get(), std::nanf(""), nullptr, 0);
-    vantel_hadamard(p.get(), nullptr, 0);
-    ASSERT_TRUE(entries_behind(p).empty());
-    const PredicateRecord one{q.get(), 1, 1};
-    for (const float fraction : {1.0F, 0.5F}) {
-        EXPECT_EQ(vantel_cycle(p.get(), fraction, &one, 1), 0);
-        EXPECT_EQ(vantel_shift(p.get(), fraction, &one, 1), 0);
-        EXPECT_EQ(vantel_clock(p.get(), fraction, &one, 1), 0);
-        EXPECT_EQ(vantel_i_swap(p.get(), q.get(), fraction, nullptr, 0), 0);
-    }
-    EXPECT_EQ(vantel_inverse_hadamard(p.get(), &one, 1), 0);
-    EXPECT_EQ(vantel_swap(p.get(), q.get(), nullptr, 0), 0);
-    EXPECT_EQ(vantel_phase_rotate(&one, 1, 0.5F), 0);
-
-    List list{p.get(), q.get()};
-    int levels[]{-1, -1, -7};
-    EXPECT_EQ(vantel_measure(list.data(), 2, levels), 0);
-    EXPECT_EQ((std::vector<int>(levels, levels + 3)), (std::vector<int>{0, 0, -7}));
-    EXPECT_EQ(vantel_stochastic_projection(&one, 1, levels), 0);
-    EXPECT_EQ(levels[0], 0);
-    ProbabilityRecord record{-7.0F, levels};
-    EXPECT_EQ(vantel_probabilities(list.data(), 2, &record), 0);
-    EXPECT_EQ(record.probability, -7.0F);
-    const Diagnostics diagnostics;
-    float part = -7.0F;
-    EXPECT_EQ(vantel_reduced_density_matrix(list.data(), 2, &part, &part, 0), 0);
-    EXPECT_EQ(vantel_reduced_density_matrix(list.data(), 2, &part, &part, 1), 8);
-    EXPECT_EQ(part, -7.0F);
-    EXPECT_EQ(diagnostics.text(), "permutations.size(): 0 != output_size: 1\n");
-    const Handle r = qudit_of(3);
-    EXPECT_EQ(merge({r.get(), p.get()}), 0);
 }
 
 } // namespace

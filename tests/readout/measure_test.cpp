@@ -37,18 +37,6 @@ TEST(Measure, LeavesTheStateWhenItFails) {
     EXPECT_TRUE(same_entries(state->basis_amplitudes(), before));
 }
 
-TEST(Measure, LeavesTheOrderOfATwoEndedDivision) {
-    const auto state = state_of({2, 4}, {{{0, 0}, 0.5}, {{1, 1}, 1e-30}, {{0, 2}, 0.25}, {{0, 3}, 0.125}});
-    const RandomSource source(1);
-    EXPECT_EQ(state->measure({0}), Ints{0});
-    const Entries left = state->basis_amplitudes();
-    ASSERT_EQ(left.size(), 3U);
-    EXPECT_EQ(left[1].dits[1].value, 3U);
-    EXPECT_EQ(left[2].dits[1].value, 2U);
-    const float norm = std::sqrt(0.328125F); // the norm is a float on purpose
-    EXPECT_TRUE(same_bits(left[0].amplitude, 0.5 / static_cast<double>(norm)));
-}
-
 /// Four float weights: the drawn number is the second running sum itself, though not that of the undivided
 /// weights, which is greater.
 std::vector<float> tie_at(double number) {

@@ -6,18 +6,16 @@
 
 namespace {
 
-constexpr long unlimited = std::numeric_limits<long>::max();
-long allowed = unlimited;
-bool failed = false;
+long asked = 0;
+long first_to_fail = std::numeric_limits<long>::max();
+long last_to_fail = first_to_fail;
 long live = 0;
 
 } // namespace
 
 void* operator new(std::size_t size) {
-    if (allowed != unlimited && allowed-- <= 0) {
-        failed = true;
+    if (const long number = asked++; number >= first_to_fail && number <= last_to_fail)
         throw std::bad_alloc();
-    }
     void* const block = std::malloc(size == 0 ? 1 : size);
     if (block == nullptr)
         throw std::bad_alloc();
@@ -45,14 +43,16 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace vantel::testing {
 
-void fail_allocations_after(long count) {
-    failed = false;
-    allowed = count;
+void fail_allocations_after(long count, Failing how) {
+    asked = 0;
+    first_to_fail = count;
+    last_to_fail = how == Failing::once ? count : std::numeric_limits<long>::max();
 }
 
-bool stop_failing() {
-    allowed = unlimited;
-    return failed;
+long stop_failing() {
+    first_to_fail = std::numeric_limits<long>::max();
+    last_to_fail = first_to_fail;
+    return asked;
 }
 
 long live_allocations() {

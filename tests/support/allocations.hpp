@@ -2,10 +2,12 @@
 
 namespace vantel::testing {
 
-/// Lets `count` more allocations succeed and fails every one after them.
-void fail_allocations_after(long count);
-/// Back to normal. @return whether one has failed
-bool stop_failing();
+enum class Failing { once, from_then_on };
+
+/// Lets `count` more allocations succeed and fails the next one, or every one after them.
+void fail_allocations_after(long count, Failing how);
+/// Back to normal. @return how many allocations were asked for since
+long stop_failing();
 long live_allocations();
 
 } // namespace vantel::testing

@@ -10,15 +10,16 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-// The device is a pipe that holds copies of the word, so that what was taken shows in what is left.
+// The device is a pipe that holds copies of the word, so that what was taken shows in what is left. Each
+// thread has its own.
 namespace {
 
 constexpr int copies = 8;
-bool replaced = false;
-vantel::testing::RandomSource::Fault fault_at_device{};
-std::array<int, 2> ends{-1, -1};
-std::array<int, copies> handed_out{};
-int opened_so_far = 0;
+thread_local bool replaced = false;
+thread_local vantel::testing::RandomSource::Fault fault_at_device{};
+thread_local std::array<int, 2> ends{-1, -1};
+thread_local std::array<int, copies> handed_out{};
+thread_local int opened_so_far = 0;
 
 } // namespace
 

@@ -4,7 +4,7 @@
 
 namespace vantel::testing {
 
-/// Stands before /dev/urandom while it lives, so that the drawn word is chosen. One at a time.
+/// Stands before /dev/urandom while it lives, so that the drawn word is chosen. One at a time in each thread.
 class RandomSource {
 public:
     enum class Fault { none, cannot_open, cannot_read };

@@ -3,8 +3,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "reference/literal_entries.hpp"
 #include "state/exceptions.hpp"
-#include "tests/reference/literal_entries.hpp"
 
 namespace vantel::reference {
 

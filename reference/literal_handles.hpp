@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "tests/reference/literal_state.hpp"
+#include "reference/literal_state.hpp"
 
 namespace vantel::reference {
 
@@ -24,7 +24,7 @@ struct Position {
     bool stale;
 };
 
-enum class CallKind { gate_or_readout, stochastic_projection, density_matrix };
+enum class CallKind { gate, table, stochastic_projection, density_matrix };
 
 // Handles and joint states. It is a value: a copy is a world of its own, in which a call can be
 // tried first. Lists of handles hold live ones, at least one.
@@ -44,6 +44,18 @@ public:
         joints_.emplace(made, Joint{fresh, {{made, false}}});
         handles_.emplace(made, Handle{made, 0});
         return made;
+    }
+
+    // Handles to all qudits of a state, numbered on from the one that is returned.
+    HandleId adopt(const LiteralState& state) {
+        const HandleId first = next_;
+        std::vector<Position> positions;
+        for (int i = 0; i < static_cast<int>(state.num_qudits()); ++i, ++next_) {
+            handles_.emplace(next_, Handle{first, i});
+            positions.push_back({next_, false});
+        }
+        joints_.emplace(first, Joint{state, positions});
+        return first;
     }
 
     void merge(HandleId a, HandleId b) {
@@ -103,6 +115,8 @@ public:
     // controls. A handle that stood twice in a merged list can name a slot that does not exist or,
     // fatal to a matrix sized before the merge, one of another dimension. Only a trial tells.
     bool within_model(HandleList list, CallKind kind) const {
+        if (kind == CallKind::table)
+            return true; // tests its indices
         const bool matrix = kind == CallKind::density_matrix;
         if (matrix && !all_name_slots(list))
             return false;

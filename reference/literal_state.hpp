@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tests/reference/literal_readout.hpp"
+#include "reference/literal_readout.hpp"
 
 namespace vantel::reference {
 

@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <typeinfo>
 
-#include "tests/reference/literal_handles.hpp"
+#include "reference/literal_handles.hpp"
 
 namespace vantel::reference {
 
@@ -141,7 +141,11 @@ public:
         };
         return on_joint_state({}, list, {}, [&](LiteralState& s, const Ints& qudits, const Controls&) {
             for (const DensityMatrixEntry& entry : s.reduced_density_matrix(qudits)) {
-                const auto place = position_of(entry.row_values) * side + position_of(entry.column_values);
+                const std::size_t row = position_of(entry.row_values);
+                const std::size_t column = position_of(entry.column_values);
+                if (row == side || column == side)
+                    continue; // a level beyond its qudit's own dimension has no place
+                const std::size_t place = row * side + column;
                 real.at(place) = static_cast<float>(entry.element.real());
                 imaginary.at(place) = static_cast<float>(entry.element.imag());
             }
