@@ -68,23 +68,27 @@ INSTANTIATE_TEST_SUITE_P(
                              {{{1, 2}, {0.0, 1.0}}}}),
     [](const auto& tested) { return tested.param.name; });
 
-TEST(ISwap, LeavesRepeatedLabelsAndUnequalDimensionsToTheReduction) {
+TEST(FastPaths, LeaveRepeatedLabelsAndUnequalDimensionsToTheLiteralForm) {
     Entries entries;
     for (std::uint64_t i = 0; i < 36; ++i)
         entries.push_back(
             {{{i % 4, 2}, {i / 4 % 3, 3}, {i / 12, 3}}, {1.0 / static_cast<double>(i + 1), 0.5}});
-    for (const bool repeated : {true, false}) {
-        if (!repeated)
-            entries[20].dits[0].dimension = 4;
+    for (int round = 0; round < 4; ++round) {
+        const bool repeated = round % 2 == 0;
+        entries[20].dits[0].dimension = repeated ? 2 : 4;
+        const auto act = [=](auto& state) {
+            if (repeated)
+                state.cycle({0}, {}); // levels 0 and 2 both go to 1
+            if (round < 2)
+                state.i_swap(1, 2, 0.3F, {});
+            else
+                state.hadamard({1}, {});
+        };
         const auto state = Factory::make_unique_state({4, 3}, entries);
         reference::LiteralState literal({4, 3}, entries);
-        if (repeated) { // levels 0 and 2 both go to 1
-            state->cycle({0}, {});
-            literal.cycle({0}, {});
-        }
-        state->i_swap(1, 2, 0.3F, {});
-        literal.i_swap(1, 2, 0.3F, {});
-        EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << repeated;
+        act(*state);
+        act(literal);
+        EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << round;
     }
 }
 
