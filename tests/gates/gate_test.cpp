@@ -68,17 +68,21 @@ INSTANTIATE_TEST_SUITE_P(
                              {{{1, 2}, {0.0, 1.0}}}}),
     [](const auto& tested) { return tested.param.name; });
 
-TEST(FastPaths, LeaveRepeatedLabelsAndUnequalDimensionsToTheLiteralForm) {
+TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
     Entries entries;
     for (std::uint64_t i = 0; i < 36; ++i)
         entries.push_back(
             {{{i % 4, 2}, {i / 4 % 3, 3}, {i / 12, 3}}, {1.0 / static_cast<double>(i + 1), 0.5}});
     for (int round = 0; round < 4; ++round) {
         const bool repeated = round % 2 == 0;
-        entries[20].dits[0].dimension = repeated ? 2 : 4;
+        entries[20].dits[1].dimension = repeated ? 3 : 4;
         const auto act = [=](auto& state) {
-            if (repeated)
+            if (repeated) {
                 state.cycle({0}, {}); // levels 0 and 2 both go to 1
+            } else {
+                state.swap(1, 2, {});
+                state.clock({2}, {});
+            }
             if (round < 2)
                 state.i_swap(1, 2, 0.3F, {});
             else
