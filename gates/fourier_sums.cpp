@@ -227,7 +227,7 @@ std::optional<FourierSums> FourierSums::of(std::span<const PackedAmplitude> entr
     if (!survey.regular)
         return {};
 
-    const FieldGroups groups(entries, position, layout.bits, dimension, survey.any);
+    const FieldGroups groups(entries, ~(layout.mask() << position), survey.any, dimension);
     FourierSums sums(groups.bound(), dimension, position, dimensions);
     FourierFactors factors(dimension, sign);
     Builder(sums, entries, layout.mask(), controls_hold, factors).add_groups(groups);

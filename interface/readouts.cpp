@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <complex>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -6,6 +7,8 @@
 #include "interface/boundary.hpp"
 #include "interface/value_permutations.hpp"
 #include "property/operations.hpp"
+#include "readout/ranked.hpp"
+#include "state/subkey.hpp"
 
 using namespace vantel::qudit;
 using vantel::conditions;
@@ -40,6 +43,21 @@ int check_matrix_size(std::uint64_t permutations, std::size_t output_size) {
     return required > output_size ? vantel_output_too_small : vantel_output_size_mismatch;
 }
 
+/// Writes all combinations of levels, with `probability_of(i)` beside the i-th.
+template <class ProbabilityOf>
+void write_combinations(const ValuePermutations& permutations, ProbabilityRecord* records,
+                        ProbabilityOf probability_of) {
+    std::vector<int> levels(permutations.dimensions().size(), 0);
+    const std::size_t count = levels.size();
+    const int* const first = levels.data();
+    for (std::uint64_t i = 0; i < permutations.size(); ++i, permutations.advance(levels)) {
+        int* const written = records[i].qudit_values;
+        for (std::size_t place = 0; place < count; ++place)
+            written[place] = first[place];
+        records[i].probability = static_cast<float>(probability_of(i));
+    }
+}
+
 } // namespace
 
 int vantel_measure(QuantumProperty** properties, size_t property_count, int* results) {
@@ -61,24 +79,31 @@ int vantel_stochastic_projection(const PredicateRecord* predicates, size_t predi
 
 int vantel_probabilities(QuantumProperty** properties, size_t property_count, ProbabilityRecord* records) {
     const std::vector<QuantumProperty*> list = listed(properties, property_count);
-    vantel::PackedTable<PackedOutcome> table;
-    if (const int status = ReadoutFailure::run([&] { table = vantel::packed_probabilities(list); });
+    vantel::ReadoutSource source;
+    if (const int status = ReadoutFailure::run([&] { source = vantel::readout_source(list); });
         status != vantel_ok)
         return status;
+    if (source.state == nullptr)
+        return vantel_ok;
+    const PackedEntries entries = source.state->packed_amplitudes();
+    if (!entries.empty())
+        for (const int index : source.indices)
+            refuse_index(index, static_cast<int>(source.state->num_qudits()));
     const ValuePermutations permutations(list);
     refuse_overflow(permutations);
 
-    std::vector<int> levels(list.size(), 0);
-    for (std::uint64_t i = 0; i < permutations.size(); ++i, permutations.advance(levels)) {
-        std::copy(levels.begin(), levels.end(), records[i].qudit_values);
-        records[i].probability = 0.0F;
+    const LevelRank rank(source.layout, source.indices, permutations.dimensions(), entries.size());
+    if (is_close_to(entries.size(), permutations.size())) {
+        const std::vector<double> sums =
+            ranked_probabilities(entries, fields_of(source.layout, source.indices), rank);
+        write_combinations(permutations, records, [&](std::uint64_t i) { return sums[i]; });
+        return vantel_ok;
     }
-    for (const PackedOutcome& outcome : table.rows) {
-        const std::uint64_t rank =
-            permutations.rank([&](std::size_t i) { return table.level(outcome.values, i); });
-        if (rank != ValuePermutations::none)
-            records[rank].probability = static_cast<float>(outcome.probability);
-    }
+    const std::vector<PackedOutcome> outcomes = source.state->packed_probabilities(source.indices);
+    write_combinations(permutations, records, [](std::uint64_t) { return 0.0; });
+    for (const PackedOutcome& outcome : outcomes)
+        if (const std::uint64_t i = rank(outcome.values); i < permutations.size())
+            records[i].probability = static_cast<float>(outcome.probability);
     return vantel_ok;
 }
 
@@ -90,22 +115,34 @@ int vantel_reduced_density_matrix(QuantumProperty** properties, size_t property_
         return status;
     if (output_size > std::vector<float>().max_size())
         throw std::length_error("the matrix is larger than memory can be");
-    const vantel::PackedTable<PackedElement> table = vantel::packed_density_matrix(list);
+    const vantel::ReadoutSource source = vantel::readout_source(list);
+    if (source.state == nullptr)
+        return vantel_ok;
 
+    const PackedEntries entries = source.state->packed_amplitudes();
+    const LevelRank rank(source.layout, source.indices, permutations.dimensions(), entries.size());
+    const std::uint64_t side = permutations.size();
+    const auto write = [&](std::size_t place, const std::complex<double>& element) {
+        real_parts[place] = static_cast<float>(element.real());
+        imaginary_parts[place] = static_cast<float>(element.imag());
+    };
+    if (side <= 256 && is_close_to(entries.size(), side * side)) {
+        const std::uint64_t listed_fields = fields_of(source.layout, source.indices);
+        const std::uint64_t all = all_fields(source.layout, static_cast<int>(source.state->num_qudits()));
+        const RankedMatrix matrix = ranked_density_matrix(entries, all & ~listed_fields, rank);
+        for (std::size_t place = 0; place < output_size; ++place)
+            write(place, matrix.reached[place] != 0 ? matrix.elements[place] : 0.0);
+        return vantel_ok;
+    }
+    const std::vector<PackedElement> elements = source.state->packed_density_matrix(source.indices);
     std::fill_n(real_parts, output_size, 0.0F);
     std::fill_n(imaginary_parts, output_size, 0.0F);
-    for (const PackedElement& element : table.rows) {
-        const auto rank = [&](std::uint64_t values) {
-            return permutations.rank([&](std::size_t i) { return table.level(values, i); });
-        };
+    for (const PackedElement& element : elements) {
         const std::uint64_t row = rank(element.row_values);
         const std::uint64_t column = rank(element.column_values);
         // A size that wrapped can agree with the caller's and still be less than the matrix.
-        if (row >= permutations.size() || column >= permutations.size() ||
-            row * permutations.size() + column >= output_size)
-            continue;
-        real_parts[row * permutations.size() + column] = static_cast<float>(element.element.real());
-        imaginary_parts[row * permutations.size() + column] = static_cast<float>(element.element.imag());
+        if (row < side && column < side && row * side + column < output_size)
+            write(row * side + column, element.element);
     }
     return vantel_ok;
 }

@@ -43,20 +43,14 @@ int measure(const Predicates& predicates);
 std::vector<qudit::QuditsProbability> probabilities(std::vector<QuantumProperty*> properties);
 std::vector<qudit::DensityMatrixEntry> reduced_density_matrix(std::vector<QuantumProperty*> properties);
 
-/// A readout with its levels still packed, and how to read them.
-template <class Row> struct PackedTable {
-    qudit::SlotLayout layout;
+/// What a table of listed properties is read out of.
+struct ReadoutSource {
+    const qudit::IState* state = nullptr; ///< the joint state of all of them; none for an empty list
+    qudit::SlotLayout layout{};
     std::vector<int> indices; ///< of the listed properties, in list order
-    std::vector<Row> rows;
-
-    /// The level of the i-th listed property in a packed word.
-    [[nodiscard]] std::uint64_t level(std::uint64_t values, std::size_t i) const {
-        return values >> layout.position(indices[i]) & layout.mask();
-    }
 };
 
-/// probabilities() and reduced_density_matrix(), still packed.
-PackedTable<qudit::PackedOutcome> packed_probabilities(std::vector<QuantumProperty*> properties);
-PackedTable<qudit::PackedElement> packed_density_matrix(std::vector<QuantumProperty*> properties);
+/// Merges the listed properties and reads their indices.
+ReadoutSource readout_source(std::vector<QuantumProperty*> properties);
 
 } // namespace vantel

@@ -4,22 +4,6 @@
 
 namespace vantel {
 
-namespace {
-
-template <class Row>
-PackedTable<Row> packed_table(std::vector<QuantumProperty*> properties,
-                              std::vector<Row> (qudit::IState::*readout)(const std::vector<int>&) const) {
-    if (properties.empty())
-        return {};
-    const qudit::IState& state = *tensor_state(properties);
-    PackedTable<Row> table{
-        qudit::SlotLayout::of(state.dimension()), to_index_list(std::move(properties)), {}};
-    table.rows = (state.*readout)(table.indices);
-    return table;
-}
-
-} // namespace
-
 std::vector<int> measure(std::vector<QuantumProperty*> properties) {
     if (properties.empty())
         return {};
@@ -57,12 +41,11 @@ std::vector<qudit::DensityMatrixEntry> reduced_density_matrix(std::vector<Quantu
     return state.reduced_density_matrix(to_index_list(std::move(properties)));
 }
 
-PackedTable<qudit::PackedOutcome> packed_probabilities(std::vector<QuantumProperty*> properties) {
-    return packed_table<qudit::PackedOutcome>(std::move(properties), &qudit::IState::packed_probabilities);
-}
-
-PackedTable<qudit::PackedElement> packed_density_matrix(std::vector<QuantumProperty*> properties) {
-    return packed_table<qudit::PackedElement>(std::move(properties), &qudit::IState::packed_density_matrix);
+ReadoutSource readout_source(std::vector<QuantumProperty*> properties) {
+    if (properties.empty())
+        return {};
+    const qudit::IState& state = *tensor_state(properties);
+    return {&state, qudit::SlotLayout::of(state.dimension()), to_index_list(std::move(properties))};
 }
 
 } // namespace vantel

@@ -5,6 +5,7 @@
 #include "readout/squared_modulus.hpp"
 #include "state/builds.hpp"
 #include "state/packed_view.hpp"
+#include "state/product.hpp"
 #include "state/state.hpp"
 #include "state/subkey.hpp"
 #include "state/two_ended_partition.hpp"
@@ -19,18 +20,18 @@ void renormalise(std::span<PackedAmplitude> entries) {
     float sum = 0.0F;
     for (const PackedAmplitude& entry : entries)
         sum = static_cast<float>(static_cast<double>(sum) + squared_modulus(entry.amplitude));
-    const double norm = static_cast<double>(std::sqrt(sum));
+    const double root = static_cast<double>(std::sqrt(sum));
+    const Parts norm{root, root};
     for (PackedAmplitude& entry : entries)
-        entry.amplitude = {entry.amplitude.real() / norm, entry.amplitude.imag() / norm};
+        store(parts_of(entry.amplitude) / norm, entry.amplitude);
 }
 
-/// Keeps the entries that show the drawn levels in the listed fields, and renormalises them.
-/// @return how many there are, at the front
-std::size_t project(std::span<PackedAmplitude> entries, std::uint64_t listed, std::uint64_t drawn) {
-    const std::size_t kept = partition_two_ended(
-        entries, [=](const PackedAmplitude& entry) { return ((entry.values ^ drawn) & listed) == 0; });
-    renormalise(entries.first(kept));
-    return kept;
+/// Keeps the entries that show the drawn outcome in the listed fields, at the front, and renormalises them.
+void project(std::span<PackedAmplitude> entries, std::uint64_t listed, const PackedOutcome& drawn) {
+    partition_two_ended(entries, drawn.entries, [=](const PackedAmplitude& entry) {
+        return ((entry.values ^ drawn.values) & listed) == 0;
+    });
+    renormalise(entries.first(drawn.entries));
 }
 
 } // namespace
@@ -39,10 +40,10 @@ template <class Label> std::vector<int> State<Label>::measure(std::vector<int> q
     const std::vector<PackedOutcome> outcomes = packed_probabilities(qudits);
     if (outcomes.empty())
         return std::vector<int>(qudits.size(), 0);
-    const std::uint64_t drawn = outcomes[draw_outcome(outcomes)].values;
-    std::vector<int> levels = levels_of(Label::layout, drawn, qudits);
-    const std::size_t kept = project(packed_view(amplitudes), fields_of(Label::layout, qudits), drawn);
-    amplitudes.resize(kept);
+    const PackedOutcome drawn = outcomes[draw_outcome(outcomes)];
+    std::vector<int> levels = levels_of(Label::layout, drawn.values, qudits);
+    project(packed_view(amplitudes), fields_of(Label::layout, qudits), drawn);
+    amplitudes.resize(drawn.entries);
     return levels;
 }
 

@@ -1,85 +1,86 @@
+#include <algorithm>
+#include <cmath>
 #include <complex>
-#include <memory>
-#include <numeric>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "readout/levels.hpp"
+#include "readout/ranked.hpp"
 #include "state/builds.hpp"
+#include "state/field_groups.hpp"
 #include "state/key_index.hpp"
 #include "state/packed_view.hpp"
 #include "state/product.hpp"
 #include "state/state.hpp"
 #include "state/subkey.hpp"
+#include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
 
 namespace {
 
-/// The number of each entry's levels in some fields, in first-seen order.
-struct Numbering {
-    std::vector<std::uint32_t> of; ///< of each entry
-    std::size_t size;              ///< distinct ones
+/// The entries that pair with each: those with the same levels in the traced fields, itself included, in
+/// stored order. Only such pairs contribute.
+class Partners {
+public:
+    using Members = std::span<const std::uint32_t>;
 
-    Numbering(std::span<const PackedAmplitude> entries, std::uint64_t fields) : of(entries.size()) {
-        const Subkey levels(fields);
-        size = with_key_index(levels.bits(), entries.size(), [&](auto& seen) {
-            for (std::size_t i = 0; i < entries.size(); ++i)
-                of[i] = static_cast<std::uint32_t>(seen.find_or_add(levels(entries[i].values)));
-            return seen.size();
+    /// @param most  how many partners an entry has, unless labels are repeated
+    Partners(std::span<const PackedAmplitude> entries, std::uint64_t traced, std::uint64_t most)
+        : groups_(entries, traced, any_bits(entries), most), of_(entries.size()) {
+        groups_.for_each([this](Members members) {
+            for (const std::uint32_t member : members)
+                of_[member] = members;
         });
     }
-};
 
-/// The entries sorted by their traced levels into groups, each in stored order; only the pairs within a
-/// group contribute.
-class TracedGroups {
-public:
-    struct Member {
-        Parts conjugate; ///< of the amplitude
-        std::uint32_t column;
-        std::uint32_t entry;
-    };
-
-    TracedGroups(std::span<const PackedAmplitude> entries, const Numbering& kept, const Numbering& traced)
-        : traced_(traced), begin_(traced.size + 1, 0), members_(new Member[entries.size()]) {
-        for (const std::uint32_t group : traced.of)
-            ++begin_[group + 1];
-        std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
-        std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
-        for (std::size_t i = 0; i < entries.size(); ++i)
-            members_[place[traced.of[i]]++] = {parts_of(std::conj(entries[i].amplitude)), kept.of[i],
-                                               static_cast<std::uint32_t>(i)};
-    }
-
-    /// The entries that pair with `entry`, itself included.
-    [[nodiscard]] std::span<const Member> partners(std::size_t entry) const {
-        const std::uint32_t group = traced_.of[entry];
-        return {&members_[begin_[group]], begin_[group + 1] - begin_[group]};
-    }
+    [[nodiscard]] Members of(std::size_t entry) const { return of_[entry]; }
 
 private:
-    const Numbering& traced_;
-    std::vector<std::uint32_t> begin_; ///< of each group in members_, and the end
-    std::unique_ptr<Member[]> members_;
+    static std::uint64_t any_bits(std::span<const PackedAmplitude> entries) {
+        std::uint64_t any = 0;
+        for (const PackedAmplitude& entry : entries)
+            any |= entry.values;
+        return any;
+    }
+
+    FieldGroups groups_;
+    std::vector<Members> of_;
 };
+
+Parts conjugate(const std::complex<double>& amplitude) {
+    return negated<1>(parts_of(amplitude));
+}
+
+/// The number of each entry's levels in some fields, in first-seen order, and how many differ.
+std::pair<std::vector<std::uint32_t>, std::size_t> numbered(std::span<const PackedAmplitude> entries,
+                                                            std::uint64_t fields) {
+    std::vector<std::uint32_t> numbers(entries.size());
+    const Subkey levels(fields);
+    const std::size_t differing = with_key_index(levels.bits(), entries.size(), [&](auto& seen) {
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            numbers[i] = static_cast<std::uint32_t>(seen.find_or_add(levels(entries[i].values)));
+        return seen.size();
+    });
+    return {std::move(numbers), differing};
+}
 
 std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries, std::uint64_t kept_fields,
                                        std::uint64_t traced_fields) {
-    const Numbering kept(entries, kept_fields);
-    const Numbering traced(entries, traced_fields);
-    const TracedGroups groups(entries, kept, traced);
-    const auto bits = static_cast<unsigned>(std::bit_width(kept.size * kept.size));
+    const auto [kept, side] = numbered(entries, kept_fields);
+    const Partners partners(entries, traced_fields, side);
+    const auto bits = static_cast<unsigned>(std::bit_width(side * side));
     return with_key_index(bits, entries.size(), [&](auto& seen) {
         std::vector<PackedElement> elements;
         for (std::size_t a = 0; a < entries.size(); ++a) {
             const Factor amplitude(entries[a].amplitude);
-            const std::uint64_t row = kept.of[a] * kept.size;
-            for (const TracedGroups::Member& b : groups.partners(a)) {
-                const Parts product = amplitude(b.conjugate);
-                const std::size_t position = seen.find_or_add(row + b.column);
+            const std::uint64_t row = kept[a] * side;
+            for (const std::uint32_t b : partners.of(a)) {
+                const Parts product = amplitude(conjugate(entries[b].amplitude));
+                const std::size_t position = seen.find_or_add(row + kept[b]);
                 if (position == elements.size())
-                    elements.push_back({entries[a].values, entries[b.entry].values, complex_of(product)});
+                    elements.push_back({entries[a].values, entries[b].values, complex_of(product)});
                 else
                     store(parts_of(elements[position].element) + product, elements[position].element);
             }
@@ -88,7 +89,55 @@ std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries,
     });
 }
 
+/// Adds up all products by row and column; what is beyond the last of either is left out.
+/// @param times  times(factor, conjugate) is the product
+template <class Times>
+void add_up(RankedMatrix& matrix, std::span<const PackedAmplitude> entries, const Partners& partners,
+            std::span<const std::uint32_t> ranks, std::size_t side, Times times) {
+    // A sum that starts from negative zero has the bits of its first product.
+    std::fill(matrix.elements.begin(), matrix.elements.end(), std::complex<double>(-0.0, -0.0));
+    wide_loop([&matrix, entries, &partners, ranks, side, times] {
+        for (std::size_t a = 0; a < entries.size(); ++a) {
+            if (ranks[a] == side)
+                continue;
+            const Factor amplitude(entries[a].amplitude);
+            std::complex<double>* const row = &matrix.elements[ranks[a] * side];
+            std::uint8_t* const reached = &matrix.reached[ranks[a] * side];
+            for (const std::uint32_t b : partners.of(a)) {
+                const std::uint32_t column = ranks[b];
+                if (column == side)
+                    continue;
+                const Parts product = times(amplitude, conjugate(entries[b].amplitude));
+                store(parts_of(row[column]) + product, row[column]);
+                reached[column] = 1;
+            }
+        }
+    });
+}
+
 } // namespace
+
+RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, std::uint64_t traced_fields,
+                                   const LevelRank& rank) {
+    const std::size_t side = rank.size();
+    RankedMatrix matrix{std::vector<std::complex<double>>(side * side),
+                        std::vector<std::uint8_t>(side * side, 0)};
+    const Partners partners(entries, traced_fields, side);
+    // A label with a level beyond its dimension has the rank behind the last.
+    std::vector<std::uint32_t> ranks(entries.size());
+    std::transform(entries.begin(), entries.end(), ranks.begin(), [&](const PackedAmplitude& entry) {
+        return static_cast<std::uint32_t>(std::min<std::uint64_t>(rank(entry.values), side));
+    });
+    add_up(matrix, entries, partners, ranks, side,
+           [](const Factor& factor, Parts number) { return factor.unrecovered(number); });
+    // A product with an infinity to recover leaves NaN.
+    if (std::any_of(matrix.elements.begin(), matrix.elements.end(), [](const std::complex<double>& element) {
+            return std::isnan(element.real()) || std::isnan(element.imag());
+        }))
+        add_up(matrix, entries, partners, ranks, side,
+               [](const Factor& factor, Parts number) { return factor(number); });
+    return matrix;
+}
 
 template <class Label>
 std::vector<PackedElement> State<Label>::packed_density_matrix(const std::vector<int>& qudits) const {

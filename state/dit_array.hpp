@@ -31,6 +31,13 @@ __attribute__((visibility("default"))) std::ostream& operator<<(std::ostream& st
 [[noreturn]] void die_of_dimension();
 [[noreturn]] void die_of_addend();
 
+/// @throws std::out_of_range "qudit index out of range" for an index at or beyond the count. The comparison
+///         is signed and one-sided: a negative index passes. That is meant; callers hand in none.
+inline void refuse_index(int qudit, int qudit_count) {
+    if (qudit >= qudit_count)
+        throw std::out_of_range("qudit index out of range");
+}
+
 /// The packing of all labels whose largest dimension is D: how wide a field is and where it stands.
 struct SlotLayout {
     unsigned bits;  ///< width of one field, the smallest b with 2^b >= D
@@ -108,12 +115,9 @@ template <int D, int N> struct DitArray {
         return {values[0] >> position & layout.mask(), (dimensions[0] >> position & layout.mask()) + 1};
     }
 
-    /// The same for an index that a caller supplied. The comparison is signed and one-sided: a negative
-    /// index passes. That is meant; the layer above hands in none.
-    /// @throws std::out_of_range "qudit index out of range"
+    /// The same for an index that a caller supplied. @throws what refuse_index raises
     [[nodiscard]] Dit at(int qudit) const {
-        if (qudit >= N)
-            throw std::out_of_range("qudit index out of range");
+        refuse_index(qudit, N);
         return (*this)[qudit];
     }
 

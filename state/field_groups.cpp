@@ -1,48 +1,50 @@
 #include "state/field_groups.hpp"
 
 #include <algorithm>
+#include <limits>
 
 #include "state/radix_sort.hpp"
 
 namespace vantel::qudit {
 
-FieldGroups::FieldGroups(std::span<const PackedAmplitude> entries, unsigned position, unsigned bits,
-                         std::uint64_t levels, std::uint64_t any)
-    : rest_of_{(std::uint64_t{1} << position) - 1, bits}, levels_(levels) {
+FieldGroups::FieldGroups(std::span<const PackedAmplitude> entries, std::uint64_t fields, std::uint64_t any,
+                         std::uint64_t most)
+    : most_(most) {
     // As long as there are no more places than this for each entry, a table is cheaper than sorting.
     constexpr std::uint64_t sparsest = 16;
-    const std::uint64_t range = rest_of_(any) + 1;
-    if (range > sparsest * entries.size() || range * levels > sparsest * entries.size() ||
-        !group_by_table(entries, range))
-        group_by_sorting(entries);
+    const Subkey key_of(fields);
+    const std::uint64_t range = key_of(any) + 1;
+    if (most > std::numeric_limits<std::uint8_t>::max() || range > sparsest * entries.size() ||
+        range * most > sparsest * entries.size() || !group_by_table(entries, key_of, range))
+        group_by_sorting(entries, key_of);
     bound_ = std::min<std::uint64_t>(range, entries.size());
 }
 
-/// One place in a table for each rest and level. Returns false where repeated labels need more.
-bool FieldGroups::group_by_table(std::span<const PackedAmplitude> entries, std::uint64_t range) {
+/// `most` places in a table for each group. Returns false where repeated labels need more.
+bool FieldGroups::group_by_table(std::span<const PackedAmplitude> entries, Subkey key_of,
+                                 std::uint64_t range) {
     sizes_ = SparseBytes(range);
-    members_.reset(new std::uint32_t[range * levels_]);
+    members_.reset(new std::uint32_t[range * most_]);
     // Copies that no store to a byte can be thought to change.
-    const Rest rest_of = rest_of_;
-    const std::uint64_t levels = levels_;
+    const std::uint64_t most = most_;
     std::uint8_t* const sizes = &sizes_[0];
     std::uint32_t* const members = members_.get();
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        const std::uint64_t rest = rest_of(entries[i].values);
-        const std::uint64_t size = sizes[rest];
-        if (size == levels)
+        const std::uint64_t key = key_of(entries[i].values);
+        const std::uint64_t size = sizes[key];
+        if (size == most)
             return false;
-        members[rest * levels + size] = static_cast<std::uint32_t>(i);
-        sizes[rest] = static_cast<std::uint8_t>(size + 1);
+        members[key * most + size] = static_cast<std::uint32_t>(i);
+        sizes[key] = static_cast<std::uint8_t>(size + 1);
     }
     return true;
 }
 
-void FieldGroups::group_by_sorting(std::span<const PackedAmplitude> entries) {
+void FieldGroups::group_by_sorting(std::span<const PackedAmplitude> entries, Subkey key_of) {
     std::vector<std::uint64_t> scratch(entries.size());
     sorted_.resize(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i)
-        sorted_[i] = rest_of_(entries[i].values) << index_bits | i;
+        sorted_[i] = key_of(entries[i].values) << index_bits | i;
     radix_sort(sorted_, scratch, index_bits);
     members_.reset(new std::uint32_t[entries.size()]);
     for (std::size_t i = 0; i < entries.size(); ++i)

@@ -1,4 +1,4 @@
-/// The entries of a list grouped by all of their label but one qudit's level.
+/// The entries of a list grouped by some fields of their labels.
 #pragma once
 
 #include <cstddef>
@@ -9,18 +9,18 @@
 
 #include "state/basis_amplitude.hpp"
 #include "state/sparse_bytes.hpp"
+#include "state/subkey.hpp"
 
 namespace vantel::qudit {
 
 class FieldGroups {
 public:
-    /// Groups fewer than 2^24 entries by their levels without the field at `position`, `bits` wide. Linear
-    /// in the entries.
-    /// @param any     the bits that are set in the levels of some entry
-    /// @param levels  no entry has this level or a higher one in the field
+    /// Groups fewer than 2^24 entries by their levels in `fields`. Linear in the entries.
+    /// @param any   the bits that are set in the levels of some entry
+    /// @param most  how many members a group has, unless labels are repeated
     /// @throws std::bad_alloc
-    FieldGroups(std::span<const PackedAmplitude> entries, unsigned position, unsigned bits,
-                std::uint64_t levels, std::uint64_t any);
+    FieldGroups(std::span<const PackedAmplitude> entries, std::uint64_t fields, std::uint64_t any,
+                std::uint64_t most);
 
     /// As many groups at the most.
     [[nodiscard]] std::size_t bound() const noexcept { return bound_; }
@@ -31,23 +31,14 @@ public:
         if (!sorted_.empty())
             for_each_run(visit);
         else
-            sizes_.for_each_set([this, &visit](std::uint64_t rest, std::uint8_t size) {
-                visit(std::span<const std::uint32_t>(&members_[rest * levels_], size));
-            });
+            sizes_.for_each_set(
+                [members = members_.get(), most = most_, &visit](std::uint64_t key, std::uint8_t size) {
+                    visit(std::span<const std::uint32_t>(&members[key * most], size));
+                });
     }
 
 private:
     static constexpr unsigned index_bits = 24;
-
-    /// The levels of a label without the field, what is above it moved down.
-    struct Rest {
-        std::uint64_t low; ///< the bits below the field
-        unsigned bits;
-
-        std::uint64_t operator()(std::uint64_t values) const noexcept {
-            return (values & low) | (values >> bits & ~low);
-        }
-    };
 
     template <class Visit> void for_each_run(Visit visit) const {
         for (std::size_t begin = 0, end = 0; begin < sorted_.size(); begin = end) {
@@ -57,13 +48,12 @@ private:
         }
     }
 
-    bool group_by_table(std::span<const PackedAmplitude> entries, std::uint64_t range);
-    void group_by_sorting(std::span<const PackedAmplitude> entries);
+    bool group_by_table(std::span<const PackedAmplitude> entries, Subkey key_of, std::uint64_t range);
+    void group_by_sorting(std::span<const PackedAmplitude> entries, Subkey key_of);
 
-    Rest rest_of_;
-    std::uint64_t levels_;
+    std::uint64_t most_;
     std::size_t bound_;
-    SparseBytes sizes_;                 ///< of each group, by its levels without the field
+    SparseBytes sizes_;                 ///< of each group, by its levels
     std::vector<std::uint64_t> sorted_; ///< those levels and a position in one word, instead of sizes_
     std::unique_ptr<std::uint32_t[]> members_;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <complex>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -34,6 +35,7 @@ struct DensityMatrixEntry {
 struct PackedOutcome {
     std::uint64_t values;
     double probability;
+    std::size_t entries; ///< how many show the outcome
 };
 
 /// DensityMatrixEntry with its levels still packed, as in PackedOutcome.

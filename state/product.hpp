@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <complex>
+#include <cstdint>
 
 namespace vantel::qudit {
 
@@ -28,12 +29,23 @@ inline std::complex<double> complex_of(Parts parts) noexcept {
     return {parts[0], parts[1]};
 }
 
+/// The vector with the sign of one part turned.
+template <int part> Parts negated(Parts number) noexcept {
+    using Words [[gnu::vector_size(16)]] = std::uint64_t;
+    constexpr std::uint64_t sign = std::uint64_t{1} << 63;
+    return reinterpret_cast<Parts>(reinterpret_cast<Words>(number) ^
+                                   Words{part == 0 ? sign : 0, part == 1 ? sign : 0});
+}
+
 /// A number that many amplitudes are multiplied by.
 class Factor {
 public:
     Factor() = default;
-    explicit Factor(const std::complex<double>& factor) noexcept
-        : parts_{factor.real(), factor.real(), -factor.imag(), factor.imag()} {}
+    explicit Factor(const std::complex<double>& factor) noexcept : Factor(parts_of(factor)) {}
+    /// The vector is put together from vectors: a store of its parts would have to reach memory first.
+    explicit Factor(Parts factor) noexcept
+        : Factor(__builtin_shufflevector(factor, factor, 0, 0),
+                 negated<0>(__builtin_shufflevector(factor, factor, 1, 1))) {}
     /// From real() and crossed() of a factor.
     Factor(Parts real, Parts crossed) noexcept : parts_(__builtin_shufflevector(real, crossed, 0, 1, 2, 3)) {}
 

@@ -8,17 +8,12 @@
 
 namespace vantel::qudit {
 
-/// Moves the entries that `keep` accepts to the front. Each hole, from the front, is filled with the kept
-/// entry nearest the tail, so order is not kept. That order is part of the behaviour: a stable removal
-/// will not do. Holes and fillings are noted in small batches, without a branch on what no processor could
-/// predict; nothing is allocated.
-/// @return how many are kept; what lies behind them is to be erased
+/// Moves the entries that `keep` accepts to the front; there are `kept` of them. Each hole, from the front,
+/// is filled with the kept entry nearest the tail, so order is not kept. That order is part of the behaviour:
+/// a stable removal will not do. Holes and fillings are noted in small batches, without a branch on what no
+/// processor could predict; nothing is allocated. What lies behind the kept entries is to be erased.
 template <class Entry, class Keep>
-std::size_t partition_two_ended(std::span<Entry> list, Keep keep) noexcept {
-    std::size_t kept = 0;
-    for (const Entry& entry : list)
-        kept += keep(entry) ? 1 : 0;
-
+void partition_two_ended(std::span<Entry> list, std::size_t kept, Keep keep) noexcept {
     // As many entries are kept behind place `kept` as are missing before it.
     constexpr std::size_t batch = 64;
     std::array<std::size_t, batch> holes;
@@ -39,6 +34,15 @@ std::size_t partition_two_ended(std::span<Entry> list, Keep keep) noexcept {
         for (std::size_t i = 0; i < hole_count; ++i)
             list[holes[i]] = list[fillings[i]];
     }
+}
+
+/// The same where the kept entries have not been counted yet. @return how many there are
+template <class Entry, class Keep>
+std::size_t partition_two_ended(std::span<Entry> list, Keep keep) noexcept {
+    std::size_t kept = 0;
+    for (const Entry& entry : list)
+        kept += keep(entry) ? 1 : 0;
+    partition_two_ended(list, kept, keep);
     return kept;
 }
 
