@@ -38,7 +38,8 @@ TEST(QuditObject, TakesItsQuditAlongWhenMoved) {
     EXPECT_EQ(vantel::measure(moved, target, control), (std::array{1, 1, 0}));
     Qudit& same = moved;
     moved = std::move(same);
-    EXPECT_EQ(vantel::measure(moved), 1);
+    EXPECT_EQ(vantel::reset(moved), 1);
+    EXPECT_EQ(vantel::measure(moved), 0);
 }
 
 TEST(QuditObject, IsReorderedByAlgorithmsWithoutAGate) {
@@ -138,6 +139,12 @@ TEST(JointState, StaysSoundWhenTheLastComerLeaves) {
     vantel::sum(trio[2], judge);
     const int level = vantel::reset(trio[1]);
     EXPECT_EQ(vantel::measure(trio[0], trio[1], trio[2], judge), (std::array{level, 0, level, level}));
+
+    auto pair = vantel::make_register(2, 3); // nobody has left it yet
+    vantel::cycle(pair[0]);
+    vantel::shift(pair[1]);
+    for (int round = 0; round < 3; ++round)
+        EXPECT_TRUE(vantel::project(pair[0] == 1 && pair[1] == 2)) << round;
 }
 
 TEST(Readout, OfAnEmptyJointStateHasNoRows) {

@@ -1,5 +1,6 @@
 #include <numbers>
 
+#include "reference/literal_state.hpp"
 #include "tests/support/states.hpp"
 
 namespace vantel::testing {
@@ -66,6 +67,40 @@ INSTANTIATE_TEST_SUITE_P(
                              [](IState& s) { s.i_swap(0, 1, 1.0F, {}); },
                              {{{1, 2}, {0.0, 1.0}}}}),
     [](const auto& tested) { return tested.param.name; });
+
+TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
+    Entries entries;
+    for (std::uint64_t i = 0; i < 36; ++i)
+        entries.push_back(
+            {{{i % 4, 2}, {i / 4 % 3, 3}, {i / 12, 3}}, {1.0 / static_cast<double>(i + 1), 0.5}});
+    for (int round = 0; round < 4; ++round) {
+        const bool repeated = round % 2 == 0;
+        entries[20].dits[1].dimension = repeated ? 3 : 4;
+        const auto act = [=](auto& state) {
+            if (repeated) {
+                state.cycle({0}, {}); // levels 0 and 2 both go to 1
+            } else {
+                state.swap(1, 2, {});
+                state.clock({2}, {});
+            }
+            if (round < 2)
+                state.i_swap(1, 2, 0.3F, {});
+            else
+                state.hadamard({1}, {});
+        };
+        const auto state = Factory::make_unique_state({4, 3}, entries);
+        reference::LiteralState literal({4, 3}, entries);
+        act(*state);
+        act(literal);
+        EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << round;
+    }
+    const auto state = Factory::make_unique_state({4, 3}, entries);
+    reference::LiteralState literal({4, 3}, entries);
+    state->cycle({0}, {});
+    literal.cycle({0}, {});
+    EXPECT_TRUE(same_entries(qudit::tensor_product<10, 10>(*state, *state)->basis_amplitudes(),
+                             reference::tensor_product(literal, literal).basis_amplitudes()));
+}
 
 } // namespace
 } // namespace vantel::testing

@@ -106,6 +106,19 @@ TEST(Matrices, WhoseWrappedSizeAgreesByAccidentAreWrittenNowhereElse) {
     EXPECT_EQ(parts[1], -7.0F);
 }
 
+TEST(Matrices, AreHeldAgainstASizeThatIsNegativeIn32BitsAndRefusedWhereNothingCanCountThem) {
+    std::vector<Handle> handles;
+    std::vector<QuantumProperty*> list;
+    for (const int dimension : {10, 10, 10, 10, 5})
+        list.push_back(handles.emplace_back(qudit_of(dimension)).get());
+    const Diagnostics diagnostics;
+    EXPECT_EQ(vantel_reduced_density_matrix(list.data(), 5, nullptr, nullptr, 2500000000),
+              vantel_output_too_small);
+    EXPECT_EQ(diagnostics.text(), "permutations.size(): 50000 < output_size: 2500000000\n");
+    list.assign(20, list[0]);
+    EXPECT_THROW(vantel_reduced_density_matrix(list.data(), 20, nullptr, nullptr, 0), std::length_error);
+}
+
 TEST(Version, StandsBehindItsPointerAtTheMomentOfReturn) {
     for (int i = 0; i < 3; ++i) {
         // The text is gone already, so each byte is read before anything else is called.

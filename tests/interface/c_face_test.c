@@ -108,6 +108,8 @@ static void circuit(void) {
     CHECK(vantel_stochastic_projection(&condition, 1, &result) == vantel_ok && result == 0);
     CHECK(vantel_stochastic_projection(NULL, 0, &result) == vantel_ok && result == 1);
     CHECK(vantel_phase_rotate(NULL, 0, 1.0F) == vantel_ok);
+    CHECK(vantel_measure(NULL, 0, NULL) == vantel_ok && vantel_probabilities(NULL, 0, NULL) == vantel_ok &&
+          vantel_reduced_density_matrix(NULL, 0, NULL, NULL, 0) == vantel_ok);
     CHECK(vantel_free_quantum_property(a) == vantel_ok);
     CHECK(vantel_free_quantum_property(b) == vantel_ok);
     CHECK(vantel_free_quantum_property(NULL) == vantel_null_property);

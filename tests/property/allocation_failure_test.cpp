@@ -288,5 +288,13 @@ TEST_P(AllocationFailure, LeavesAToldStateUsableHandlesAndNothingBehind) {
 INSTANTIATE_TEST_SUITE_P(Situations, AllocationFailure, ::testing::ValuesIn(situations),
                          [](const auto& tested) { return tested.param.name; });
 
+TEST(Status, IsWrittenBeforeAnAllocationCanFail) {
+    int status = 77;
+    fail_allocations_after(0, Failing::once);
+    EXPECT_THROW(vantel_make_quantum_property(2, &status), std::bad_alloc);
+    stop_failing();
+    EXPECT_EQ(status, vantel_ok);
+}
+
 } // namespace
 } // namespace vantel::testing

@@ -61,6 +61,13 @@ TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
     EXPECT_EQ(vantel_measure(list.data(), list.size(), levels.data()), 0); // small again, and can be freed
 }
 
+TEST(Release, OfTheOnlyHandleTakesNothingOutOfItsState) {
+    std::optional<QuantumProperty> only(std::in_place, state_of({2, 3}, {{{0, 2}, 1.0}}), 0);
+    const auto shared = only->shared_state;
+    only.reset();
+    EXPECT_EQ(shared->state->num_qudits(), 2U);
+}
+
 TEST(Projection, ShiftsAHandleTwiceThatStandsTwice) {
     Handle p = qudit_of(2), q = qudit_of(3);
     merge({p.get(), q.get()});

@@ -37,16 +37,19 @@ TEST(Measure, LeavesTheStateWhenItFails) {
     EXPECT_TRUE(same_entries(state->basis_amplitudes(), before));
 }
 
-/// Three float weights whose first running sum is the drawn number itself.
+/// Four float weights: the drawn number is the second running sum itself, though not that of the undivided
+/// weights, which is greater.
 std::vector<float> tie_at(double number) {
-    for (float first = 0.3F; first < 0.4F; first = std::nextafter(first, 1.0F)) {
-        const double rest = static_cast<double>(first) / number - static_cast<double>(first);
-        const float second = std::nextafter(static_cast<float>(rest), 0.0F);
-        const float third = static_cast<float>(rest - static_cast<double>(second));
-        const double sum =
-            static_cast<double>(first) + static_cast<double>(second) + static_cast<double>(third);
-        if (third > 0.0F && static_cast<double>(first) / sum == number)
-            return {first, second, third};
+    for (float first = 0.1F; first < 0.2F; first = std::nextafter(first, 1.0F)) {
+        const float second = 1.5F * first;
+        const double both = static_cast<double>(first) + static_cast<double>(second);
+        const double rest = both / number - both;
+        const float third = std::nextafter(static_cast<float>(rest), 0.0F);
+        const float fourth = static_cast<float>(rest - static_cast<double>(third));
+        const double sum = both + static_cast<double>(third) + static_cast<double>(fourth);
+        if (fourth > 0.0F && static_cast<double>(first) / sum + static_cast<double>(second) / sum == number &&
+            both / sum > number)
+            return {first, second, third, fourth};
     }
     return {};
 }
@@ -57,14 +60,14 @@ TEST(Measure, TakesTheFirstRunningSumStrictlyAboveTheNumber) {
     const auto low = static_cast<double>(generator());
     const double number = (static_cast<double>(generator()) * 0x1p32 + low) * 0x1p-64;
     const std::vector<float> weights = tie_at(number);
-    ASSERT_EQ(weights.size(), 3U) << number;
+    ASSERT_EQ(weights.size(), 4U) << number;
     std::vector<Term> terms;
-    for (std::uint64_t i = 0; i < 3; ++i)
-        terms.push_back({{i}, std::sqrt(static_cast<double>(weights[i]))});
+    for (std::uint64_t i = 0; i < 4; ++i) // the excess is lost in single precision
+        terms.push_back({{i}, std::sqrt(static_cast<double>(weights[i]) * (i == 1 ? 1.0 + 1e-9 : 1.0))});
     const RandomSource source(word);
-    EXPECT_EQ(state_of({3}, terms)->measure({0}), Ints{1});
-    terms[0].amplitude = std::sqrt(static_cast<double>(std::nextafter(weights[0], 1.0F)));
-    EXPECT_EQ(state_of({3}, terms)->measure({0}), Ints{0});
+    EXPECT_EQ(state_of({4}, terms)->measure({0}), Ints{2});
+    terms[1].amplitude = std::sqrt(static_cast<double>(std::nextafter(weights[1], 1.0F)));
+    EXPECT_EQ(state_of({4}, terms)->measure({0}), Ints{1});
 }
 
 TEST(Measure, YieldsLevelZeroFromAnEmptyState) {

@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <functional>
+#include <iostream>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -50,6 +51,7 @@ void expect_end(const std::function<void()>& act, const char* text) {
     EXPECT_EXIT(
         {
             dup2(STDERR_FILENO, STDOUT_FILENO);
+            std::cerr.rdbuf(nullptr);
             try {
                 act();
             } catch (...) {

@@ -49,6 +49,23 @@ TEST(Factory, BuildsTheLargestStateAtOnce) {
     EXPECT_TRUE(same_entries(state->basis_amplitudes(), entries)); // in descending order still
 }
 
+TEST(Limit, IsOfAHundredThousandEntriesWhereverAListCanGrow) {
+    const auto refused = failure<StateSizeExceeded>("State size exceeded maximum allowed size");
+    const auto spread = [](std::uint64_t dimension, int over, std::size_t qudits) {
+        auto state = state_of(Levels(qudits, dimension), {{Levels(qudits, 0), 1.0}});
+        for (int i = 0; i < over; ++i)
+            state->hadamard({i}, {});
+        return state;
+    };
+    const auto thousand = spread(10, 3, 3);
+    const auto full = tensor_product<10, 10>(*thousand, *spread(10, 2, 2));
+    EXPECT_EQ(full->packed_amplitudes().size(), 100000U);
+    EXPECT_EQ(thrown_by([&] { full->cycle({0}, {}); }), thrown_by([] {}));
+    // Both too large and of too many qudits.
+    EXPECT_EQ(thrown_by([&] { tensor_product<10, 10>(*thousand, *spread(2, 7, 8)); }), refused);
+    EXPECT_EQ(thrown_by([&] { spread(10, 0, 6)->hadamard({0, 1, 2, 3, 4, 5}, {}); }), refused);
+}
+
 TEST(Construction, LetsTheFirstOfALabelWinAndDropsExactZerosAfterwards) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const auto state = state_of({3, 2}, {{{2, 1}, 0.25},
