@@ -91,21 +91,21 @@ struct WeightSum {
 /// Outcomes that are so few in kind that each has a place from the beginning.
 template <class Weight>
 std::vector<PackedOutcome> few_outcomes_by(std::span<const PackedAmplitude> entries, std::uint64_t listed,
-                                           Subkey outcome_of) {
+                                           const Subkey& outcome_of) {
     std::vector<WeightSum> sums(std::size_t{1} << outcome_of.bits());
     std::vector<PackedOutcome> outcomes;
     outcomes.reserve(std::min(sums.size(), entries.size()));
-    sum_up<Weight>(
-        entries, listed, outcome_of,
-        [at = sums.data(), &outcomes](std::uint64_t outcome, const PackedAmplitude& entry) {
-            if (at[outcome].entries == 0) [[unlikely]]
-                outcomes.push_back({entry.values, 0.0, 0});
-            return at[outcome].sum;
-        },
-        [at = sums.data()](std::uint64_t outcome, double sum, std::size_t count) {
-            at[outcome].sum = sum;
-            at[outcome].entries += count;
-        });
+    const auto enter = [at = sums.data(), &outcomes](std::uint64_t outcome, const PackedAmplitude& entry) {
+        if (at[outcome].entries == 0) [[unlikely]]
+            outcomes.push_back({entry.values, 0.0, 0});
+        return at[outcome].sum;
+    };
+    const auto leave = [at = sums.data()](std::uint64_t outcome, double sum, std::size_t count) {
+        at[outcome].sum = sum;
+        at[outcome].entries += count;
+    };
+    outcome_of.cheapest(
+        [&](const auto& place_of) { sum_up<Weight>(entries, listed, place_of, enter, leave); });
     for (PackedOutcome& outcome : outcomes) {
         const WeightSum& of_all = sums[outcome_of(outcome.values)];
         outcome.probability = of_all.sum;

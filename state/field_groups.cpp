@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "state/radix_sort.hpp"
+#include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
 
@@ -21,26 +22,35 @@ FieldGroups::FieldGroups(std::span<const PackedAmplitude> entries, std::uint64_t
 }
 
 /// `most` places in a table for each group. Returns false where repeated labels need more.
-bool FieldGroups::group_by_table(std::span<const PackedAmplitude> entries, Subkey key_of,
+bool FieldGroups::group_by_table(std::span<const PackedAmplitude> entries, const Subkey& key_of,
                                  std::uint64_t range) {
     sizes_ = SparseBytes(range);
     members_.reset(new std::uint32_t[range * most_]);
-    // Copies that no store to a byte can be thought to change.
-    const std::uint64_t most = most_;
-    std::uint8_t* const sizes = &sizes_[0];
-    std::uint32_t* const members = members_.get();
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const std::uint64_t key = key_of(entries[i].values);
-        const std::uint64_t size = sizes[key];
-        if (size == most)
-            return false;
-        members[key * most + size] = static_cast<std::uint32_t>(i);
-        sizes[key] = static_cast<std::uint8_t>(size + 1);
-    }
-    return true;
+    return key_of.cheapest([&](const auto& cheapest_key_of) {
+        bool fits = true;
+        wide_loop([&] {
+            // Copies that no store to a byte can be thought to change.
+            const auto own_key_of = cheapest_key_of;
+            const std::uint64_t most = most_;
+            std::uint8_t* const sizes = &sizes_[0];
+            std::uint32_t* const members = members_.get();
+            std::uint32_t position = 0;
+            for (const PackedAmplitude& entry : entries) {
+                const std::uint64_t key = own_key_of(entry.values);
+                const std::uint64_t size = sizes[key];
+                if (size == most) [[unlikely]] {
+                    fits = false;
+                    return;
+                }
+                members[key * most + size] = position++;
+                sizes[key] = static_cast<std::uint8_t>(size + 1);
+            }
+        });
+        return fits;
+    });
 }
 
-void FieldGroups::group_by_sorting(std::span<const PackedAmplitude> entries, Subkey key_of) {
+void FieldGroups::group_by_sorting(std::span<const PackedAmplitude> entries, const Subkey& key_of) {
     std::vector<std::uint64_t> scratch(entries.size());
     sorted_.resize(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i)

@@ -48,8 +48,8 @@ private:
         }
     }
 
-    bool group_by_table(std::span<const PackedAmplitude> entries, Subkey key_of, std::uint64_t range);
-    void group_by_sorting(std::span<const PackedAmplitude> entries, Subkey key_of);
+    bool group_by_table(std::span<const PackedAmplitude> entries, const Subkey& key_of, std::uint64_t range);
+    void group_by_sorting(std::span<const PackedAmplitude> entries, const Subkey& key_of);
 
     std::uint64_t most_;
     std::size_t bound_;

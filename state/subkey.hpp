@@ -49,6 +49,15 @@ public:
         return key;
     }
 
+    /// Calls `use` with the cheapest function that gives the same keys.
+    template <class Use> auto cheapest(Use use) const {
+        if (count_ > 2)
+            return use(*this);
+        return use([low = runs_[0], high = runs_[1]](std::uint64_t values) {
+            return (values & low.mask) >> low.shift | (values & high.mask) >> high.shift;
+        });
+    }
+
 private:
     struct Run {
         std::uint64_t mask;
