@@ -141,7 +141,7 @@ std::optional<Sums> shared_out(std::span<const PackedAmplitude> entries, SlotLay
         return {};
 
     Sums sums(2 * entries.size(), dimensions);
-    wide_loop([&sums, &own, &partners, entries, exchange, shares, ranks] {
+    wide_loop([shares, exchange, entries, &sums, &own, &partners, ranks] {
         for (std::uint64_t r = 0; r < ranks; ++r) {
             const std::uint32_t mine = own[r];
             const std::uint32_t partner = partners[r];

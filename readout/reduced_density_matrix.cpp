@@ -2,7 +2,6 @@
 #include <cmath>
 #include <complex>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "readout/levels.hpp"
@@ -53,22 +52,26 @@ Parts conjugate(const std::complex<double>& amplitude) {
     return negated<1>(parts_of(amplitude));
 }
 
-/// The number of each entry's levels in some fields, in first-seen order, and how many differ.
-std::pair<std::vector<std::uint32_t>, std::size_t> numbered(std::span<const PackedAmplitude> entries,
-                                                            std::uint64_t fields) {
-    std::vector<std::uint32_t> numbers(entries.size());
-    const Subkey levels(fields);
-    const std::size_t differing = with_key_index(levels.bits(), entries.size(), [&](auto& seen) {
-        for (std::size_t i = 0; i < entries.size(); ++i)
-            numbers[i] = static_cast<std::uint32_t>(seen.find_or_add(levels(entries[i].values)));
-        return seen.size();
-    });
-    return {std::move(numbers), differing};
-}
+/// The number of each entry's levels in some fields, in first-seen order.
+struct Numbering {
+    std::vector<std::uint32_t> of; ///< of each entry
+    std::size_t size;              ///< distinct ones
+
+    Numbering(std::span<const PackedAmplitude> entries, std::uint64_t fields) : of(entries.size()) {
+        const Subkey levels(fields);
+        size = with_key_index(levels.bits(), entries.size(), [&](auto& seen) {
+            for (std::size_t i = 0; i < entries.size(); ++i)
+                of[i] = static_cast<std::uint32_t>(seen.find_or_add(levels(entries[i].values)));
+            return seen.size();
+        });
+    }
+};
 
 std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries, std::uint64_t kept_fields,
                                        std::uint64_t traced_fields) {
-    const auto [kept, side] = numbered(entries, kept_fields);
+    const Numbering numbering(entries, kept_fields);
+    const std::vector<std::uint32_t>& kept = numbering.of;
+    const std::size_t side = numbering.size;
     const Partners partners(entries, traced_fields, side);
     const auto bits = static_cast<unsigned>(std::bit_width(side * side));
     return with_key_index(bits, entries.size(), [&](auto& seen) {
