@@ -160,8 +160,9 @@ std::optional<Sums> shared_out(std::span<const PackedAmplitude> entries, SlotLay
                 sums.add(values, share, 1);
                 continue;
             }
+            // Controls are on other qudits, so they hold for both partners or for neither.
             const Parts amplitude = parts_of(entries[(mine & ~sharing) - 1].amplitude);
-            sums.add(values, ((mine & sharing) != 0 ? shares.staying(amplitude) : amplitude) + share, 2);
+            sums.add(values, shares.staying(amplitude) + share, 2);
         }
     });
     return sums;

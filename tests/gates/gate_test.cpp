@@ -74,7 +74,9 @@ TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
         entries.push_back(
             {{{i % 4, 2}, {i / 4 % 3, 3}, {i / 12, 3}}, {1.0 / static_cast<double>(i + 1), 0.5}});
     for (int round = 0; round < 4; ++round) {
-        const bool repeated = round % 2 == 0;
+        const bool repeated = round % 2 != 0;
+        for (auto& entry : entries)
+            entry.dits[0].dimension = repeated ? 2 : 4;
         entries[20].dits[1].dimension = repeated ? 3 : 4;
         const auto act = [=](auto& state) {
             if (repeated) {
@@ -86,7 +88,7 @@ TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
             if (round < 2)
                 state.i_swap(1, 2, 0.3F, {});
             else
-                state.hadamard({1}, {});
+                state.hadamard({1}, {{2, 1, true}});
         };
         const auto state = Factory::make_unique_state({4, 3}, entries);
         reference::LiteralState literal({4, 3}, entries);
