@@ -60,9 +60,11 @@ World large() {
 /// The same with labels far apart.
 World scattered() {
     World world = large();
-    world.q.push_back(qudit_of(10));
-    vantel_shift(world.q.back().get(), 1.0F, nullptr, 0);
-    merge({world.q.front().get(), world.q.back().get()});
+    for (int i = 0; i < 2; ++i) {
+        world.q.push_back(qudit_of(10));
+        vantel_shift(world.q.back().get(), 1.0F, nullptr, 0);
+        merge({world.q.front().get(), world.q.back().get()});
+    }
     return world;
 }
 
