@@ -21,9 +21,9 @@ inline Handle qudit_of(int dimension) {
 
 /// Conditions that hold for any level, so that a call with them merges and selects all.
 inline std::vector<PredicateRecord> any_level(const std::vector<QuantumProperty*>& properties) {
-    std::vector<PredicateRecord> records;
-    for (QuantumProperty* const property : properties)
-        records.push_back({property, -1, 0});
+    std::vector<PredicateRecord> records(properties.size());
+    for (std::size_t i = 0; i < records.size(); ++i)
+        records[i] = {properties[i], -1, 0};
     return records;
 }
 
