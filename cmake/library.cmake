@@ -2,6 +2,7 @@
 
 add_library(vantel_objects OBJECT
     gates/clock.cpp
+    gates/complete_fourier.cpp
     gates/cycle.cpp
     gates/fractional_shift.cpp
     gates/fourier_sums.cpp

@@ -39,6 +39,13 @@ public:
         return rows_[v];
     }
 
+    /// The rows of all levels below the dimension.
+    const Row* all() {
+        for (std::uint64_t v = 0; v < dimension_; ++v)
+            from(v);
+        return rows_.data();
+    }
+
 private:
     [[gnu::noinline]] void work_out(std::uint64_t v) {
         Row& row = rows_[v];

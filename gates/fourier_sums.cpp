@@ -1,11 +1,11 @@
 #include "gates/fourier_sums.hpp"
 
-#include <array>
 #include <bit>
 #include <cmath>
-#include <type_traits>
 
+#include "gates/fourier_children.hpp"
 #include "gates/fourier_factors.hpp"
+#include "gates/small_dimension.hpp"
 #include "gates/words.hpp"
 #include "state/direct_reduction.hpp"
 #include "state/drop_threshold.hpp"
@@ -17,22 +17,6 @@ namespace vantel::qudit {
 namespace {
 
 using Members = std::span<const std::uint32_t>;
-
-/// Calls `use` with the dimension, as a constant where it is so small that a loop over it is worth unrolling.
-template <class Use> void with_dimension(std::uint64_t dimension, Use use) {
-    switch (dimension) {
-    case 2:
-        return use(std::integral_constant<std::uint64_t, 2>());
-    case 3:
-        return use(std::integral_constant<std::uint64_t, 3>());
-    case 4:
-        return use(std::integral_constant<std::uint64_t, 4>());
-    case 5:
-        return use(std::integral_constant<std::uint64_t, 5>());
-    default:
-        return use(dimension);
-    }
-}
 
 /// What the labels of a list have in common.
 struct Survey {
@@ -66,35 +50,6 @@ struct Survey {
         any = some;
         regular = odd == 0;
     }
-};
-
-/// The children of one entry, or their sums over several, two levels in one vector.
-class Children {
-public:
-    template <class Dimension>
-    Children(Dimension dimension, const FourierFactors::Row& row, Parts amplitude) {
-        const FourParts twice = __builtin_shufflevector(amplitude, amplitude, 0, 1, 0, 1);
-        const FourParts exchanged = __builtin_shufflevector(amplitude, amplitude, 1, 0, 1, 0);
-        for (std::uint64_t k = 0; k < dimension; k += 2)
-            pairs_[k / 2] = twice * *reinterpret_cast<const StoredFourParts*>(&row.real[k]) +
-                            exchanged * *reinterpret_cast<const StoredFourParts*>(&row.crossed[k]);
-    }
-
-    template <class Dimension> void add(const Children& others, Dimension dimension) {
-        for (std::uint64_t k = 0; k < dimension; k += 2)
-            pairs_[k / 2] += others.pairs_[k / 2];
-    }
-
-    template <class Dimension> void write(Parts* sums, Dimension dimension) const {
-        for (std::uint64_t k = 0; k < dimension; k += 2) {
-            sums[k] = __builtin_shufflevector(pairs_[k / 2], pairs_[k / 2], 0, 1);
-            if (k + 1 < dimension)
-                sums[k + 1] = __builtin_shufflevector(pairs_[k / 2], pairs_[k / 2], 2, 3);
-        }
-    }
-
-private:
-    std::array<FourParts, FourierFactors::levels / 2> pairs_;
 };
 
 } // namespace
@@ -223,6 +178,8 @@ std::optional<FourierSums> FourierSums::of(std::span<const PackedAmplitude> entr
     const std::uint64_t dimension = (dimensions >> position & layout.mask()) + 1;
     if (entries.size() * dimension <= few_children)
         return {};
+    if (std::optional<FourierSums> sums = of_complete(entries, layout, target, controls_hold, sign))
+        return sums;
     const Survey survey(entries, layout.mask() << position);
     if (!survey.regular)
         return {};
@@ -233,13 +190,17 @@ std::optional<FourierSums> FourierSums::of(std::span<const PackedAmplitude> entr
         sums.own_runs_.reset(new std::uint32_t[groups.bound() * dimension]);
     FourierFactors factors(dimension, sign);
     Builder(sums, entries, layout.mask(), controls_hold, factors).add_groups(groups);
-    if (!sums.is_uniform())
-        sums.holes_.reset(new std::uint32_t[sums.kept_]);
+    sums.prepare_writing();
     return sums;
 }
 
-/// Calls `visit(values, sum, group)` for each sum by its position, ascending by label.
-template <class Visit> void FourierSums::for_each_sum(Visit visit) const noexcept {
+void FourierSums::prepare_writing() {
+    if (!is_uniform())
+        holes_.reset(new std::uint32_t[kept_]);
+}
+
+/// Calls `visit(k, begin, end)` for the k-th sums of neighbouring groups, all sums ascending by label.
+template <class Visit> void FourierSums::for_each_stretch(Visit visit) const noexcept {
     // Copies that no store to an entry can be thought to change.
     const std::uint64_t* const others = others_.get();
     const std::uint64_t dimension = dimension_;
@@ -251,30 +212,46 @@ template <class Visit> void FourierSums::for_each_sum(Visit visit) const noexcep
         while (end < groups && others[end] >> position == above)
             ++end;
         for (std::uint64_t k = 0; k < dimension; ++k)
-            for (std::size_t group = begin; group < end; ++group)
-                visit(others[group] | k << position, group * dimension + k, group);
+            visit(k, begin, end);
     }
 }
 
 void FourierSums::write(std::span<PackedAmplitude> list) const noexcept {
     // What counts along is part of the visitors, where no store to an entry can be thought to change it.
-    if (is_uniform()) {
-        for_each_sum(
-            [order = UniformReduction(kept_, run_of_all_), sums = sums_.get(), dimensions = dimensions_,
-             entries = list.data()](std::uint64_t values, std::size_t sum, std::size_t /*group*/) mutable {
-                PackedAmplitude& entry = entries[order.next()];
-                entry.values = values;
-                entry.dimensions = dimensions;
-                store(sums[sum], entry.amplitude);
-            });
-        return;
-    }
-    for_each_sum(
-        [reduction = DirectReduction(list, dimensions_, holes_.get()), sums = sums_.get(), runs = runs_.get(),
-         own_runs = own_runs_.get()](std::uint64_t values, std::size_t sum, std::size_t group) mutable {
-            const std::uint32_t run = runs[group] != 0 ? runs[group] : own_runs[sum];
-            if (run != 0)
-                reduction.add(values, sums[sum], run);
+    const auto write_sum = [sums = sums_.get(), others = others_.get(), dimensions = dimensions_,
+                            dimension = dimension_, position = position_, entries = list.data()](
+                               std::size_t place, std::uint64_t k, std::size_t group) {
+        PackedAmplitude& entry = entries[place];
+        entry.values = others[group] | k << position;
+        entry.dimensions = dimensions;
+        store(sums[group * dimension + k], entry.amplitude);
+    };
+    if (is_uniform())
+        for_each_stretch([order = UniformReduction(kept_, run_of_all_), write_sum](
+                             std::uint64_t k, std::size_t begin, std::size_t end) mutable {
+            order.take(end - begin,
+                       [=](std::size_t i, std::size_t place) { write_sum(place, k, begin + i); });
+        });
+    else if (is_full())
+        for_each_stretch([order = FullReduction(kept_, holes_.get()), write_sum, runs = runs_.get(),
+                          own_runs = own_runs_.get(), dimension = dimension_](
+                             std::uint64_t k, std::size_t begin, std::size_t end) mutable {
+            for (std::size_t group = begin; group < end; ++group) {
+                const std::uint32_t run = runs[group];
+                write_sum(order.next(run != 0 ? run : own_runs[group * dimension + k]), k, group);
+            }
+        });
+    else
+        for_each_stretch([reduction = DirectReduction(list, dimensions_, holes_.get()), sums = sums_.get(),
+                          others = others_.get(), runs = runs_.get(), own_runs = own_runs_.get(),
+                          dimension = dimension_, position = position_](std::uint64_t k, std::size_t begin,
+                                                                        std::size_t end) mutable {
+            for (std::size_t group = begin; group < end; ++group) {
+                const std::size_t sum = group * dimension + k;
+                const std::uint32_t run = runs[group] != 0 ? runs[group] : own_runs[sum];
+                if (run != 0)
+                    reduction.add(others[group] | k << position, sums[sum], run);
+            }
         });
 }
 

@@ -34,14 +34,20 @@ public:
 private:
     class Builder;
 
+    /// The same for a list of more than a few entries; nothing where some combination of levels is missing
+    /// or occurs more than once.
+    static std::optional<FourierSums> of_complete(std::span<const PackedAmplitude> entries, SlotLayout layout,
+                                                  int target, const ControlTest& controls_hold, double sign);
+
     FourierSums(std::size_t most_groups, std::uint64_t dimension, unsigned position,
                 std::uint64_t dimensions);
 
-    /// Whether every sum is of as many children and stays.
-    [[nodiscard]] bool is_uniform() const noexcept {
-        return run_of_all_ != 0 && kept_ == groups_ * dimension_;
-    }
-    template <class Visit> void for_each_sum(Visit visit) const noexcept;
+    /// Whether every group has all its sums, and all stay.
+    [[nodiscard]] bool is_full() const noexcept { return kept_ == groups_ * dimension_; }
+    /// Whether they are of as many children each, besides.
+    [[nodiscard]] bool is_uniform() const noexcept { return run_of_all_ != 0 && is_full(); }
+    void prepare_writing();
+    template <class Visit> void for_each_stretch(Visit visit) const noexcept;
 
     std::uint64_t dimension_; ///< of the target
     unsigned position_;
@@ -51,7 +57,7 @@ private:
     std::uint32_t run_of_all_ = 0; ///< of how many children every sum is; 0 if their numbers differ
     std::unique_ptr<std::uint64_t[]> others_;   ///< of each group, the levels of all qudits but the target
     std::unique_ptr<std::uint32_t[]> runs_;     ///< of how many children each sum of a group is; 0 where
-                                                ///< the controls leave the group out
+                                                ///< that differs, as the controls leave the group out
     std::unique_ptr<Parts[]> sums_;             ///< d of each group
     std::unique_ptr<std::uint32_t[]> holes_;    ///< scratch of write(); none where all sums have one order
     std::unique_ptr<std::uint32_t[]> own_runs_; ///< of how many entries each sum of such a group is

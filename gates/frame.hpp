@@ -36,7 +36,7 @@ public:
 
     /// Calls `loop(entries, holds)` as a wide_loop, where holds(values) is the cheapest form of mask() that
     /// has the same answers.
-    template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
+    template <class Entry, class Loop> void walk(std::span<Entry> entries, Loop loop) const {
         const auto run = [&](const auto& holds) { wide_loop([&] { loop(entries, holds); }); };
         if (refusals_ > 1)
             run([&all = *this](auto values) { return all.mask(values); });

@@ -1,10 +1,10 @@
 /// The direct form of `reduce`, for whoever knows the sums already.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <utility>
 
 #include "state/basis_amplitude.hpp"
 #include "state/drop_threshold.hpp"
@@ -33,17 +33,29 @@ public:
 
     /// Adds a sum that exceeds the threshold by its place in the sorted list, likewise in ascending order.
     void keep(std::uint64_t values, Parts amplitude, std::size_t place) noexcept {
-        for (const std::size_t end = place < size_ ? place : size_; covered_ < end; ++covered_)
+        if (place < size_) {
+            note_holes_before(place);
+            covered_ = place + 1;
+            write(values, amplitude, place);
+        } else {
+            note_holes_before(size_);
+            write(values, amplitude, holes_[--hole_count_]);
+        }
+    }
+
+private:
+    void note_holes_before(std::size_t end) noexcept {
+        for (; covered_ < end; ++covered_)
             holes_[hole_count_++] = static_cast<std::uint32_t>(covered_);
-        const bool stays = place < size_;
-        covered_ += stays ? 1 : 0;
-        PackedAmplitude& entry = list_[stays ? place : holes_[--hole_count_]];
+    }
+
+    void write(std::uint64_t values, Parts amplitude, std::size_t place) noexcept {
+        PackedAmplitude& entry = list_[place];
         entry.values = values;
         entry.dimensions = dimensions_;
         store(amplitude, entry.amplitude);
     }
 
-private:
     PackedAmplitude* list_;
     std::size_t size_;
     std::uint64_t dimensions_;
@@ -53,25 +65,54 @@ private:
     std::size_t length_ = 0;  ///< of the sorted list up to now
 };
 
+/// DirectReduction where no sum is dropped.
+class FullReduction {
+public:
+    FullReduction(std::size_t sums, std::uint32_t* holes) noexcept : size_(sums), holes_(holes) {}
+
+    /// The place of the next sum, ascending by label, which is of `run` equal labels.
+    std::size_t next(std::size_t run) noexcept {
+        std::size_t hole = length_;
+        length_ += run;
+        const std::size_t place = length_ - 1;
+        if (place < size_) {
+            for (; hole < place; ++hole)
+                holes_[hole_count_++] = static_cast<std::uint32_t>(hole);
+            return place;
+        }
+        for (; hole < size_; ++hole)
+            holes_[hole_count_++] = static_cast<std::uint32_t>(hole);
+        return holes_[--hole_count_];
+    }
+
+private:
+    std::size_t size_;
+    std::uint32_t* holes_; ///< as in DirectReduction
+    std::size_t hole_count_ = 0;
+    std::size_t length_ = 0; ///< of the sorted list up to now
+};
+
 /// The places that DirectReduction gives, where every sum is of `run` labels and none is dropped.
 class UniformReduction {
 public:
     UniformReduction(std::size_t sums, std::size_t run) noexcept
         : run_(run), staying_(sums / run), place_(run - 1), holes_left_(sums % run) {}
 
-    /// The place of the next sum, ascending by label.
-    std::size_t next() noexcept {
-        if (staying_ > 0) {
-            --staying_;
-            return std::exchange(place_, place_ + run_);
-        }
+    /// Calls `use(i, place)` for the next `count` sums, ascending by label.
+    template <class Use> void take(std::size_t count, Use use) noexcept {
+        std::size_t i = 0;
+        for (const std::size_t staying = std::min(count, staying_); i < staying; ++i, place_ += run_)
+            use(i, place_);
+        staying_ -= i;
         // Backwards through the holes: the tail that is no whole run, and then one run before another.
-        while (holes_left_ == 0) {
-            place_ -= run_;
-            holes_left_ = run_ - 1;
+        for (; i < count; ++i) {
+            while (holes_left_ == 0) {
+                place_ -= run_;
+                holes_left_ = run_ - 1;
+            }
+            --holes_left_;
+            use(i, place_ + 1 - run_ + holes_left_);
         }
-        --holes_left_;
-        return place_ + 1 - run_ + holes_left_;
     }
 
 private:

@@ -24,6 +24,7 @@ public:
         : bits_(layout.bits) {
         while (bits_ + layout.bits <= 12 && std::size_t{16} << (bits_ + layout.bits) <= labels)
             bits_ += layout.bits;
+        tables_.reserve(std::min(qudits.size(), chunks_.size()));
         for (std::size_t i = 0; i < qudits.size(); ++i) {
             const unsigned position = layout.position(qudits[i]);
             const Chunk& chunk = chunk_of(position);
@@ -45,6 +46,13 @@ public:
         for (unsigned i = 2; i < count_; ++i)
             rank += chunks_[i](values);
         return rank;
+    }
+
+    /// Calls `use` with the cheapest function that gives the same numbers.
+    template <class Use> void cheapest(Use use) const {
+        if (count_ > 2)
+            return use([this](std::uint64_t values) { return (*this)(values); });
+        use([low = chunks_[0], high = chunks_[1]](std::uint64_t values) { return low(values) + high(values); });
     }
 
 private:
@@ -77,10 +85,13 @@ private:
 
     void add_levels(const Chunk& chunk, unsigned position, SlotLayout layout, std::uint64_t dimension) {
         std::vector<std::uint64_t>& ranks = tables_[static_cast<std::size_t>(&chunk - chunks_.data())];
-        for (std::size_t fields = 0; fields < ranks.size(); ++fields) {
-            const std::uint64_t level = fields >> position & layout.mask();
-            ranks[fields] += level < dimension ? level * stride_ : none;
-        }
+        for (std::size_t block = 0; block < ranks.size(); block += std::size_t{1} << (position + layout.bits))
+            for (std::uint64_t level = 1; level <= layout.mask(); ++level) {
+                const std::uint64_t added = level < dimension ? level * stride_ : none;
+                const std::size_t begin = block + (level << position);
+                for (std::size_t fields = begin; fields < begin + (std::size_t{1} << position); ++fields)
+                    ranks[fields] += added;
+            }
     }
 
     unsigned bits_; ///< of a chunk, a whole number of fields

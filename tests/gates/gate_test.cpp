@@ -104,5 +104,48 @@ TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
                              reference::tensor_product(literal, literal).basis_amplitudes()));
 }
 
+TEST(Gates, TransformListsOfAllCombinationsAsTheLiteralModelDoes) {
+    const Levels dimensions{2, 3, 4, 5};
+    enum { plain, dropping, infinite, repeated, beyond, kinds };
+    for (int kind = 0; kind < kinds; ++kind) {
+        std::vector<Term> terms;
+        for (std::uint64_t i = 0; i < 120; ++i) {
+            const std::uint64_t rank = 49 * i % 120;
+            const double x = kind == dropping ? 0.25 : std::sin(static_cast<double>(i));
+            terms.push_back({{rank % 2, rank / 2 % 3, rank / 6 % 4, rank / 24}, {x, 1 - x}});
+        }
+        if (kind == infinite) {
+            terms[17].amplitude = {std::numeric_limits<double>::infinity(), std::nan("")};
+            terms[58].amplitude = {0.5, -std::numeric_limits<double>::infinity()};
+        }
+        Entries entries = entries_of(dimensions, terms);
+        // As many entries as combinations, but a step up makes one of two labels.
+        if (kind == repeated)
+            for (Entry& entry : entries)
+                entry.dits[1].value += entry.dits[1].value == 2 ? 1 : 0;
+        // A slot of one level, in which a level beyond it stands.
+        if (kind == beyond)
+            for (Entry& entry : entries)
+                entry.dits.push_back({entry.dits[3].value == 1 ? 1U : 0U, 1});
+        for (int target = 0; target < 4; ++target)
+            for (const std::vector<Predicate>& controls :
+                 {std::vector<Predicate>{}, {{(target + 1) % 4, 1, true}}, {{(target + 3) % 4, 0, false}}}) {
+                const auto act = [&](auto& state) {
+                    if (kind == repeated)
+                        state.cycle({1}, {});
+                    state.hadamard({target}, controls);
+                    state.inverse_hadamard({target}, controls);
+                };
+                const Factory::BasisConfig config{5, entries.front().dits.size()};
+                const auto state = Factory::make_unique_state(config, entries);
+                reference::LiteralState literal({config.dim, config.num_qudits}, entries);
+                act(*state);
+                act(literal);
+                EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes()))
+                    << kind << " " << target << " " << controls.size();
+            }
+    }
+}
+
 } // namespace
 } // namespace vantel::testing
