@@ -25,6 +25,7 @@ add_library(vantel_objects OBJECT
     readout/measure.cpp
     readout/probabilities.cpp
     readout/reduced_density_matrix.cpp
+    state/complete_list.cpp
     state/distinct_labels.cpp
     state/dit_array.cpp
     state/exceptions.cpp

@@ -2,82 +2,18 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vector>
 
 #include "gates/fourier_children.hpp"
 #include "gates/fourier_factors.hpp"
 #include "gates/fourier_sums.hpp"
-#include "gates/small_dimension.hpp"
+#include "state/complete_list.hpp"
 #include "state/drop_threshold.hpp"
-#include "state/level_rank.hpp"
-#include "state/limits.hpp"
+#include "state/small_dimension.hpp"
 #include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
 
 namespace {
-
-/// Where each label of a list stands that has every combination of levels once, all of the same dimensions.
-class CompleteList {
-public:
-    CompleteList(std::span<const PackedAmplitude> entries, SlotLayout layout, unsigned target) {
-        const std::uint64_t dimensions = entries.front().dimensions;
-        std::vector<int> qudits;
-        std::vector<std::uint64_t> levels;
-        std::uint64_t fields = 0;
-        for (const bool is_target : {true, false})
-            for (int qudit = 0; qudit < MAX_QUDIT_NUM; ++qudit) {
-                const unsigned position = layout.position(qudit);
-                const std::uint64_t top = dimensions >> position & layout.mask();
-                if (top == 0 || (position == target) != is_target)
-                    continue;
-                qudits.push_back(qudit);
-                levels.push_back(top + 1);
-                fields |= layout.mask() << position;
-            }
-        const LevelRank rank(layout, qudits, levels, entries.size());
-        if (rank.size() == entries.size())
-            note_positions(entries, dimensions, fields, rank);
-    }
-
-    /// The positions in the list, counted from 1. They are ordered by the levels of all qudits but the target,
-    /// as labels are, and then by the target's, so that a group's are neighbours. None where the list is
-    /// not complete.
-    [[nodiscard]] std::span<const std::uint32_t> positions() const noexcept { return positions_; }
-
-private:
-    void note_positions(std::span<const PackedAmplitude> entries, std::uint64_t dimensions,
-                        std::uint64_t fields, const LevelRank& rank) {
-        positions_.resize(entries.size());
-        bool complete = true;
-        rank.cheapest([&](const auto& rank_of) {
-            wide_loop([&] {
-                const auto own_rank_of = rank_of; // copies that no store to a position can be thought to change
-                std::uint32_t* const positions = positions_.data();
-                const std::size_t size = entries.size();
-                const std::uint64_t expected = dimensions;
-                std::uint32_t taken = 0;
-                std::uint64_t any = 0;
-                std::uint32_t position = 0;
-                for (const PackedAmplitude& entry : entries) {
-                    const std::uint64_t r = own_rank_of(entry.values);
-                    if (r >= size || entry.dimensions != expected) [[unlikely]] {
-                        complete = false;
-                        return;
-                    }
-                    any |= entry.values;
-                    taken |= positions[r];
-                    positions[r] = ++position;
-                }
-                complete = taken == 0 && (any & ~fields) == 0;
-            });
-        });
-        if (!complete)
-            positions_.clear();
-    }
-
-    std::vector<std::uint32_t> positions_;
-};
 
 /// A group's entries, by level and in stored order.
 template <std::uint64_t d> class Members {
@@ -146,7 +82,7 @@ std::optional<FourierSums> FourierSums::of_complete(std::span<const PackedAmplit
     const std::uint64_t dimension = (dimensions >> position & layout.mask()) + 1;
     if (dimension < 2 || dimension > SMALL_DIMENSION)
         return {};
-    const CompleteList complete(entries, layout, position);
+    const CompleteList complete(entries, layout, std::array{target});
     if (complete.positions().empty())
         return {};
 

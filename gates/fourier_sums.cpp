@@ -5,7 +5,7 @@
 
 #include "gates/fourier_children.hpp"
 #include "gates/fourier_factors.hpp"
-#include "gates/small_dimension.hpp"
+#include "state/small_dimension.hpp"
 #include "gates/words.hpp"
 #include "state/direct_reduction.hpp"
 #include "state/drop_threshold.hpp"

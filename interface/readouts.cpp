@@ -129,7 +129,8 @@ int vantel_reduced_density_matrix(QuantumProperty** properties, size_t property_
     if (side <= 256 && is_close_to(entries.size(), side * side)) {
         const std::uint64_t listed_fields = fields_of(source.layout, source.indices);
         const std::uint64_t all = all_fields(source.layout, static_cast<int>(source.state->num_qudits()));
-        const RankedMatrix matrix = ranked_density_matrix(entries, all & ~listed_fields, rank);
+        const RankedMatrix matrix =
+            ranked_density_matrix(entries, source.layout, source.indices, rank, all & ~listed_fields);
         for (std::size_t place = 0; place < output_size; ++place)
             write(place, matrix.reached[place] != 0 ? matrix.elements[place] : 0.0);
         return vantel_ok;

@@ -29,9 +29,10 @@ struct RankedMatrix {
     std::vector<std::uint8_t> reached;          ///< of each, whether any pair of entries contributes to it
 };
 
+/// @param rank    of the listed qudits' levels
 /// @param traced  the fields of all qudits that are not listed
 /// @throws std::bad_alloc
-RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, std::uint64_t traced,
-                                   const LevelRank& rank);
+RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, SlotLayout layout,
+                                   std::span<const int> listed, const LevelRank& rank, std::uint64_t traced);
 
 } // namespace vantel::qudit

@@ -7,10 +7,12 @@
 #include "readout/levels.hpp"
 #include "readout/ranked.hpp"
 #include "state/builds.hpp"
+#include "state/complete_list.hpp"
 #include "state/field_groups.hpp"
 #include "state/key_index.hpp"
 #include "state/packed_view.hpp"
 #include "state/product.hpp"
+#include "state/small_dimension.hpp"
 #include "state/state.hpp"
 #include "state/subkey.hpp"
 #include "state/wide_loop.hpp"
@@ -118,14 +120,69 @@ void add_up(RankedMatrix& matrix, std::span<const PackedAmplitude> entries, cons
     });
 }
 
+/// Adds to the sums of a row the products of one entry with the conjugates of a whole group, two at a time.
+template <class Side>
+void add_row(std::complex<double>* row, Parts amplitude, std::span<const PackedAmplitude> entries,
+             const std::uint32_t* positions, Side side) {
+    const FourParts real = __builtin_shufflevector(amplitude, amplitude, 0, 0, 0, 0);
+    const Parts imaginary = negated<0>(__builtin_shufflevector(amplitude, amplitude, 1, 1));
+    const FourParts crossed = __builtin_shufflevector(imaginary, imaginary, 0, 1, 0, 1);
+    const auto conjugate_at = [&](std::size_t column) {
+        return conjugate(entries[positions[column] - 1].amplitude);
+    };
+    std::size_t column = 0;
+    for (; column + 2 <= side; column += 2) {
+        const FourParts both =
+            __builtin_shufflevector(conjugate_at(column), conjugate_at(column + 1), 0, 1, 2, 3);
+        *reinterpret_cast<StoredFourParts*>(&row[column]) +=
+            both * real + __builtin_shufflevector(both, both, 1, 0, 3, 2) * crossed;
+    }
+    if (column < side)
+        store(parts_of(row[column]) + Factor(amplitude).unrecovered(conjugate_at(column)), row[column]);
+}
+
+/// The same sums as add_up() forms, for a list in which each entry's partners have all levels.
+void add_up_complete(RankedMatrix& matrix, std::span<const PackedAmplitude> entries,
+                     const CompleteList& complete, std::size_t side) {
+    std::fill(matrix.elements.begin(), matrix.elements.end(), std::complex<double>(-0.0, -0.0));
+    std::fill(matrix.reached.begin(), matrix.reached.end(), 1);
+    complete.rank().cheapest([&](const auto& rank) {
+        with_dimension(side, [&](auto columns) {
+            wide_loop([entries, rank, columns, elements = matrix.elements.data(),
+                       positions = complete.positions().data()] {
+                // Copies that no store to an element can be thought to change.
+                const auto place_of = rank;
+                for (const PackedAmplitude& entry : entries) {
+                    const std::size_t place = place_of(entry.values);
+                    const std::size_t row = place % columns;
+                    add_row(elements + row * columns, parts_of(entry.amplitude), entries,
+                            positions + (place - row), columns);
+                }
+            });
+        });
+    });
+}
+
+bool has_nan(const RankedMatrix& matrix) {
+    return std::any_of(matrix.elements.begin(), matrix.elements.end(), [](const std::complex<double>& element) {
+        return std::isnan(element.real()) || std::isnan(element.imag());
+    });
+}
+
 } // namespace
 
-RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, std::uint64_t traced_fields,
-                                   const LevelRank& rank) {
+RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, SlotLayout layout,
+                                   std::span<const int> listed, const LevelRank& rank, std::uint64_t traced) {
     const std::size_t side = rank.size();
     RankedMatrix matrix{std::vector<std::complex<double>>(side * side),
                         std::vector<std::uint8_t>(side * side, 0)};
-    const Partners partners(entries, traced_fields, side);
+    const CompleteList complete(entries, layout, listed);
+    if (!complete.positions().empty()) {
+        add_up_complete(matrix, entries, complete, side);
+        if (!has_nan(matrix))
+            return matrix;
+    }
+    const Partners partners(entries, traced, side);
     // A label with a level beyond its dimension has the rank behind the last.
     std::vector<std::uint32_t> ranks(entries.size());
     std::transform(entries.begin(), entries.end(), ranks.begin(), [&](const PackedAmplitude& entry) {
@@ -134,9 +191,7 @@ RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, std
     add_up(matrix, entries, partners, ranks, side,
            [](const Factor& factor, Parts number) { return factor.unrecovered(number); });
     // A product with an infinity to recover leaves NaN.
-    if (std::any_of(matrix.elements.begin(), matrix.elements.end(), [](const std::complex<double>& element) {
-            return std::isnan(element.real()) || std::isnan(element.imag());
-        }))
+    if (has_nan(matrix))
         add_up(matrix, entries, partners, ranks, side,
                [](const Factor& factor, Parts number) { return factor(number); });
     return matrix;
