@@ -94,13 +94,17 @@ std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries,
     });
 }
 
+/// A sum that starts from negative zero has the bits of its first product.
+void clear(RankedMatrix& matrix) {
+    std::fill(matrix.elements.begin(), matrix.elements.end(), std::complex<double>(-0.0, -0.0));
+}
+
 /// Adds up all products by row and column; what is beyond the last of either is left out.
 /// @param times  times(factor, conjugate) is the product
 template <class Times>
 void add_up(RankedMatrix& matrix, std::span<const PackedAmplitude> entries, const Partners& partners,
             std::span<const std::uint32_t> ranks, std::size_t side, Times times) {
-    // A sum that starts from negative zero has the bits of its first product.
-    std::fill(matrix.elements.begin(), matrix.elements.end(), std::complex<double>(-0.0, -0.0));
+    clear(matrix);
     wide_loop([&matrix, entries, &partners, ranks, side, times] {
         for (std::size_t a = 0; a < entries.size(); ++a) {
             if (ranks[a] == side)
@@ -144,7 +148,7 @@ void add_row(std::complex<double>* row, Parts amplitude, std::span<const PackedA
 /// The same sums as add_up() forms, for a list in which each entry's partners have all levels.
 void add_up_complete(RankedMatrix& matrix, std::span<const PackedAmplitude> entries,
                      const CompleteList& complete, std::size_t side) {
-    std::fill(matrix.elements.begin(), matrix.elements.end(), std::complex<double>(-0.0, -0.0));
+    clear(matrix);
     std::fill(matrix.reached.begin(), matrix.reached.end(), 1);
     complete.rank().cheapest([&](const auto& rank) {
         with_dimension(side, [&](auto columns) {
