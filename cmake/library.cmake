@@ -1,6 +1,7 @@
 # The library: one set of objects for the shared library and for the unit tests.
 
 add_library(vantel_objects OBJECT
+    gates/act.cpp
     gates/clock.cpp
     gates/complete_fourier.cpp
     gates/cycle.cpp

@@ -3,9 +3,7 @@
 #include <complex>
 
 #include "gates/frame.hpp"
-#include "state/builds.hpp"
-#include "state/packed_view.hpp"
-#include "state/state.hpp"
+#include "gates/kernels.hpp"
 
 namespace vantel::qudit {
 
@@ -75,12 +73,11 @@ template <class Steps> struct Turning {
 
 /// Multiplies each selected amplitude by phase(d, steps(v)), target by target.
 template <class Steps>
-void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<int>& targets,
-          const std::vector<Predicate>& controls, Steps steps) {
+void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate, Steps steps) {
     if (entries.empty())
         return;
-    const ControlTest controls_hold(controls, layout);
-    for (const int target : targets) {
+    const ControlTest controls_hold(gate.controls, layout);
+    for (const int target : gate.targets) {
         const unsigned position = layout.position(target);
         const std::uint64_t field = layout.mask() << position;
         const std::uint64_t top = entries.front().dimensions & field;
@@ -93,18 +90,15 @@ void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vect
 
 // Neither form ends with the guard that every other gate has: a list over the limit passes. That is meant.
 
-template <class Label> void State<Label>::clock(std::vector<int> targets, std::vector<Predicate> controls) {
-    refuse_overlap(targets, controls, "Clock operation has overlapping targets and controls");
-    turn(packed_view(amplitudes), Label::layout, targets, controls, WholeSteps{});
+void turn_levels(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& clock) {
+    refuse_overlap(clock, "Clock operation has overlapping targets and controls");
+    turn(entries, layout, clock, WholeSteps{});
 }
 
-template <class Label>
-void State<Label>::clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
-    refuse_overlap(targets, controls, "Fractional Clock operation has overlapped targets and controls");
-    turn(packed_view(amplitudes), Label::layout, targets, controls, FractionalSteps{fraction});
+void turn_levels_in_part(std::span<PackedAmplitude> entries, SlotLayout layout,
+                         const Gate& fractional_clock) {
+    refuse_overlap(fractional_clock, "Fractional Clock operation has overlapped targets and controls");
+    turn(entries, layout, fractional_clock, FractionalSteps{fractional_clock.number});
 }
-
-VANTEL_INSTANTIATE(void, clock, (std::vector<int>, std::vector<Predicate>))
-VANTEL_INSTANTIATE(void, clock, (std::vector<int>, float, std::vector<Predicate>))
 
 } // namespace vantel::qudit

@@ -17,8 +17,8 @@ public:
     }
 
     /// What a word differs in, bit by bit, from itself with the two fields exchanged; 0 if they are equal.
-    /// For one word or for two.
-    template <class Word> [[nodiscard]] Word difference(Word word) const noexcept {
+    /// For one word or for several.
+    template <class Word> [[nodiscard, gnu::always_inline]] Word difference(Word word) const noexcept {
         const Word low = (word ^ word >> distance_) & low_field_;
         return low | low << distance_;
     }

@@ -27,7 +27,7 @@ public:
     };
 
     FourierFactors(std::uint64_t dimension, double sign)
-        : dimension_(dimension), scale_(1.0 / std::sqrt(static_cast<double>(dimension))),
+        : dimension_(dimension), scale_(1.0 / std::sqrt(number(dimension))),
           unit_((sign + sign) * 3.141592653589793) {}
 
     [[nodiscard]] std::uint64_t dimension() const noexcept { return dimension_; }
@@ -50,9 +50,8 @@ private:
     [[gnu::noinline]] void work_out(std::uint64_t v) {
         Row& row = rows_[v];
         for (std::uint64_t k = 0; k < dimension_; ++k) {
-            const double theta = unit_ * static_cast<double>(dimension_ - k) * static_cast<double>(v) /
-                                 static_cast<double>(dimension_);
-            const Factor factor = factor_of(theta, (dimension_ - k) * v);
+            const double theta = unit_ * number(dimension_ - k) * number(v) / number(dimension_);
+            const Factor factor(factor_of(theta, (dimension_ - k) * v));
             row.real[k] = factor.real();
             row.crossed[k] = factor.crossed();
         }
@@ -62,18 +61,22 @@ private:
     }
 
     /// Angles of the same whole number of steps are mostly equal, and then are not worked out again.
-    Factor factor_of(double theta, std::uint64_t steps) {
+    Parts factor_of(double theta, std::uint64_t steps) {
         Angle& angle = angles_[steps];
         if (!seen_[steps] || angle.theta != theta) {
-            angle = {theta, Factor({scale_ * std::cos(theta), scale_ * std::sin(theta)})};
+            angle.theta = theta;
+            angle.factor = Parts{scale_ * std::cos(theta), scale_ * std::sin(theta)};
             seen_[steps] = true;
         }
         return angle.factor;
     }
 
+    /// A count of levels, which a signed conversion takes at once.
+    static double number(std::uint64_t count) { return static_cast<double>(static_cast<int>(count)); }
+
     struct Angle {
+        Parts factor;
         double theta;
-        Factor factor;
     };
 
     std::uint64_t dimension_;

@@ -1,5 +1,7 @@
 #include "gates/frame.hpp"
+#include "gates/kernels.hpp"
 #include "state/builds.hpp"
+#include "state/packed_view.hpp"
 #include "state/state.hpp"
 
 namespace vantel::qudit {
@@ -8,25 +10,17 @@ namespace vantel::qudit {
 // apart. The three steps are whole gates: where the first leaves a list over the limit, the state stays in
 // the Fourier basis. That is meant.
 
-template <class Label>
-void State<Label>::shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
-    refuse_overlap(targets, controls, "Fractional shift operation has overlap targets and controls");
-    hadamard(targets, controls);
-    clock(targets, fraction, controls);
-    inverse_hadamard(std::move(targets), std::move(controls));
-    guard_size(amplitudes.size());
+template <class Label> void State<Label>::step_in_part(const Gate& gate) {
+    const bool raises = gate.kind == Gate::fractional_cycle;
+    refuse_overlap(gate, raises ? "Fractional cycle operation has overlapping targets and controls"
+                                : "Fractional shift operation has overlap targets and controls");
+    const float fraction = raises ? -gate.number : gate.number;
+    transform(gate, +1.0);
+    turn_levels_in_part(packed_view(amplitudes), Label::layout,
+                        {Gate::fractional_clock, fraction, gate.targets, gate.controls});
+    transform(gate, -1.0);
 }
 
-template <class Label>
-void State<Label>::cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
-    refuse_overlap(targets, controls, "Fractional cycle operation has overlapping targets and controls");
-    hadamard(targets, controls);
-    clock(targets, -fraction, controls);
-    inverse_hadamard(std::move(targets), std::move(controls));
-    guard_size(amplitudes.size());
-}
-
-VANTEL_INSTANTIATE(void, shift, (std::vector<int>, float, std::vector<Predicate>))
-VANTEL_INSTANTIATE(void, cycle, (std::vector<int>, float, std::vector<Predicate>))
+VANTEL_INSTANTIATE(void, step_in_part, (const Gate&))
 
 } // namespace vantel::qudit

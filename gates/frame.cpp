@@ -7,7 +7,7 @@
 
 namespace vantel::qudit {
 
-ControlTest::ControlTest(const std::vector<Predicate>& controls, SlotLayout layout) noexcept
+ControlTest::ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept
     : field_(layout.mask()) {
     for (const Predicate& control : controls) {
         if (control.is_equal)
@@ -43,11 +43,8 @@ void ControlTest::refuse(unsigned position, std::int64_t level) noexcept {
         refused_[refusals_++] = refusal;
 }
 
-void refuse_overlap(std::span<const int> targets, const std::vector<Predicate>& controls, const char* text) {
-    for (const int target : targets)
-        for (const Predicate& control : controls)
-            if (control.qudit_index == target)
-                throw TargetControlOverlap(text);
+void raise_overlap(const char* text) {
+    throw TargetControlOverlap(text);
 }
 
 void guard_size(std::size_t entries, const char* text) {

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "gates/words.hpp"
 #include "state/istate.hpp"
@@ -18,7 +17,7 @@ namespace vantel::qudit {
 /// must be equal are one masked comparison, and each level that a qudit must not have is one more.
 class ControlTest {
 public:
-    ControlTest(const std::vector<Predicate>& controls, SlotLayout layout) noexcept;
+    ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept;
 
     /// Whether there are no controls, so that they hold for every label.
     [[nodiscard]] bool is_empty() const noexcept { return fields_ == 0 && wanted_ == 0 && refusals_ == 0; }
@@ -26,8 +25,8 @@ public:
     /// Whether every control holds for a label of these levels.
     [[nodiscard]] bool operator()(std::uint64_t values) const noexcept { return mask(values) != 0; }
 
-    /// The same as a mask, for one word of levels or for two: all bits set where every control holds.
-    template <class Word> [[nodiscard]] Word mask(Word values) const noexcept {
+    /// The same as a mask, for one word of levels or for several: all bits set where every control holds.
+    template <class Word> [[nodiscard, gnu::always_inline]] Word mask(Word values) const noexcept {
         Word holds = equal(values & fields_, wanted_);
         for (unsigned i = 0; i < refusals_; ++i)
             holds &= ~equal(values & refused_[i].field, refused_[i].level);
@@ -39,15 +38,13 @@ public:
     template <class Entry, class Loop> void walk(std::span<Entry> entries, Loop loop) const {
         const auto run = [&](const auto& holds) { wide_loop([&] { loop(entries, holds); }); };
         if (refusals_ > 1)
-            run([&all = *this](auto values) { return all.mask(values); });
+            run(All{*this});
         else if (refusals_ == 1)
-            run([fields = fields_, wanted = wanted_, refused = refused_[0]](auto values) {
-                return equal(values & fields, wanted) & ~equal(values & refused.field, refused.level);
-            });
+            run(WantedAndOneRefused{{fields_, wanted_}, refused_[0]});
         else if (is_empty())
-            run([](auto values) { return ~(values ^ values); });
+            run(Any{});
         else
-            run([fields = fields_, wanted = wanted_](auto values) { return equal(values & fields, wanted); });
+            run(Wanted{fields_, wanted_});
     }
 
 private:
@@ -55,6 +52,38 @@ private:
     struct Refusal {
         std::uint64_t field;
         std::uint64_t level;
+    };
+
+    struct All {
+        const ControlTest& test;
+
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
+            return test.mask(values);
+        }
+    };
+
+    struct Any {
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
+            return ~(values ^ values);
+        }
+    };
+
+    struct Wanted {
+        std::uint64_t fields;
+        std::uint64_t wanted;
+
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
+            return equal(values & fields, wanted);
+        }
+    };
+
+    struct WantedAndOneRefused {
+        Wanted others;
+        Refusal refused;
+
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
+            return others(values) & ~equal(values & refused.field, refused.level);
+        }
     };
 
     void require(unsigned position, std::int64_t level) noexcept;
@@ -68,43 +97,54 @@ private:
 };
 
 /// Raises TargetControlOverlap with the gate's own text if a target stands in some control.
-void refuse_overlap(std::span<const int> targets, const std::vector<Predicate>& controls, const char* text);
+[[noreturn]] void raise_overlap(const char* text);
+inline void refuse_overlap(const Gate& gate, const char* text) {
+    for (const int target : gate.targets)
+        for (const Predicate& control : gate.controls)
+            if (control.qudit_index == target) [[unlikely]]
+                raise_overlap(text);
+}
 
 /// The closing guard. It reports a list over the limit and rolls nothing back: that is meant.
 inline constexpr const char* STATE_SIZE_EXCEEDED = "State size exceeded maximum allowed size";
 void guard_size(std::size_t entries, const char* text = STATE_SIZE_EXCEEDED);
 
+/// Relabels as many entries as can be taken `Labels::count` at a time. @return where the others begin
+template <class Labels, class Relabelling, class Holds>
+PackedAmplitude* relabel_by(PackedAmplitude* entry, PackedAmplitude* end, const Relabelling& gate,
+                            const Holds& holds) {
+    for (; end - entry >= Labels::count; entry += Labels::count) {
+        const Labels labels(entry);
+        if (any_highest(gate.is_odd(labels.values, labels.dimensions))) [[unlikely]] {
+            for (PackedAmplitude& odd : std::span(entry, Labels::count))
+                if (holds(odd.values) != 0)
+                    gate.one(odd);
+            continue;
+        }
+        Labels::write(entry, gate(labels.values, labels.dimensions, holds(labels.values)));
+    }
+    return entry;
+}
+
 /// Gives all selected entries new labels. The selection follows no pattern that a processor could predict,
-/// so no branch hangs on it: entries go by twos, and the new levels are worked out for both.
+/// so no branch hangs on it: several entries are taken at once, and the new levels are worked out for all.
 /// @param gate  gate(values, dimensions, selected) is the new word of levels, unchanged where the mask is not
-///              set, and gate.is_odd(values, dimensions) has bits set where that does not serve; both for two
-///              labels at once. gate.one(entry, selected) relabels one entry of any kind.
-template <class Gate>
+///              set, and gate.is_odd(values, dimensions) has the highest bit set where that does not serve;
+///              both for one label or for several. gate.one(entry) relabels a selected entry of any kind.
+template <class Relabelling>
 void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
-                      const Gate& gate) {
+                      const Relabelling& gate) {
     controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test) {
         const auto holds = test; // copies that no store to an entry can be thought to change
-        const Gate own = gate;
-        const auto one = [&](PackedAmplitude& entry) { own.one(entry, holds(entry.values) != 0); };
-        PackedAmplitude* entry = walked.data();
-        PackedAmplitude* const end = entry + walked.size();
-        for (; end - entry >= 2; entry += 2) {
-            const LabelPair labels(entry);
-            if (any(own.is_odd(labels.values, labels.dimensions))) [[unlikely]] {
-                one(entry[0]);
-                one(entry[1]);
-                continue;
-            }
-            const Words values = own(labels.values, labels.dimensions, holds(labels.values));
-            entry[0].values = values[0];
-            entry[1].values = values[1];
-        }
-        if (entry != end)
-            one(*entry);
+        const Relabelling own = gate;
+        PackedAmplitude* const end = walked.data() + walked.size();
+        PackedAmplitude* rest = relabel_by<FourLabels>(walked.data(), end, own, holds);
+        rest = relabel_by<LabelPair>(rest, end, own, holds);
+        relabel_by<OneLabel>(rest, end, own, holds);
     });
 }
 
-/// Multiplies the amplitudes of all selected entries, likewise by twos; a pair of which none is selected is
+/// Multiplies the amplitudes of all selected entries, by twos; a pair of which none is selected is
 /// passed over, which saves more than a branch that was foreseen wrongly costs.
 /// @param gate  gate.factor(values) is the factor of a label, where gate.is_odd(dimensions) has no bits set
 ///              for the two labels of a pair; gate.odd_factor(entry) is that of an entry of any kind

@@ -1,4 +1,3 @@
-#include <array>
 #include <cmath>
 #include <complex>
 #include <memory>
@@ -170,16 +169,16 @@ std::optional<Sums> shared_out(std::span<const PackedAmplitude> entries, SlotLay
 
 } // namespace
 
-template <class Label>
-void State<Label>::i_swap(int first, int second, float fraction, std::vector<Predicate> controls) {
-    refuse_overlap(std::array{first, second}, controls,
-                   "Fractional i-swap operation has overlapping targets and controls");
+template <class Label> void State<Label>::exchange_in_part(const Gate& gate) {
+    refuse_overlap(gate, "Fractional i-swap operation has overlapping targets and controls");
+    const int first = gate.targets[0];
+    const int second = gate.targets[1];
     if (qudit_dimension(first) != qudit_dimension(second))
         throw DifferentDimensions("Targets of fractional-i-swap operation have different dimensions");
 
-    const Shares shares(fraction);
+    const Shares shares(gate.number);
     const Exchange exchange(Label::layout, first, second);
-    const ControlTest controls_hold(controls, Label::layout);
+    const ControlTest controls_hold(gate.controls, Label::layout);
     if (const std::optional<Sums> sums = shared_out(packed_view(amplitudes), Label::layout,
                                                     Label::qudit_count, controls_hold, exchange, shares)) {
         amplitudes.resize(sums->kept);
@@ -196,6 +195,6 @@ void State<Label>::i_swap(int first, int second, float fraction, std::vector<Pre
     guard_size(amplitudes.size(), "State size exceeds maximum allowed size");
 }
 
-VANTEL_INSTANTIATE(void, i_swap, (int, int, float, std::vector<Predicate>))
+VANTEL_INSTANTIATE(void, exchange_in_part, (const Gate&))
 
 } // namespace vantel::qudit

@@ -2,9 +2,7 @@
 #include <complex>
 
 #include "gates/frame.hpp"
-#include "state/builds.hpp"
-#include "state/packed_view.hpp"
-#include "state/state.hpp"
+#include "gates/kernels.hpp"
 
 namespace vantel::qudit {
 
@@ -19,20 +17,14 @@ struct Rotation {
     [[nodiscard]] const Factor& odd_factor(const PackedAmplitude& /*entry*/) const { return turn; }
 };
 
-void rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<Predicate>& controls,
-            float angle) {
-    // Single precision, unlike the other phases: repeated rotations let the norm drift by as much. Meant.
-    const Factor turn(std::complex<double>(std::cos(angle), std::sin(angle)));
-    rephase_selected(entries, ControlTest(controls, layout), Rotation{turn});
-    guard_size(entries.size());
-}
-
 } // namespace
 
-template <class Label> void State<Label>::phase_rotate(std::vector<Predicate> controls, float angle) {
-    rotate(packed_view(amplitudes), Label::layout, controls, angle);
+void rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& phase_rotate) {
+    const float angle = phase_rotate.number;
+    // Single precision, unlike the other phases: repeated rotations let the norm drift by as much. Meant.
+    const Factor turn(std::complex<double>(std::cos(angle), std::sin(angle)));
+    rephase_selected(entries, ControlTest(phase_rotate.controls, layout), Rotation{turn});
+    guard_size(entries.size());
 }
-
-VANTEL_INSTANTIATE(void, phase_rotate, (std::vector<Predicate>, float))
 
 } // namespace vantel::qudit

@@ -1,11 +1,7 @@
-#include <array>
-
 #include "gates/exchange.hpp"
 #include "gates/frame.hpp"
-#include "state/builds.hpp"
+#include "gates/kernels.hpp"
 #include "state/exceptions.hpp"
-#include "state/packed_view.hpp"
-#include "state/state.hpp"
 
 namespace vantel::qudit {
 
@@ -15,39 +11,32 @@ namespace {
 struct Exchanged {
     Exchange exchange;
 
-    template <class Word> Word operator()(Word values, Word /*dimensions*/, Word selected) const {
+    template <class Word>
+    [[gnu::always_inline]] Word operator()(Word values, Word /*dimensions*/, Word selected) const {
         return values ^ (exchange.difference(values) & selected);
     }
 
     /// Dimensions differ only in a label whose own ones are not those of the first entry.
-    template <class Word> [[nodiscard]] Word is_odd(Word /*values*/, Word dimensions) const {
-        return exchange.difference(dimensions);
+    template <class Word>
+    [[nodiscard, gnu::always_inline]] Word is_odd(Word /*values*/, Word dimensions) const {
+        return -exchange.difference(dimensions);
     }
 
-    void one(PackedAmplitude& entry, bool selected) const {
-        if (!selected)
-            return;
+    void one(PackedAmplitude& entry) const {
         entry.values ^= exchange.difference(entry.values);
         entry.dimensions ^= exchange.difference(entry.dimensions);
     }
 };
 
-void exchange(std::span<PackedAmplitude> entries, SlotLayout layout, int first, int second,
-              const std::vector<Predicate>& controls) {
-    relabel_selected(entries, ControlTest(controls, layout), Exchanged{Exchange(layout, first, second)});
-    guard_size(entries.size());
-}
-
 } // namespace
 
-template <class Label> void State<Label>::swap(int first, int second, std::vector<Predicate> controls) {
-    refuse_overlap(std::array{first, second}, controls,
-                   "Swap operation has overlapping targets and controls");
-    if (qudit_dimension(first) != qudit_dimension(second))
+void exchange(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& swap) {
+    refuse_overlap(swap, "Swap operation has overlapping targets and controls");
+    const Exchange levels(layout, swap.targets[0], swap.targets[1]);
+    if (!entries.empty() && levels.difference(entries.front().dimensions) != 0)
         throw DifferentDimensions("Targets of swap operation have different dimensions");
-    exchange(packed_view(amplitudes), Label::layout, first, second, controls);
+    relabel_selected(entries, ControlTest(swap.controls, layout), Exchanged{levels});
+    guard_size(entries.size());
 }
-
-VANTEL_INSTANTIATE(void, swap, (int, int, std::vector<Predicate>))
 
 } // namespace vantel::qudit

@@ -43,10 +43,13 @@ template <class First, class... Rest> struct Translate<First, Rest...> {
     }
 };
 
+/// A caller's conditions.
+using Conditions = qudit::ShortList<QuantumProperty::Predicate, qudit::MAX_QUDIT_NUM>;
+
 /// A copy of a caller's conditions; `records` may be null where `count` is 0.
 /// @throws std::length_error for a count beyond all memory, before any pointer is formed; std::bad_alloc
-inline std::vector<QuantumProperty::Predicate> conditions(const PredicateRecord* records, std::size_t count) {
-    std::vector<QuantumProperty::Predicate> copy(count);
+inline Conditions conditions(const PredicateRecord* records, std::size_t count) {
+    Conditions copy(count);
     for (std::size_t i = 0; i < count; ++i)
         copy[i] = {records[i].property, records[i].value, records[i].is_equal != 0};
     return copy;

@@ -1,6 +1,5 @@
 #include "interface/quantum_property.hpp"
 
-#include <array>
 #include <utility>
 
 #include "property/release.hpp"
@@ -8,11 +7,25 @@
 
 namespace vantel {
 
+namespace {
+
+/// The one entry of a qudit in level 0.
+class Ground final : public qudit::EntrySource {
+public:
+    explicit Ground(std::uint64_t dimension) noexcept : EntrySource(1), dimension_(dimension) {}
+
+    void write(std::span<qudit::PackedAmplitude> list) const noexcept override {
+        list[0] = {0, dimension_ - 1, {1.0, 0.0}};
+    }
+
+private:
+    std::uint64_t dimension_;
+};
+
+} // namespace
+
 QuantumProperty::QuantumProperty(std::unique_ptr<qudit::IState> state, int index_in_state)
-    : shared_state(std::make_shared<SharedState>()), index(index_in_state) {
-    shared_state->state = std::move(state);
-    shared_state->properties.push_back(this);
-}
+    : shared_state(std::make_shared<SharedState>(std::move(state), this)), index(index_in_state) {}
 
 QuantumProperty::~QuantumProperty() {
     take_out(*this);
@@ -20,8 +33,7 @@ QuantumProperty::~QuantumProperty() {
 
 QuantumProperty make_quantum_property(unsigned long dimension) {
     using Factory = qudit::StateFactory<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>;
-    const std::array ground{qudit::PackedAmplitude{0, dimension - 1, {1.0, 0.0}}};
-    return {Factory::make_unique_state({dimension, 1}, qudit::PackedEntries(ground)), 0};
+    return {Factory::make_unique_state({dimension, 1}, Ground(dimension)), 0};
 }
 
 } // namespace vantel

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <memory>
-#include <vector>
+#include <utility>
 
 #include "state/istate.hpp"
+#include "state/limits.hpp"
+#include "state/short_list.hpp"
 
 namespace vantel {
 
@@ -35,20 +37,25 @@ struct QuantumProperty {
 
 /// One joint state and the handles of its qudits.
 struct QuantumProperty::SharedState {
+    SharedState(std::unique_ptr<qudit::IState> of_all, QuantumProperty* only)
+        : state(std::move(of_all)), properties(1) {
+        properties[0] = only;
+    }
+
     std::unique_ptr<qudit::IState> state;
 
     /// The handles, not owned. A release compacts the list and does not shorten it, so that a handle can
     /// stand in it twice, and the pointer of a handle that is gone can remain. That is meant: a merge
     /// moves the qudit index of a handle once for each time it stands here.
-    std::vector<QuantumProperty*> properties;
+    qudit::ShortList<QuantumProperty*, qudit::MAX_QUDIT_NUM> properties;
 
-    /// For each position of `properties`, whether its handle is gone; positions beyond the end of this list
+    /// For each position of `properties`, not 0 if its handle is gone; positions beyond the end of this list
     /// are live. A stale position is never read or written through, and is no handle that lives at the same
     /// address later.
-    std::vector<bool> stale;
+    qudit::ShortList<unsigned char, qudit::MAX_QUDIT_NUM> stale;
 
     [[nodiscard]] bool is_stale(std::size_t position) const {
-        return position < stale.size() && stale[position];
+        return position < stale.size() && stale[position] != 0;
     }
 };
 

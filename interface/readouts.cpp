@@ -70,8 +70,10 @@ int vantel_measure(QuantumProperty** properties, size_t property_count, int* res
 
 int vantel_stochastic_projection(const PredicateRecord* predicates, size_t predicate_count, int* result) {
     int answer = 0;
-    const int status =
-        ReadoutFailure::run([&] { answer = vantel::measure(conditions(predicates, predicate_count)); });
+    const int status = ReadoutFailure::run([&] {
+        const vantel::Conditions all = conditions(predicates, predicate_count);
+        answer = vantel::measure(vantel::Predicates(all.begin(), all.end()));
+    });
     if (status == vantel_ok)
         *result = answer;
     return status;

@@ -1,91 +1,74 @@
-#include <utility>
+#include <algorithm>
+#include <array>
 
 #include "property/operations.hpp"
+#include "state/limits.hpp"
+#include "state/short_list.hpp"
 
 namespace vantel {
 
-namespace {
+using qudit::Gate;
 
-using Indices = std::vector<int>;
-using Controls = std::vector<qudit::Predicate>;
+// Merges first and reads the indices second: a merge renumbers handles.
+void act(Gate::Kind kind, float number, std::initializer_list<QuantumProperty*> targets,
+         std::span<const QuantumProperty::Predicate> predicates) {
+    if (targets.size() == 0 && predicates.empty())
+        return;
+    QuantumProperty& anchor = targets.size() == 0 ? *predicates.front().property : **targets.begin();
+    for (QuantumProperty* const target : targets)
+        tensor_state(anchor, *target);
+    qudit::IState& state = relate(anchor, predicates);
 
-/// Merges first and reads the indices second: a merge renumbers handles.
-/// @param gate  called with the joint state, the target's index in a list, and the indexed conditions
-template <class Gate> void act_on(QuantumProperty& target, Predicates& predicates, Gate gate) {
-    qudit::IState& state = relate(target, predicates);
-    Controls controls = convert_to_indexed_predicates(std::move(predicates));
-    gate(state, Indices{target.index}, std::move(controls));
+    std::array<int, 2> indices;
+    std::transform(targets.begin(), targets.end(), indices.begin(),
+                   [](const QuantumProperty* target) { return target->index; });
+    qudit::ShortList<qudit::Predicate, qudit::MAX_QUDIT_NUM> controls(predicates.size());
+    std::transform(predicates.begin(), predicates.end(), controls.begin(), indexed);
+    state.act({kind, number, std::span(indices).first(targets.size()), controls});
 }
 
-} // namespace
-
 void hadamard(QuantumProperty& target, Predicates predicates) {
-    act_on(target, predicates, [](qudit::IState& state, Indices targets, Controls controls) {
-        state.hadamard(std::move(targets), std::move(controls));
-    });
+    act(Gate::hadamard, 0, {&target}, predicates);
 }
 
 void inverse_hadamard(QuantumProperty& target, Predicates predicates) {
-    act_on(target, predicates, [](qudit::IState& state, Indices targets, Controls controls) {
-        state.inverse_hadamard(std::move(targets), std::move(controls));
-    });
+    act(Gate::inverse_hadamard, 0, {&target}, predicates);
 }
 
 void cycle(QuantumProperty& target, Predicates predicates) {
-    act_on(target, predicates, [](qudit::IState& state, Indices targets, Controls controls) {
-        state.cycle(std::move(targets), std::move(controls));
-    });
+    act(Gate::cycle, 0, {&target}, predicates);
 }
 
 void cycle(QuantumProperty& target, float fraction, Predicates predicates) {
-    act_on(target, predicates, [fraction](qudit::IState& state, Indices targets, Controls controls) {
-        state.cycle(std::move(targets), fraction, std::move(controls));
-    });
+    act(Gate::fractional_cycle, fraction, {&target}, predicates);
 }
 
 void shift(QuantumProperty& target, Predicates predicates) {
-    act_on(target, predicates, [](qudit::IState& state, Indices targets, Controls controls) {
-        state.shift(std::move(targets), std::move(controls));
-    });
+    act(Gate::shift, 0, {&target}, predicates);
 }
 
 void shift(QuantumProperty& target, float fraction, Predicates predicates) {
-    act_on(target, predicates, [fraction](qudit::IState& state, Indices targets, Controls controls) {
-        state.shift(std::move(targets), fraction, std::move(controls));
-    });
+    act(Gate::fractional_shift, fraction, {&target}, predicates);
 }
 
 void clock(QuantumProperty& target, Predicates predicates) {
-    act_on(target, predicates, [](qudit::IState& state, Indices targets, Controls controls) {
-        state.clock(std::move(targets), std::move(controls));
-    });
+    act(Gate::clock, 0, {&target}, predicates);
 }
 
 void clock(QuantumProperty& target, float fraction, Predicates predicates) {
-    act_on(target, predicates, [fraction](qudit::IState& state, Indices targets, Controls controls) {
-        state.clock(std::move(targets), fraction, std::move(controls));
-    });
+    act(Gate::fractional_clock, fraction, {&target}, predicates);
 }
 
 void phase_rotate(Predicates predicates, float angle) {
-    if (predicates.empty())
-        return;
-    qudit::IState& state = relate(*predicates.front().property, predicates);
-    state.phase_rotate(convert_to_indexed_predicates(std::move(predicates)), angle);
+    act(Gate::phase_rotate, angle, {}, predicates);
 }
 
 void swap(QuantumProperty& first, QuantumProperty& second, Predicates predicates) {
-    tensor_state(first, second);
-    qudit::IState& state = relate(first, predicates);
-    Controls controls = convert_to_indexed_predicates(std::move(predicates));
-    state.swap(first.index, second.index, std::move(controls));
+    act(Gate::swap, 0, {&first, &second}, predicates);
 }
 
 void i_swap(QuantumProperty& first, QuantumProperty& second, float fraction, Predicates predicates) {
-    tensor_state(first, second);
-    qudit::IState& state = relate(first, predicates);
-    Controls controls = convert_to_indexed_predicates(std::move(predicates));
-    state.i_swap(first.index, second.index, fraction, std::move(controls));
+    act(Gate::i_swap, fraction, {&first, &second}, predicates);
 }
 
 } // namespace vantel

@@ -1,11 +1,12 @@
+#include <algorithm>
+
 #include "property/operations.hpp"
 
 namespace vantel {
 
 std::vector<qudit::Predicate> convert_to_indexed_predicates(Predicates predicates) {
     std::vector<qudit::Predicate> controls(predicates.size());
-    for (std::size_t i = 0; i < predicates.size(); ++i)
-        controls[i] = {predicates[i].property->index, predicates[i].value, predicates[i].is_equal};
+    std::transform(predicates.begin(), predicates.end(), controls.begin(), indexed);
     return controls;
 }
 

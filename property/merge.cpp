@@ -15,40 +15,44 @@ int raised(int index, int offset) {
     return static_cast<int>(static_cast<unsigned>(index) + static_cast<unsigned>(offset));
 }
 
+void merge(QuantumProperty& a, QuantumProperty& b) {
+    // All that can fail comes before all that changes.
+    const std::shared_ptr<QuantumProperty::SharedState>& into = a.shared_state;
+    const int offset = static_cast<int>(into->state->num_qudits());
+    std::unique_ptr<qudit::IState> product =
+        qudit::tensor_product<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>(*into->state,
+                                                                                *b.shared_state->state);
+    const std::size_t before = into->properties.size();
+    const std::size_t together = before + b.shared_state->properties.size();
+    into->properties.reserve(together);
+    if (into->stale.size() > 0 || b.shared_state->stale.size() > 0)
+        into->stale.grow(together, 0);
+
+    into->state = std::move(product);
+    // Kept alive until the walk is through, in which b gets its new share and the last old one is given up.
+    const std::shared_ptr<QuantumProperty::SharedState> from = std::move(b.shared_state);
+    for (std::size_t i = 0; i < from->properties.size(); ++i) {
+        QuantumProperty* const moved = from->properties[i];
+        into->properties.push_back(moved);
+        if (from->is_stale(i)) {
+            into->stale[before + i] = 1;
+            continue;
+        }
+        // A handle that stands here twice is raised twice, and names another qudit then. That is meant.
+        moved->index = raised(moved->index, offset);
+        moved->shared_state = into;
+    }
+}
+
 } // namespace
 
 qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b) {
-    if (a.shared_state->state == b.shared_state->state)
-        return a.shared_state->state.get();
-    // Kept alive until the walk below is through: moving b's last handle over gives up the last share.
-    const std::shared_ptr<QuantumProperty::SharedState> into = a.shared_state;
-    const std::shared_ptr<QuantumProperty::SharedState> from = b.shared_state;
-
-    // All that can fail comes before all that changes.
-    const int offset = static_cast<int>(into->state->num_qudits());
-    std::unique_ptr<qudit::IState> product =
-        qudit::tensor_product<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>(*into->state, *from->state);
-    into->properties.reserve(into->properties.size() + from->properties.size());
-    if (!into->stale.empty() || !from->stale.empty())
-        into->stale.resize(into->properties.size() + from->properties.size(), false);
-
-    into->state = std::move(product);
-    for (std::size_t i = 0; i < from->properties.size(); ++i) {
-        QuantumProperty* const moved = from->properties[i];
-        // A handle that stands here twice is raised twice, and names another qudit then. That is meant.
-        const bool stale = from->is_stale(i);
-        if (!stale) {
-            moved->index = raised(moved->index, offset);
-            moved->shared_state = into;
-        }
-        into->properties.push_back(moved);
-        if (stale)
-            into->stale[into->properties.size() - 1] = true;
-    }
-    return into->state.get();
+    if (a.shared_state->state != b.shared_state->state)
+        merge(a, b);
+    return a.shared_state->state.get();
 }
 
-qudit::IState& relate(QuantumProperty& anchor, const Predicates& predicates) {
+qudit::IState& relate(QuantumProperty& anchor, std::span<const QuantumProperty::Predicate> predicates) {
     for (const QuantumProperty::Predicate& predicate : predicates)
         tensor_state(anchor, *predicate.property);
     return *anchor.shared_state->state;

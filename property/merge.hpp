@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <vector>
 
 #include "interface/quantum_property.hpp"
@@ -20,7 +21,7 @@ qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b);
 /// Merges the predicates' properties into the anchor's joint state, in order. @throws as the pair form; where
 /// a merge fails, those before it stand
 /// @return the joint state
-qudit::IState& relate(QuantumProperty& anchor, const Predicates& predicates);
+qudit::IState& relate(QuantumProperty& anchor, std::span<const QuantumProperty::Predicate> predicates);
 
 /// Merges all listed properties into the first one's joint state, in list order. Where a merge fails,
 /// those before it stand.

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <span>
 #include <vector>
 
 #include "interface/quantum_property.hpp"
@@ -11,7 +13,11 @@
 
 namespace vantel {
 
-/// The conditions by index. Good only until the next merge or release, which renumber handles.
+/// A condition by index, and a list of them. Good only until the next merge or release, which renumber
+/// handles.
+inline qudit::Predicate indexed(const QuantumProperty::Predicate& predicate) {
+    return {predicate.property->index, predicate.value, predicate.is_equal};
+}
 std::vector<qudit::Predicate> convert_to_indexed_predicates(Predicates predicates);
 
 /// The present index of each property, in list order.
@@ -32,6 +38,12 @@ void clock(QuantumProperty& target, float fraction, Predicates predicates);
 void phase_rotate(Predicates predicates, float angle);
 void swap(QuantumProperty& first, QuantumProperty& second, Predicates predicates);
 void i_swap(QuantumProperty& first, QuantumProperty& second, float fraction, Predicates predicates);
+
+/// The door of all gates, which those above go through.
+/// @param number   as in qudit::Gate
+/// @param targets  none for `phase_rotate`, which acts on the joint state of its first condition
+void act(qudit::Gate::Kind kind, float number, std::initializer_list<QuantumProperty*> targets,
+         std::span<const QuantumProperty::Predicate> predicates);
 
 // Readouts, in the order of the list; an empty list has an empty result.
 

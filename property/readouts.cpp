@@ -23,7 +23,7 @@ int measure(const Predicates& predicates) {
     // answer; its destruction takes it out again.
     QuantumProperty ancilla = make_quantum_property(2);
     relate(ancilla, predicates);
-    cycle(ancilla, predicates);
+    act(qudit::Gate::cycle, 0, {&ancilla}, predicates);
     return measure(Targets{ancilla}).front();
 }
 

@@ -22,23 +22,23 @@ void renumber(QuantumProperty::SharedState& shared, int last, int freed) {
 /// Moves every element behind the leaving handle forward over it. The list keeps its length, and its tail
 /// its old content; that is meant. Positions that still hold the leaving handle are stale from now on.
 void compact(QuantumProperty::SharedState& shared, const QuantumProperty& leaving) {
-    const auto is_leaving = [&](std::size_t i) {
-        return !shared.is_stale(i) && shared.properties[i] == &leaving;
-    };
     const std::size_t length = shared.properties.size();
-    shared.stale.resize(length, false);
+    shared.stale.grow(length, 0);
+    const auto is_leaving = [&](std::size_t i) {
+        return shared.stale[i] == 0 && shared.properties[i] == &leaving;
+    };
     std::size_t place = 0;
     while (place < length && !is_leaving(place))
         ++place;
     for (std::size_t i = place + 1; i < length; ++i)
         if (!is_leaving(i)) {
             shared.properties[place] = shared.properties[i];
-            shared.stale[place] = shared.is_stale(i);
+            shared.stale[place] = shared.stale[i];
             ++place;
         }
     for (std::size_t i = 0; i < length; ++i)
         if (is_leaving(i))
-            shared.stale[i] = true;
+            shared.stale[i] = 1;
 }
 
 } // namespace

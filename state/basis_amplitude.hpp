@@ -32,18 +32,8 @@ struct [[gnu::may_alias]] PackedAmplitude {
     std::complex<double> amplitude;
 };
 
-/// A list of packed entries, told from an unpacked one by its type. It owns nothing.
-class PackedEntries : public std::span<const PackedAmplitude> {
-public:
-    /// @param distinct  whether it is known that no label stands twice
-    explicit PackedEntries(std::span<const PackedAmplitude> entries, bool distinct = false)
-        : std::span<const PackedAmplitude>(entries), distinct_(distinct) {}
-
-    [[nodiscard]] bool known_distinct() const noexcept { return distinct_; }
-
-private:
-    bool distinct_;
-};
+/// A list of packed entries. It owns nothing.
+using PackedEntries = std::span<const PackedAmplitude>;
 
 /// Writes dits[i] to slot i, under the checks of DitProxy. A shorter list leaves the other slots at level
 /// 0 of dimension 1; elements beyond slot N - 1 have no place in the label and are left out.

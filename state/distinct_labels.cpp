@@ -6,11 +6,27 @@
 
 namespace vantel::qudit {
 
+namespace {
+
+/// As long as a list has no more labels than this, comparing them one by one is cheaper than any memory.
+constexpr std::size_t few = 8;
+
+bool has_label(std::span<const PackedAmplitude> entries, std::uint64_t values) {
+    return std::any_of(entries.begin(), entries.end(),
+                       [values](const PackedAmplitude& entry) { return entry.values == values; });
+}
+
+} // namespace
+
 std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key_bits) {
-    if (entries.size() < 2)
-        return entries.size();
-    return with_key_index(key_bits, entries.size(), [entries](auto& seen) {
-        std::size_t kept = 0;
+    std::size_t kept = 0;
+    if (entries.size() <= few) {
+        for (const PackedAmplitude& entry : entries)
+            if (!has_label(entries.first(kept), entry.values))
+                entries[kept++] = entry;
+        return kept;
+    }
+    return with_key_index(key_bits, entries.size(), [entries, kept](auto& seen) mutable {
         for (const PackedAmplitude& entry : entries)
             if (seen.find_or_add(entry.values) == kept)
                 entries[kept++] = entry;
@@ -19,8 +35,12 @@ std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key
 }
 
 bool has_distinct_labels(std::span<const PackedAmplitude> entries, unsigned key_bits) {
-    if (entries.size() < 2)
+    if (entries.size() <= few) {
+        for (std::size_t i = 1; i < entries.size(); ++i)
+            if (has_label(entries.first(i), entries[i].values))
+                return false;
         return true;
+    }
     return with_key_index(key_bits, entries.size(), [entries](auto& seen) {
         return std::all_of(entries.begin(), entries.end(), [&seen](const PackedAmplitude& entry) {
             const std::size_t known = seen.size();

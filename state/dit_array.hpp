@@ -44,15 +44,18 @@ struct SlotLayout {
     unsigned slots; ///< fields in one word; none straddles two words
 
     static constexpr SlotLayout of(std::uint64_t max_dimension) noexcept {
+        // Looked up, since a division takes as long as an entry or two; no state has a dimension above 10.
+        constexpr std::array<unsigned, 5> slots{0, 64 / 1, 64 / 2, 64 / 3, 64 / 4};
         const auto bits = static_cast<unsigned>(std::bit_width(max_dimension - 1));
-        return {bits, 64 / bits}; // NOLINT(clang-analyzer-core.DivideZero): no state has a dimension below 2
+        return {bits, slots[bits]};
     }
 
     [[nodiscard]] constexpr std::uint64_t mask() const noexcept { return (std::uint64_t{1} << bits) - 1; }
 
     /// Bit position of a qudit's field. Indices are trusted; one out of range still lands in the word.
     [[nodiscard]] constexpr unsigned position(int qudit) const noexcept {
-        return static_cast<unsigned>(qudit) % slots * bits;
+        const auto slot = static_cast<unsigned>(qudit);
+        return (slot < slots ? slot : slot % slots) * bits; // mostly without a division
     }
 };
 
@@ -102,6 +105,7 @@ template <int D, int N> struct DitArray {
     static constexpr int max_dimension = D;
     static constexpr int qudit_count = N;
     static constexpr SlotLayout layout = SlotLayout::of(D);
+    static constexpr unsigned key_bits = static_cast<unsigned>(N) * layout.bits;
     static constexpr int words = (N + static_cast<int>(layout.slots) - 1) / static_cast<int>(layout.slots);
     static_assert(words == 1, "ten qudits of ten levels fit one word, and the order of labels uses one");
 

@@ -1,9 +1,11 @@
 /// The interface of a joint state: what the rest of the library sees of it, without its build parameters.
 #pragma once
 
+#include <array>
 #include <complex>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "state/basis_amplitude.hpp"
@@ -15,6 +17,29 @@ struct Predicate {
     int qudit_index;
     int value;     ///< the level to compare with; a level that the qudit cannot have is never equal
     bool is_equal; ///< true: the levels must be equal; false: they must differ
+};
+
+/// A gate with all that it is told. It does not own its lists, since two allocations would cost more than a
+/// gate on a few entries does.
+struct Gate {
+    enum Kind {
+        phase_rotate,
+        shift,
+        fractional_shift,
+        cycle,
+        fractional_cycle,
+        clock,
+        fractional_clock,
+        hadamard,
+        inverse_hadamard,
+        swap,
+        i_swap
+    };
+
+    Kind kind;
+    float number = 0;               ///< the fraction, or the angle of `phase_rotate`
+    std::span<const int> targets{}; ///< two for an exchange, none for `phase_rotate`
+    std::span<const Predicate> controls{};
 };
 
 /// One joint outcome: a level per listed qudit, in list order, and its probability.
@@ -78,28 +103,55 @@ public:
     virtual std::vector<int> measure(std::vector<int> qudits) = 0;
 
     /// Multiplies selected amplitudes by exp(i angle), with single-precision sine and cosine.
-    virtual void phase_rotate(std::vector<Predicate> controls, float angle) = 0;
+    void phase_rotate(std::vector<Predicate> controls, float angle) {
+        act({Gate::phase_rotate, angle, {}, controls});
+    }
     /// Level v goes to (v + d - 1) mod d.
-    virtual void shift(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    void shift(std::vector<int> targets, std::vector<Predicate> controls) {
+        act({Gate::shift, 0, targets, controls});
+    }
     /// A power of `shift`, by way of the Fourier basis.
-    virtual void shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) = 0;
+    void shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+        act({Gate::fractional_shift, fraction, targets, controls});
+    }
     /// A power of `cycle`, by way of the Fourier basis.
-    virtual void cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) = 0;
+    void cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+        act({Gate::fractional_cycle, fraction, targets, controls});
+    }
     /// Level v goes to (v + 1) mod d.
-    virtual void cycle(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    void cycle(std::vector<int> targets, std::vector<Predicate> controls) {
+        act({Gate::cycle, 0, targets, controls});
+    }
     /// Multiplies by exp(2 pi i v / d).
-    virtual void clock(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    void clock(std::vector<int> targets, std::vector<Predicate> controls) {
+        act({Gate::clock, 0, targets, controls});
+    }
     /// Multiplies by exp(2 pi i (v fraction) / d), with v fraction in single precision.
-    virtual void clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) = 0;
+    void clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+        act({Gate::fractional_clock, fraction, targets, controls});
+    }
     /// Level v goes to the sum over k of exp(2 pi i (d - k) v / d) / sqrt(d) times level k.
-    virtual void hadamard(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    void hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
+        act({Gate::hadamard, 0, targets, controls});
+    }
     /// `hadamard` with the opposite sign of the exponent.
-    virtual void inverse_hadamard(std::vector<int> targets, std::vector<Predicate> controls) = 0;
+    void inverse_hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
+        act({Gate::inverse_hadamard, 0, targets, controls});
+    }
     /// Exchanges the dits of two qudits. @throws DifferentDimensions before any change
-    virtual void swap(int first, int second, std::vector<Predicate> controls) = 0;
+    void swap(int first, int second, std::vector<Predicate> controls) {
+        const std::array targets{first, second};
+        act({Gate::swap, 0, targets, controls});
+    }
     /// Levels (p, q), p != q, go to cos t (p, q) + i sin t (q, p) with t = fraction pi / 2.
     /// @throws DifferentDimensions before any change
-    virtual void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) = 0;
+    void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) {
+        const std::array targets{first, second};
+        act({Gate::i_swap, fraction, targets, controls});
+    }
+
+    /// The door of all gates, which the forms above go through.
+    virtual void act(const Gate& gate) = 0;
 
     // The packed twins of three readouts. The layers above use them, since an allocation for the levels
     // of each entry would cost more than all the rest.

@@ -34,7 +34,10 @@ private:
 class HashedKeyIndex {
 public:
     /// @param expected  about as many distinct keys as will come; more are welcome
-    explicit HashedKeyIndex(std::size_t expected) { spread(std::bit_ceil(2 * expected + 2)); }
+    explicit HashedKeyIndex(std::size_t expected) {
+        keys_.reserve(expected);
+        spread(std::bit_ceil(2 * expected + 2));
+    }
 
     [[nodiscard]] std::size_t size() const noexcept { return keys_.size(); }
 

@@ -65,8 +65,8 @@ void merge_runs(std::span<PackedAmplitude> list) noexcept {
     for (std::size_t i = 0; i + 1 < list.size(); ++i) {
         if (list[i].values != list[i + 1].values)
             continue;
-        list[i + 1].amplitude = list[i].amplitude + list[i + 1].amplitude;
-        list[i].amplitude = 0.0;
+        store(parts_of(list[i].amplitude) + parts_of(list[i + 1].amplitude), list[i + 1].amplitude);
+        store(Parts{}, list[i].amplitude);
     }
 }
 

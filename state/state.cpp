@@ -1,7 +1,6 @@
 /// What every state has: its construction, its shape and its entries read out.
 #include "state/state.hpp"
 
-#include <algorithm>
 #include <cstddef>
 #include <span>
 
@@ -17,16 +16,18 @@ bool is_zero(const PackedAmplitude& entry) {
     return entry.amplitude.real() == 0.0 && entry.amplitude.imag() == 0.0;
 }
 
-template <class Label>
-constexpr unsigned key_bits = static_cast<unsigned>(Label::qudit_count) * Label::layout.bits;
-
 /// The constructors' two rules. Repeats are told apart before zeros go.
-template <class Label> void keep_first_nonzero(std::vector<BasisAmplitude<Label>>& entries, bool distinct) {
-    std::span<PackedAmplitude> kept = packed_view(entries);
-    if (!distinct)
-        kept = kept.first(keep_first_of_label(kept, key_bits<Label>));
-    const auto end = std::remove_if(kept.begin(), kept.end(), is_zero);
-    entries.resize(static_cast<std::size_t>(end - kept.begin()));
+/// @return how many entries stay, at the front
+std::size_t keep_first_nonzero(std::span<PackedAmplitude> entries, bool distinct, unsigned key_bits) {
+    if (!distinct && entries.size() > 1)
+        entries = entries.first(keep_first_of_label(entries, key_bits));
+    std::size_t kept = 0;
+    while (kept < entries.size() && !is_zero(entries[kept]))
+        ++kept;
+    for (std::size_t i = kept + 1; i < entries.size(); ++i)
+        if (!is_zero(entries[i]))
+            entries[kept++] = entries[i];
+    return kept;
 }
 
 } // namespace
@@ -36,12 +37,12 @@ template <class Label> State<Label>::State(const std::vector<BasisAmplitudeData>
     for (const BasisAmplitudeData& entry : entries)
         amplitudes.push_back(
             make_basis_amplitude<Label::max_dimension, Label::qudit_count>(entry.dits, entry.amplitude));
-    keep_first_nonzero(amplitudes, false);
+    amplitudes.resize(keep_first_nonzero(packed_view(amplitudes), false, Label::key_bits));
 }
 
-template <class Label> State<Label>::State(PackedEntries entries) : amplitudes(entries.size()) {
-    std::copy(entries.begin(), entries.end(), packed_view(amplitudes).begin());
-    keep_first_nonzero(amplitudes, entries.known_distinct());
+template <class Label> State<Label>::State(const EntrySource& entries) : amplitudes(entries.size()) {
+    entries.write(packed_view(amplitudes));
+    amplitudes.resize(keep_first_nonzero(packed_view(amplitudes), entries.known_distinct(), Label::key_bits));
 }
 
 template <class Label> std::uint64_t State<Label>::dimension() const {
@@ -68,12 +69,12 @@ template <class Label> std::vector<BasisAmplitudeData> State<Label>::basis_ampli
 }
 
 template <class Label> PackedEntries State<Label>::packed_amplitudes() const {
-    return PackedEntries(packed_view(amplitudes));
+    return packed_view(amplitudes);
 }
 
 #define VANTEL_CONSTRUCTORS(D, N, ...)                                                                       \
     template State<DitArray<D, N>>::State(const std::vector<BasisAmplitudeData>&);                           \
-    template State<DitArray<D, N>>::State(PackedEntries);
+    template State<DitArray<D, N>>::State(const EntrySource&);
 VANTEL_FOR_EACH_BUILD(VANTEL_CONSTRUCTORS, )
 VANTEL_INSTANTIATE(std::uint64_t, dimension, () const)
 VANTEL_INSTANTIATE(std::uint64_t, num_qudits, () const)

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "state/basis_amplitude.hpp"
+#include "state/entry_source.hpp"
 #include "state/istate.hpp"
 
 namespace vantel::qudit {
@@ -19,8 +20,8 @@ public:
     /// The entries in the given order, less repeated labels, of which the first stands, and then less
     /// exact zeros. So a zero that comes first shadows a later amplitude of its label; that is meant.
     explicit State(const std::vector<BasisAmplitudeData>& entries);
-    /// The same for entries that are packed for this build already.
-    explicit State(PackedEntries entries);
+    /// The same for entries that come packed for this build.
+    explicit State(const EntrySource& entries);
 
     [[nodiscard]] std::uint64_t dimension() const override;
     [[nodiscard]] std::uint64_t qudit_dimension(int qudit) const override;
@@ -32,17 +33,7 @@ public:
     reduced_density_matrix(std::vector<int> qudits) const override;
     std::vector<int> measure(std::vector<int> qudits) override;
 
-    void phase_rotate(std::vector<Predicate> controls, float angle) override;
-    void shift(std::vector<int> targets, std::vector<Predicate> controls) override;
-    void shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) override;
-    void cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) override;
-    void cycle(std::vector<int> targets, std::vector<Predicate> controls) override;
-    void clock(std::vector<int> targets, std::vector<Predicate> controls) override;
-    void clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) override;
-    void hadamard(std::vector<int> targets, std::vector<Predicate> controls) override;
-    void inverse_hadamard(std::vector<int> targets, std::vector<Predicate> controls) override;
-    void swap(int first, int second, std::vector<Predicate> controls) override;
-    void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) override;
+    void act(const Gate& gate) override;
 
     [[nodiscard]] PackedEntries packed_amplitudes() const override;
     [[nodiscard]] std::vector<PackedOutcome>
@@ -64,7 +55,14 @@ public:
     std::vector<Entry> amplitudes; ///< in the order that the last operation left
 
 private:
-    void transform(const std::vector<int>& targets, const std::vector<Predicate>& controls, double sign);
+    // The gates that can change the length of the list; gates/kernels.hpp has the others.
+
+    /// `hadamard` for a sign of +1.0, its inverse for -1.0.
+    void transform(const Gate& gate, double sign);
+    /// A power of `cycle` or `shift`.
+    void step_in_part(const Gate& gate);
+    /// `i_swap`.
+    void exchange_in_part(const Gate& gate);
 };
 
 } // namespace vantel::qudit

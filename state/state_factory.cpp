@@ -1,5 +1,6 @@
 #include "state/state_factory.hpp"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -21,6 +22,35 @@ std::unique_ptr<IState> make_checked(Factory::BasisConfig config, const Entries&
     return std::unique_ptr<IState>(Factory::make<MIN_QUDIT_DIMENSION, 1, const Entries&>(config, entries));
 }
 
+/// The entries of a state less one of its qudits, in whose slot the last one stands.
+class WithoutQudit final : public EntrySource {
+public:
+    WithoutQudit(const IState& state, int index, int last)
+        : EntrySource(state.packed_amplitudes().size()), former_(state.packed_amplitudes()),
+          layout_(SlotLayout::of(state.dimension())), index_(index), last_(last) {}
+
+    void write(std::span<PackedAmplitude> list) const noexcept override {
+        const unsigned from = layout_.position(last_);
+        const unsigned to = layout_.position(index_);
+        const std::uint64_t rest = all_fields(layout_, last_);
+        // A handle that two merges have shifted can name no slot at all; nothing is overwritten then.
+        const std::uint64_t freed = index_ >= 0 && index_ < last_ ? layout_.mask() : 0;
+        const auto without_qudit = [=](std::uint64_t word) {
+            return ((word & ~(freed << to)) | (word >> from & freed) << to) & rest;
+        };
+        std::transform(former_.begin(), former_.end(), list.begin(), [&](const PackedAmplitude& entry) {
+            return PackedAmplitude{without_qudit(entry.values), without_qudit(entry.dimensions),
+                                   entry.amplitude};
+        });
+    }
+
+private:
+    PackedEntries former_;
+    SlotLayout layout_;
+    int index_;
+    int last_;
+};
+
 } // namespace
 
 template <int MAX_DIMENSION, int MAX_NUM>
@@ -36,15 +66,14 @@ IState* StateFactory<MAX_DIMENSION, MAX_NUM>::make(BasisConfig config, Entries e
 }
 
 template <int MAX_DIMENSION, int MAX_NUM>
-void StateFactory<MAX_DIMENSION, MAX_NUM>::check_config(BasisConfig config) {
+void StateFactory<MAX_DIMENSION, MAX_NUM>::refuse(BasisConfig config) {
     if (config.dim < MIN_QUDIT_DIMENSION)
         throw BadDimension("dim must be >= 2");
     if (config.dim > MAX_DIMENSION)
         throw BadDimension("dim must be <= MAX_QUDIT_DIMENSION: " + std::to_string(MAX_DIMENSION));
     if (config.num_qudits == 0)
         throw std::invalid_argument("num_qudits must be >= 1");
-    if (config.num_qudits > MAX_NUM)
-        throw BadQuditNumber("num_qudits must be <= MAX_QUDIT_NUM: " + std::to_string(MAX_NUM));
+    throw BadQuditNumber("num_qudits must be <= MAX_QUDIT_NUM: " + std::to_string(MAX_NUM));
 }
 
 template <int MAX_DIMENSION, int MAX_NUM>
@@ -56,31 +85,16 @@ StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
 
 template <int MAX_DIMENSION, int MAX_NUM>
 std::unique_ptr<IState> StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
-                                                                                PackedEntries entries) {
+                                                                                const EntrySource& entries) {
     return make_checked(config, entries);
 }
 
 template <int MAX_DIMENSION, int MAX_NUM>
 std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique_ptr<IState>& state,
                                                                      int index) {
-    const PackedEntries former = state->packed_amplitudes();
-    std::vector<PackedAmplitude> entries(former.begin(), former.end());
     const int last = static_cast<int>(state->num_qudits()) - 1;
-    const SlotLayout layout = SlotLayout::of(state->dimension());
-    const std::uint64_t last_field = layout.mask() << layout.position(last);
-    // A handle that two merges have shifted can name no slot at all; nothing is overwritten then.
-    const bool moves = index >= 0 && index < last;
-    const auto without_qudit = [&](std::uint64_t word) {
-        const std::uint64_t moved = (word & last_field) >> layout.position(last);
-        if (moves)
-            word = (word & ~(layout.mask() << layout.position(index))) | moved << layout.position(index);
-        return word & all_fields(layout, last);
-    };
-    for (PackedAmplitude& entry : entries) {
-        entry.values = without_qudit(entry.values);
-        entry.dimensions = without_qudit(entry.dimensions);
-    }
-    state = make_unique_state({state->dimension(), static_cast<std::uint64_t>(last)}, PackedEntries(entries));
+    const WithoutQudit rest(*state, index, last);
+    state = make_unique_state({state->dimension(), static_cast<std::uint64_t>(last)}, rest);
     return {last, index};
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "state/basis_amplitude.hpp"
+#include "state/entry_source.hpp"
 #include "state/exceptions.hpp"
 #include "state/istate.hpp"
 #include "state/limits.hpp"
@@ -26,12 +27,16 @@ public:
     ///         then what check_config raises; std::bad_alloc. Nothing is left behind.
     static std::unique_ptr<IState> make_unique_state(BasisConfig config,
                                                      const std::vector<BasisAmplitudeData>& entries);
-    /// The same for entries packed as SlotLayout::of(config.dim) says.
-    static std::unique_ptr<IState> make_unique_state(BasisConfig config, PackedEntries entries);
+    /// The same for packed entries.
+    static std::unique_ptr<IState> make_unique_state(BasisConfig config, const EntrySource& entries);
 
     /// @throws BadDimension; std::invalid_argument for no qudit at all, and BadQuditNumber for too many:
     ///         the two classes differ on purpose
-    static void check_config(BasisConfig config);
+    static void check_config(BasisConfig config) {
+        if (config.dim < MIN_QUDIT_DIMENSION || config.dim > MAX_DIMENSION || config.num_qudits == 0 ||
+            config.num_qudits > MAX_NUM) [[unlikely]]
+            refuse(config);
+    }
 
     /// The walk from build (D, N) to that of `config`, dimension first. The caller owns the result.
     template <int D, int N, class Entries> static IState* make(BasisConfig config, Entries entries);
@@ -41,6 +46,9 @@ public:
     /// @return the index that was the last one, and the freed one
     /// @throws StateSizeExceeded, std::bad_alloc; the old state stands then
     static std::pair<int, int> free_qudit(std::unique_ptr<IState>& state, int index);
+
+private:
+    [[noreturn]] static void refuse(BasisConfig config);
 };
 
 extern template class StateFactory<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>;

@@ -1,9 +1,8 @@
 #include <algorithm>
 #include <complex>
 #include <cstdint>
-#include <iterator>
 #include <memory>
-#include <vector>
+#include <span>
 
 #include "state/distinct_labels.hpp"
 #include "state/state_factory.hpp"
@@ -44,10 +43,42 @@ private:
 };
 
 bool is_distinct(const IState& state) {
+    const PackedEntries entries = state.packed_amplitudes();
+    if (entries.size() < 2)
+        return true;
     const unsigned key_bits =
         SlotLayout::of(state.dimension()).bits * static_cast<unsigned>(state.num_qudits());
-    return has_distinct_labels(state.packed_amplitudes(), key_bits);
+    return has_distinct_labels(entries, key_bits);
 }
+
+/// All products of two states' entries, the second's varying fastest.
+class Products final : public EntrySource {
+public:
+    /// Products of distinct labels are distinct, and the factors are shorter lists to look through.
+    Products(const IState& a, const IState& b, std::uint64_t dimension, std::size_t size)
+        : EntrySource(size, is_distinct(a) && is_distinct(b)), a_(a.packed_amplitudes()),
+          b_(b.packed_amplitudes()), front_(a, dimension, 0), behind_(b, dimension, a.num_qudits()) {}
+
+    void write(std::span<PackedAmplitude> list) const noexcept override {
+        if (list.empty())
+            return;
+        // The second's entries wait, packed, where their products with the last of the first's will stand.
+        const std::span<PackedAmplitude> waiting = list.last(b_.size());
+        std::transform(b_.begin(), b_.end(), waiting.begin(), behind_);
+        auto place = list.begin();
+        for (const PackedAmplitude& entry : a_) {
+            const PackedAmplitude x = front_(entry);
+            for (const PackedAmplitude& y : waiting)
+                *place++ = {x.values | y.values, x.dimensions | y.dimensions, x.amplitude * y.amplitude};
+        }
+    }
+
+private:
+    PackedEntries a_;
+    PackedEntries b_;
+    Repacking front_;
+    Repacking behind_;
+};
 
 } // namespace
 
@@ -56,28 +87,12 @@ std::unique_ptr<IState> tensor_product(const IState& a, const IState& b) {
     using Factory = StateFactory<MAX_DIMENSION, MAX_NUM>;
     const typename Factory::BasisConfig config{a.dimension() > b.dimension() ? a.dimension() : b.dimension(),
                                                a.num_qudits() + b.num_qudits()};
-    // The factory tests both limits, in this order, but only once the list stands; a product that is
-    // far too large is refused here before it exhausts the memory.
+    // The factory tests both limits too, in this order, but only once the factors have been looked through.
     const std::size_t size = a.packed_amplitudes().size() * b.packed_amplitudes().size();
     if (size > MAX_STATE_ENTRIES)
         throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
-
-    const Repacking first(a, config.dim, 0);
-    const Repacking second(b, config.dim, a.num_qudits());
-    std::vector<PackedAmplitude> behind;
-    behind.reserve(b.packed_amplitudes().size());
-    std::transform(b.packed_amplitudes().begin(), b.packed_amplitudes().end(), std::back_inserter(behind),
-                   second);
-    std::vector<PackedAmplitude> product;
-    product.reserve(size);
-    for (const PackedAmplitude& entry : a.packed_amplitudes()) {
-        const PackedAmplitude x = first(entry);
-        for (const PackedAmplitude& y : behind)
-            product.push_back({x.values | y.values, x.dimensions | y.dimensions, x.amplitude * y.amplitude});
-    }
-    // Products of distinct labels are distinct, and the factors are shorter lists to look through.
-    return Factory::make_unique_state(config, PackedEntries(product, is_distinct(a) && is_distinct(b)));
+    return Factory::make_unique_state(config, Products(a, b, config.dim, size));
 }
 
 template std::unique_ptr<IState> tensor_product<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>(const IState& a,

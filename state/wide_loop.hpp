@@ -13,11 +13,20 @@ template <class Loop>
     loop();
 }
 
+/// Apart from its caller, so that this one does not prepare for both forms.
+template <class Loop> [[gnu::noinline]] void in_plain_vectors(const Loop& loop) {
+    loop();
+}
+
 #else
 
 inline constexpr bool has_wide_vectors = false;
 
 template <class Loop> void in_wide_vectors(const Loop& loop) {
+    loop();
+}
+
+template <class Loop> void in_plain_vectors(const Loop& loop) {
     loop();
 }
 
@@ -29,7 +38,7 @@ template <class Loop> void wide_loop(const Loop& loop) {
     if (has_wide_vectors)
         in_wide_vectors(loop);
     else
-        loop();
+        in_plain_vectors(loop);
 }
 
 } // namespace vantel::qudit

@@ -81,7 +81,7 @@ std::string told(const World& world) {
             for (std::size_t j = 0; j < world.q.size() && !shared.is_stale(i); ++j)
                 if (shared.properties[i] == world.q[j].get())
                     text << ' ' << j;
-        if (shared.properties.front() == handle.get())
+        if (shared.properties[0] == handle.get())
             for (const Entry& entry : shared.state->basis_amplitudes())
                 text << '\n' << entry.dits << entry.amplitude;
     }

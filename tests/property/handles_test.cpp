@@ -13,6 +13,11 @@ namespace {
 
 using List = std::vector<QuantumProperty*>;
 
+List handles_beside(const Handle& handle) {
+    const auto& list = handle->shared_state->properties;
+    return {list.begin(), list.end()};
+}
+
 Entries entries_behind(const Handle& handle) {
     return handle->shared_state->state->basis_amplitudes();
 }
@@ -24,7 +29,7 @@ TEST(Merge, PutsTheSecondBehindTheFirstInEveryRespect) {
     ASSERT_EQ(merge({b.get(), a.get()}), 0);
     ASSERT_EQ(merge({c.get(), a.get(), c.get(), b.get()}), 0);
     EXPECT_EQ((std::vector<int>{a->index, b->index, c->index}), (std::vector<int>{2, 1, 0}));
-    EXPECT_EQ(a->shared_state->properties, (List{c.get(), b.get(), a.get()}));
+    EXPECT_EQ(handles_beside(a), (List{c.get(), b.get(), a.get()}));
     EXPECT_EQ(a->shared_state->state->dimension(), 5U);
     EXPECT_TRUE(same_entries(entries_behind(a), entries_of({5, 3, 2}, {{{0, 1, 0}, 0.7071067811865475},
                                                                        {{0, 1, 1}, 0.7071067811865475}})));
@@ -36,13 +41,43 @@ TEST(Release, LetsTheLastQuditTakeThePlaceAndNeverShortensTheList) {
     merge({a.get(), b.get(), c.get()});
     a.reset();
     EXPECT_EQ((std::vector<int>{b->index, c->index}), (std::vector<int>{1, 0}));
-    EXPECT_EQ(b->shared_state->properties, (List{b.get(), c.get(), c.get()}));
+    EXPECT_EQ(handles_beside(b), (List{b.get(), c.get(), c.get()}));
     EXPECT_TRUE(same_entries(entries_behind(b), entries_of({5, 3}, {{{1, 0}, 1.0}})));
     c.reset();
     EXPECT_EQ(b->index, 0);
     EXPECT_EQ(b->shared_state->properties.size(), 3U);
     EXPECT_EQ(b->shared_state->state->dimension(), 5U);
     EXPECT_EQ(b->shared_state->state->qudit_dimension(0), 3U);
+}
+
+TEST(Release, OfManyGuestsLeavesALongListThatMergesInFrontAndBehind) {
+    const Handle host = qudit_of(2), front = qudit_of(3);
+    for (int i = 0; i < 12; ++i) {
+        const Handle guest = qudit_of(2);
+        merge({host.get(), guest.get()});
+    }
+    ASSERT_EQ(host->shared_state->properties.size(), 13U);
+    merge({front.get(), host.get()});
+    EXPECT_EQ(handles_beside(host)[1], host.get());
+    EXPECT_EQ(host->index, 1);
+    Handle last = qudit_of(2);
+    merge({host.get(), last.get()});
+    EXPECT_EQ(host->shared_state->properties.size(), 15U);
+    for (std::size_t i = 0; i < 15; ++i)
+        EXPECT_EQ(host->shared_state->is_stale(i), 2 <= i && i < 14) << i;
+    last.reset();
+    EXPECT_TRUE(host->shared_state->is_stale(14));
+}
+
+TEST(Gate, HoldsMoreConditionsThanAJointStateHasQudits) {
+    const Handle target = qudit_of(3), control = qudit_of(2);
+    std::vector<PredicateRecord> records(12, PredicateRecord{control.get(), 1, 0});
+    records.back() = {control.get(), 0, 0};
+    ASSERT_EQ(vantel_cycle(target.get(), 1.0F, records.data(), records.size()), 0);
+    EXPECT_TRUE(same_entries(entries_behind(target), entries_of({3, 2}, {{{0, 0}, 1.0}})));
+    records.back() = {control.get(), 0, 1};
+    ASSERT_EQ(vantel_cycle(target.get(), 1.0F, records.data(), records.size()), 0);
+    EXPECT_TRUE(same_entries(entries_behind(target), entries_of({3, 2}, {{{1, 0}, 1.0}})));
 }
 
 TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
@@ -75,7 +110,7 @@ TEST(Projection, ShiftsAHandleTwiceThatStandsTwice) {
     int result = -1;
     ASSERT_EQ(vantel_stochastic_projection(records.data(), 2, &result), 0);
     EXPECT_EQ(result, 1);
-    EXPECT_EQ(p->shared_state->properties, (List{p.get(), q.get(), q.get()}));
+    EXPECT_EQ(handles_beside(p), (List{p.get(), q.get(), q.get()}));
     EXPECT_EQ((std::vector<int>{p->index, q->index}), (std::vector<int>{1, 0}));
     const Handle front = qudit_of(2);
     merge({front.get(), p.get()});
@@ -126,14 +161,13 @@ TEST(StalePosition, IsNoHandleThatLivesAtItsAddressLater) {
     EXPECT_EQ(later->shared_state, own);
 
     merge({x.get(), y.get()}); // now it stands in one list with its stale twin
-    const auto& list = x->shared_state->properties;
-    const List before = list;
+    const List before = handles_beside(x);
     const auto twins = std::count(before.begin(), before.end(), later);
     ASSERT_EQ(twins, 2);
     ASSERT_EQ(before.back(), later);
     later->~QuantumProperty();
-    EXPECT_EQ(list, before);
-    EXPECT_EQ(std::count(x->shared_state->stale.begin(), x->shared_state->stale.end(), true), twins);
+    EXPECT_EQ(handles_beside(x), before);
+    EXPECT_EQ(std::count(x->shared_state->stale.begin(), x->shared_state->stale.end(), 1), twins);
 }
 
 } // namespace
