@@ -26,28 +26,29 @@ public:
     /// Whether every control holds for a label of these levels.
     [[nodiscard]] bool operator()(std::uint64_t values) const noexcept { return mask(values) != 0; }
 
-    /// The same as a mask, for one word of levels or for two: all bits set where every control holds.
-    template <class Word> [[nodiscard]] Word mask(Word values) const noexcept {
+    /// The same as a mask, for one word of levels or for several: all bits set where every control holds.
+    template <class Word> [[nodiscard, gnu::always_inline]] Word mask(Word values) const noexcept {
         Word holds = equal(values & fields_, wanted_);
         for (unsigned i = 0; i < refusals_; ++i)
             holds &= ~equal(values & refused_[i].field, refused_[i].level);
         return holds;
     }
 
-    /// Calls `loop(entries, holds)` as a wide_loop, where holds(values) is the cheapest form of mask() that
-    /// has the same answers.
+    /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of
+    /// mask() that has the same answers and `vectors` is the loop's tag.
     template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
-        const auto run = [&](const auto& holds) { wide_loop([&] { loop(entries, holds); }); };
+        const auto run = [&](const auto& holds) {
+            wide_loop([&](auto vectors) { loop(entries, holds, vectors); });
+        };
+        const Required required{fields_, wanted_};
         if (refusals_ > 1)
-            run([&all = *this](auto values) { return all.mask(values); });
+            run(All{*this});
         else if (refusals_ == 1)
-            run([fields = fields_, wanted = wanted_, refused = refused_[0]](auto values) {
-                return equal(values & fields, wanted) & ~equal(values & refused.field, refused.level);
-            });
+            run(RequiredBesideOne{required, refused_[0]});
         else if (is_empty())
-            run([](auto values) { return ~(values ^ values); });
+            run(None{});
         else
-            run([fields = fields_, wanted = wanted_](auto values) { return equal(values & fields, wanted); });
+            run(required);
     }
 
 private:
@@ -55,6 +56,36 @@ private:
     struct Refusal {
         std::uint64_t field;
         std::uint64_t level;
+    };
+
+    // The forms of mask().
+    struct None {
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const {
+            return ~(values ^ values);
+        }
+    };
+    struct Required {
+        std::uint64_t fields;
+        std::uint64_t wanted;
+
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const {
+            return equal(values & fields, wanted);
+        }
+    };
+    struct RequiredBesideOne {
+        Required required;
+        Refusal refused;
+
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const {
+            return required(values) & ~equal(values & refused.field, refused.level);
+        }
+    };
+    struct All {
+        const ControlTest& controls;
+
+        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const {
+            return controls.mask(values);
+        }
     };
 
     void require(unsigned position, std::int64_t level) noexcept;
@@ -82,7 +113,7 @@ void guard_size(std::size_t entries, const char* text = STATE_SIZE_EXCEEDED);
 template <class Gate>
 void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
                       const Gate& gate) {
-    controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test) {
+    controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test, auto) {
         const auto holds = test; // copies that no store to an entry can be thought to change
         const Gate own = gate;
         const auto one = [&](PackedAmplitude& entry) { own.one(entry, holds(entry.values) != 0); };
@@ -98,46 +129,6 @@ void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& con
             const Words values = own(labels.values, labels.dimensions, holds(labels.values));
             entry[0].values = values[0];
             entry[1].values = values[1];
-        }
-        if (entry != end)
-            one(*entry);
-    });
-}
-
-/// Multiplies the amplitudes of all selected entries, likewise by twos; a pair of which none is selected is
-/// passed over, which saves more than a branch that was foreseen wrongly costs.
-/// @param gate  gate.factor(values) is the factor of a label, where gate.is_odd(dimensions) has no bits set
-///              for the two labels of a pair; gate.odd_factor(entry) is that of an entry of any kind
-template <class Gate>
-void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
-                      const Gate& gate) {
-    controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test) {
-        const auto holds = test; // as above
-        const Gate own = gate;
-        const auto one = [&](PackedAmplitude& entry) {
-            if (holds(entry.values) != 0)
-                store(own.odd_factor(entry)(parts_of(entry.amplitude)), entry.amplitude);
-        };
-        PackedAmplitude* entry = walked.data();
-        PackedAmplitude* const end = entry + walked.size();
-        for (; end - entry >= 2; entry += 2) {
-            const LabelPair labels(entry);
-            const Words selected = holds(labels.values);
-            if (!any(selected))
-                continue;
-            const Parts first = parts_of(entry[0].amplitude);
-            const Parts second = parts_of(entry[1].amplitude);
-            const Parts first_turned = own.factor(entry[0].values).unrecovered(first);
-            const Parts second_turned = own.factor(entry[1].values).unrecovered(second);
-            // A sum with NaN says that some product may have an infinity to recover.
-            const Parts sum = first_turned + second_turned;
-            if (any(own.is_odd(labels.dimensions) | reinterpret_cast<Words>(sum != sum))) [[unlikely]] {
-                one(entry[0]);
-                one(entry[1]);
-                continue;
-            }
-            store(select(Words{selected[0], selected[0]}, first_turned, first), entry[0].amplitude);
-            store(select(Words{selected[1], selected[1]}, second_turned, second), entry[1].amplitude);
         }
         if (entry != end)
             one(*entry);

@@ -1,7 +1,9 @@
 #include <cmath>
 #include <complex>
 
+#include "gates/entry_group.hpp"
 #include "gates/frame.hpp"
+#include "gates/rephase.hpp"
 #include "state/builds.hpp"
 #include "state/packed_view.hpp"
 #include "state/state.hpp"
@@ -10,19 +12,20 @@ namespace vantel::qudit {
 
 namespace {
 
-/// One factor for every label.
+/// One factor for every label, whatever its dimensions.
 struct Rotation {
-    Factor turn;
+    static constexpr std::uint64_t field = 0;
+    static constexpr std::uint64_t top = 0;
+    Doubled turn;
 
-    [[nodiscard]] const Factor& factor(std::uint64_t /*values*/) const { return turn; }
-    [[nodiscard]] static Words is_odd(Words /*dimensions*/) { return Words{}; }
-    [[nodiscard]] const Factor& odd_factor(const PackedAmplitude& /*entry*/) const { return turn; }
+    [[nodiscard]] const Doubled& factor(const PackedAmplitude& /*entry*/) const { return turn; }
+    [[nodiscard]] Factor any_factor(const PackedAmplitude& /*entry*/) const { return Factor(turn.parts()); }
 };
 
 void rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const std::vector<Predicate>& controls,
             float angle) {
     // Single precision, unlike the other phases: repeated rotations let the norm drift by as much. Meant.
-    const Factor turn(std::complex<double>(std::cos(angle), std::sin(angle)));
+    const Doubled turn(std::complex<double>(std::cos(angle), std::sin(angle)));
     rephase_selected(entries, ControlTest(controls, layout), Rotation{turn});
     guard_size(entries.size());
 }
