@@ -2,8 +2,10 @@
 #include <cmath>
 #include <complex>
 
+#include "gates/entry_group.hpp"
 #include "gates/frame.hpp"
 #include "gates/kernels.hpp"
+#include "gates/rephase.hpp"
 
 namespace vantel::qudit {
 
@@ -31,7 +33,7 @@ struct FractionalSteps {
 };
 
 /// The phases of the levels of a dit in a call, each worked out once.
-using Phases = std::array<Factor, 16>;
+using Phases = std::array<Doubled, 16>;
 
 template <class Steps>
 Phases phases_of(std::span<const PackedAmplitude> entries, unsigned position, std::uint64_t field,
@@ -47,7 +49,7 @@ Phases phases_of(std::span<const PackedAmplitude> entries, unsigned position, st
     Phases phases;
     for (std::uint64_t level = 0; level <= field >> position; ++level)
         if ((occurring >> level & 1) != 0)
-            phases[level] = Factor(phase(dimension, steps(level)));
+            phases[level] = Doubled(phase(dimension, steps(level)));
     return phases;
 }
 
@@ -55,19 +57,21 @@ Phases phases_of(std::span<const PackedAmplitude> entries, unsigned position, st
 template <class Steps> struct Turning {
     Steps steps;
     unsigned position;
-    std::uint64_t field;
-    std::uint64_t top; ///< the target's highest level in the first entry, in place
+    std::uint64_t levels; ///< mask of a level as a number
+    std::uint64_t field;  ///< the same in place
+    std::uint64_t top;    ///< the target's highest level in the first entry, in place
     const Phases* phases;
 
-    [[nodiscard]] const Factor& factor(std::uint64_t values) const {
-        return (*phases)[(values & field) >> position];
+    [[nodiscard]] const Doubled& factor(const PackedAmplitude& entry) const {
+        return (*phases)[level(entry)];
     }
-    [[nodiscard]] Words is_odd(Words dimensions) const { return (dimensions & field) ^ top; }
-    [[nodiscard]] Factor odd_factor(const PackedAmplitude& entry) const {
+    [[nodiscard]] Factor any_factor(const PackedAmplitude& entry) const {
         const std::uint64_t own_top = entry.dimensions & field;
-        return own_top == top
-                   ? factor(entry.values)
-                   : Factor(phase((own_top >> position) + 1, steps((entry.values & field) >> position)));
+        return own_top == top ? Factor(factor(entry).parts())
+                              : Factor(phase((own_top >> position) + 1, steps(level(entry))));
+    }
+    [[nodiscard]] std::uint64_t level(const PackedAmplitude& entry) const {
+        return entry.values >> position & levels;
     }
 };
 
@@ -82,7 +86,8 @@ void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gat
         const std::uint64_t field = layout.mask() << position;
         const std::uint64_t top = entries.front().dimensions & field;
         const Phases phases = phases_of(entries, position, field, (top >> position) + 1, steps);
-        rephase_selected(entries, controls_hold, Turning<Steps>{steps, position, field, top, &phases});
+        rephase_selected(entries, controls_hold,
+                         Turning<Steps>{steps, position, layout.mask(), field, top, &phases});
     }
 }
 

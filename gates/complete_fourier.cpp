@@ -91,7 +91,7 @@ std::optional<FourierSums> FourierSums::of_complete(std::span<const PackedAmplit
     FourierFactors factors(dimension, sign);
     with_small_dimension(dimension, [&](auto constant) {
         constexpr std::uint64_t d = constant;
-        controls_hold.walk(entries, [&](std::span<const PackedAmplitude> list, const auto& test) {
+        controls_hold.walk(entries, [&](std::span<const PackedAmplitude> list, const auto& test, auto) {
             const auto holds = test; // copies that no store to a sum can be thought to change
             const FourierFactors::Row* const rows = factors.all();
             const auto amplitude = [list](std::uint32_t member) { return parts_of(list[member].amplitude); };

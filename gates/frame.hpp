@@ -33,10 +33,12 @@ public:
         return holds;
     }
 
-    /// Calls `loop(entries, holds)` as a wide_loop, where holds(values) is the cheapest form of mask() that
-    /// has the same answers.
+    /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of
+    /// mask() that has the same answers and `vectors` is the loop's tag.
     template <class Entry, class Loop> void walk(std::span<Entry> entries, Loop loop) const {
-        const auto run = [&](const auto& holds) { wide_loop([&] { loop(entries, holds); }); };
+        const auto run = [&](const auto& holds) {
+            wide_loop([&](auto vectors) { loop(entries, holds, vectors); });
+        };
         if (refusals_ > 1)
             run(All{*this});
         else if (refusals_ == 1)
@@ -134,53 +136,13 @@ PackedAmplitude* relabel_by(PackedAmplitude* entry, PackedAmplitude* end, const 
 template <class Relabelling>
 void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
                       const Relabelling& gate) {
-    controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test) {
+    controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test, auto) {
         const auto holds = test; // copies that no store to an entry can be thought to change
         const Relabelling own = gate;
         PackedAmplitude* const end = walked.data() + walked.size();
         PackedAmplitude* rest = relabel_by<FourLabels>(walked.data(), end, own, holds);
         rest = relabel_by<LabelPair>(rest, end, own, holds);
         relabel_by<OneLabel>(rest, end, own, holds);
-    });
-}
-
-/// Multiplies the amplitudes of all selected entries, by twos; a pair of which none is selected is
-/// passed over, which saves more than a branch that was foreseen wrongly costs.
-/// @param gate  gate.factor(values) is the factor of a label, where gate.is_odd(dimensions) has no bits set
-///              for the two labels of a pair; gate.odd_factor(entry) is that of an entry of any kind
-template <class Gate>
-void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
-                      const Gate& gate) {
-    controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test) {
-        const auto holds = test; // as above
-        const Gate own = gate;
-        const auto one = [&](PackedAmplitude& entry) {
-            if (holds(entry.values) != 0)
-                store(own.odd_factor(entry)(parts_of(entry.amplitude)), entry.amplitude);
-        };
-        PackedAmplitude* entry = walked.data();
-        PackedAmplitude* const end = entry + walked.size();
-        for (; end - entry >= 2; entry += 2) {
-            const LabelPair labels(entry);
-            const Words selected = holds(labels.values);
-            if (!any(selected))
-                continue;
-            const Parts first = parts_of(entry[0].amplitude);
-            const Parts second = parts_of(entry[1].amplitude);
-            const Parts first_turned = own.factor(entry[0].values).unrecovered(first);
-            const Parts second_turned = own.factor(entry[1].values).unrecovered(second);
-            // A sum with NaN says that some product may have an infinity to recover.
-            const Parts sum = first_turned + second_turned;
-            if (any(own.is_odd(labels.dimensions) | reinterpret_cast<Words>(sum != sum))) [[unlikely]] {
-                one(entry[0]);
-                one(entry[1]);
-                continue;
-            }
-            store(select(Words{selected[0], selected[0]}, first_turned, first), entry[0].amplitude);
-            store(select(Words{selected[1], selected[1]}, second_turned, second), entry[1].amplitude);
-        }
-        if (entry != end)
-            one(*entry);
     });
 }
 

@@ -1,20 +1,23 @@
 #include <cmath>
 #include <complex>
 
+#include "gates/entry_group.hpp"
 #include "gates/frame.hpp"
 #include "gates/kernels.hpp"
+#include "gates/rephase.hpp"
 
 namespace vantel::qudit {
 
 namespace {
 
-/// One factor for every label.
+/// One factor for every label, whatever its dimensions.
 struct Rotation {
-    Factor turn;
+    static constexpr std::uint64_t field = 0;
+    static constexpr std::uint64_t top = 0;
+    Doubled turn;
 
-    [[nodiscard]] const Factor& factor(std::uint64_t /*values*/) const { return turn; }
-    [[nodiscard]] static Words is_odd(Words /*dimensions*/) { return Words{}; }
-    [[nodiscard]] const Factor& odd_factor(const PackedAmplitude& /*entry*/) const { return turn; }
+    [[nodiscard]] const Doubled& factor(const PackedAmplitude& /*entry*/) const { return turn; }
+    [[nodiscard]] Factor any_factor(const PackedAmplitude& /*entry*/) const { return Factor(turn.parts()); }
 };
 
 } // namespace
@@ -22,7 +25,7 @@ struct Rotation {
 void rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& phase_rotate) {
     const float angle = phase_rotate.number;
     // Single precision, unlike the other phases: repeated rotations let the norm drift by as much. Meant.
-    const Factor turn(std::complex<double>(std::cos(angle), std::sin(angle)));
+    const Doubled turn(std::complex<double>(std::cos(angle), std::sin(angle)));
     rephase_selected(entries, ControlTest(phase_rotate.controls, layout), Rotation{turn});
     guard_size(entries.size());
 }

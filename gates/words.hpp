@@ -11,6 +11,9 @@ namespace vantel::qudit {
 /// One 64-bit word of each of two entries in one vector register.
 using Words [[gnu::vector_size(16)]] = std::uint64_t;
 
+/// Likewise of four.
+using FourWords [[gnu::vector_size(32)]] = std::uint64_t;
+
 /// The two label words of an entry as they lie in memory.
 using StoredWords [[gnu::vector_size(16), gnu::aligned(8), gnu::may_alias]] = std::uint64_t;
 
@@ -110,10 +113,5 @@ struct FourLabels {
         first[3].values = values[3];
     }
 };
-
-/// `chosen` where the mask's bits are set, `other` elsewhere.
-inline Parts select(Words mask, Parts chosen, Parts other) noexcept {
-    return mask ? chosen : other;
-}
 
 } // namespace vantel::qudit

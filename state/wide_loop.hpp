@@ -1,7 +1,28 @@
 /// Hot loops in the instructions of the processor at hand.
 #pragma once
 
+#include <type_traits>
+
 namespace vantel::qudit {
+
+/// What a loop's vectors are compiled for, as a tag: all that every processor of the target has, or wide
+/// ones.
+struct PlainVectors {};
+struct WideVectors {};
+
+#if defined(__AVX2__)
+using OwnVectors = WideVectors;
+#else
+using OwnVectors = PlainVectors;
+#endif
+
+/// Calls the loop, with the tag if it wants that.
+template <class Vectors, class Loop> void run_loop(const Loop& loop) {
+    if constexpr (std::is_invocable_v<const Loop&>)
+        loop();
+    else
+        loop(Vectors{});
+}
 
 #if defined(__x86_64__) && !defined(__AVX2__) && !defined(VANTEL_BASELINE_LOOPS)
 
@@ -10,12 +31,12 @@ inline const bool has_wide_vectors = __builtin_cpu_supports("avx2") && __builtin
 
 template <class Loop>
 [[gnu::target("avx2,bmi2"), gnu::flatten, gnu::noinline]] void in_wide_vectors(const Loop& loop) {
-    loop();
+    run_loop<WideVectors>(loop);
 }
 
 /// Apart from its caller, so that this one does not prepare for both forms.
 template <class Loop> [[gnu::noinline]] void in_plain_vectors(const Loop& loop) {
-    loop();
+    run_loop<OwnVectors>(loop);
 }
 
 #else
@@ -23,17 +44,18 @@ template <class Loop> [[gnu::noinline]] void in_plain_vectors(const Loop& loop) 
 inline constexpr bool has_wide_vectors = false;
 
 template <class Loop> void in_wide_vectors(const Loop& loop) {
-    loop();
+    run_loop<OwnVectors>(loop);
 }
 
 template <class Loop> void in_plain_vectors(const Loop& loop) {
-    loop();
+    run_loop<OwnVectors>(loop);
 }
 
 #endif
 
 /// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor
-/// turns out to have them.
+/// turns out to have them. What vectors of the compiler's own cannot say well is chosen by the tag that a
+/// loop may have as its parameter.
 template <class Loop> void wide_loop(const Loop& loop) {
     if (has_wide_vectors)
         in_wide_vectors(loop);
