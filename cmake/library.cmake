@@ -3,6 +3,7 @@
 add_library(vantel_objects OBJECT
     gates/clock.cpp
     gates/cycle.cpp
+    gates/exchange_sums.cpp
     gates/fractional_shift.cpp
     gates/fourier_sums.cpp
     gates/frame.cpp
@@ -26,6 +27,7 @@ add_library(vantel_objects OBJECT
     readout/reduced_density_matrix.cpp
     state/distinct_labels.cpp
     state/dit_array.cpp
+    state/entries_by_rank.cpp
     state/exceptions.cpp
     state/field_groups.cpp
     state/radix_sort.cpp

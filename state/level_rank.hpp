@@ -47,6 +47,15 @@ public:
         return rank;
     }
 
+    /// Calls `use` with the cheapest function that gives the same numbers.
+    template <class Use> auto cheapest(Use use) const {
+        if (count_ > 2)
+            return use([this](std::uint64_t values) { return (*this)(values); });
+        return use([low = chunks_[0], high = chunks_[1]](std::uint64_t values) {
+            return low(values) + high(values);
+        });
+    }
+
 private:
     /// More than the size of any table. A list has fewer than 64 qudits before its table has no size at all,
     /// so this does not overflow when it is summed.
