@@ -23,6 +23,7 @@ add_library(vantel_objects OBJECT
     property/release.cpp
     readout/draw.cpp
     readout/measure.cpp
+    readout/partners.cpp
     readout/probabilities.cpp
     readout/reduced_density_matrix.cpp
     state/distinct_labels.cpp
