@@ -45,19 +45,20 @@ std::optional<EntriesByRank> EntriesByRank::of(std::span<const PackedAmplitude> 
             const std::uint64_t own_dimensions = dimensions;
             const std::uint64_t own_ranks = ranks;
             const bool complete = table.is_complete();
-            std::uint32_t* const positions = table.positions.data();
-            Copy* const copies = table.copies.get();
+            std::uint32_t* const position_of = table.positions.data();
+            Copy* const copied = table.copies.get();
             std::uint64_t i = 0;
             for (const PackedAmplitude& entry : own_entries) {
                 const std::uint64_t r = own_rank(entry.values);
-                if (entry.dimensions != own_dimensions || r >= own_ranks || positions[r] != 0) [[unlikely]] {
+                if (entry.dimensions != own_dimensions || r >= own_ranks || position_of[r] != 0)
+                    [[unlikely]] {
                     regular = false;
                     return;
                 }
                 const std::uint64_t position = complete ? r : i++;
-                positions[r] = static_cast<std::uint32_t>(position + 1);
-                copies[position].values = entry.values;
-                store(parts_of(entry.amplitude), copies[position].amplitude);
+                position_of[r] = static_cast<std::uint32_t>(position + 1);
+                copied[position].values = entry.values;
+                store(parts_of(entry.amplitude), copied[position].amplitude);
             }
         });
     });

@@ -36,7 +36,7 @@ Entries scattered(std::size_t count, bool finite) {
 }
 
 TEST(DensityMatrix, AddsUpFarApartLabelsAsTheLiteralModelDoes) {
-    for (const std::size_t count : {3, 64, 65, 400})
+    for (const std::size_t count : std::vector<std::size_t>{3, 64, 65, 400})
         for (const bool finite : {true, false})
             for (const Ints& kept : {Ints{5}, Ints{5, 2}}) {
                 const Entries entries = scattered(count, finite);
