@@ -5,6 +5,7 @@ add_library(vantel_objects OBJECT
     gates/clock.cpp
     gates/complete_fourier.cpp
     gates/cycle.cpp
+    gates/exchange_sums.cpp
     gates/fractional_shift.cpp
     gates/fourier_sums.cpp
     gates/frame.cpp
@@ -24,11 +25,13 @@ add_library(vantel_objects OBJECT
     property/release.cpp
     readout/draw.cpp
     readout/measure.cpp
+    readout/partners.cpp
     readout/probabilities.cpp
     readout/reduced_density_matrix.cpp
     state/complete_list.cpp
     state/distinct_labels.cpp
     state/dit_array.cpp
+    state/entries_by_rank.cpp
     state/exceptions.cpp
     state/field_groups.cpp
     state/radix_sort.cpp

@@ -11,9 +11,19 @@ namespace vantel::qudit {
 class Exchange {
 public:
     Exchange(SlotLayout layout, int first, int second) noexcept {
-        const unsigned low = std::min(layout.position(first), layout.position(second));
-        distance_ = std::max(layout.position(first), layout.position(second)) - low;
-        low_field_ = layout.mask() << low;
+        low_ = std::min(layout.position(first), layout.position(second));
+        distance_ = std::max(layout.position(first), layout.position(second)) - low_;
+        mask_ = layout.mask();
+        low_field_ = layout.mask() << low_;
+    }
+
+    /// Where the two fields stand.
+    [[nodiscard]] unsigned low() const noexcept { return low_; }
+    [[nodiscard]] unsigned high() const noexcept { return low_ + distance_; }
+
+    /// By how many levels the lower field is ahead of the higher one; negative numbers wrap around.
+    [[nodiscard]] std::uint64_t ahead(std::uint64_t word) const noexcept {
+        return (word >> low_ & mask_) - (word >> high() & mask_);
     }
 
     /// What a word differs in, bit by bit, from itself with the two fields exchanged; 0 if they are equal.
@@ -24,7 +34,9 @@ public:
     }
 
 private:
+    unsigned low_;
     unsigned distance_;
+    std::uint64_t mask_;
     std::uint64_t low_field_;
 };
 

@@ -169,15 +169,12 @@ FourierSums::FourierSums(std::size_t most_groups, std::uint64_t dimension, unsig
 
 std::optional<FourierSums> FourierSums::of(std::span<const PackedAmplitude> entries, SlotLayout layout,
                                            int target, const ControlTest& controls_hold, double sign) {
-    constexpr std::size_t few_children = 32;
     constexpr std::size_t many_entries = std::size_t{1} << 24;
     if (entries.empty() || entries.size() >= many_entries)
         return {};
     const unsigned position = layout.position(target);
     const std::uint64_t dimensions = entries.front().dimensions;
     const std::uint64_t dimension = (dimensions >> position & layout.mask()) + 1;
-    if (entries.size() * dimension <= few_children)
-        return {};
     if (std::optional<FourierSums> sums = of_complete(entries, layout, target, controls_hold, sign))
         return sums;
     const Survey survey(entries, layout.mask() << position);

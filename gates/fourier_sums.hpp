@@ -19,8 +19,8 @@ namespace vantel::qudit {
 class FourierSums {
 public:
     /// Works out the sums.
-    /// @return nothing where the list is so short that the literal form is quicker, or so unlike what the
-    ///         gates leave (labels of unequal dimensions, levels beyond them) that only that form serves
+    /// @return nothing where the list is empty, far over the limit, or so unlike what the gates leave (labels
+    ///         of unequal dimensions, levels beyond them) that only the literal form serves
     /// @throws std::bad_alloc
     static std::optional<FourierSums> of(std::span<const PackedAmplitude> entries, SlotLayout layout,
                                          int target, const ControlTest& controls_hold, double sign);
@@ -34,8 +34,8 @@ public:
 private:
     class Builder;
 
-    /// The same for a list of more than a few entries; nothing where some combination of levels is missing
-    /// or occurs more than once.
+    /// The same for a list that is not empty; nothing where some combination of levels is missing or occurs
+    /// more than once.
     static std::optional<FourierSums> of_complete(std::span<const PackedAmplitude> entries, SlotLayout layout,
                                                   int target, const ControlTest& controls_hold, double sign);
 

@@ -114,4 +114,9 @@ struct FourLabels {
     }
 };
 
+/// `chosen` where the mask's bits are set, `other` elsewhere.
+inline Parts select(Words mask, Parts chosen, Parts other) noexcept {
+    return mask ? chosen : other;
+}
+
 } // namespace vantel::qudit

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "readout/levels.hpp"
+#include "readout/partners.hpp"
 #include "readout/ranked.hpp"
 #include "state/builds.hpp"
 #include "state/complete_list.hpp"
-#include "state/field_groups.hpp"
 #include "state/key_index.hpp"
 #include "state/packed_view.hpp"
 #include "state/product.hpp"
@@ -20,35 +20,6 @@
 namespace vantel::qudit {
 
 namespace {
-
-/// The entries that pair with each: those with the same levels in the traced fields, itself included, in
-/// stored order. Only such pairs contribute.
-class Partners {
-public:
-    using Members = std::span<const std::uint32_t>;
-
-    /// @param most  how many partners an entry has, unless labels are repeated
-    Partners(std::span<const PackedAmplitude> entries, std::uint64_t traced, std::uint64_t most)
-        : groups_(entries, traced, any_bits(entries), most), of_(entries.size()) {
-        groups_.for_each([this](Members members) {
-            for (const std::uint32_t member : members)
-                of_[member] = members;
-        });
-    }
-
-    [[nodiscard]] Members of(std::size_t entry) const { return of_[entry]; }
-
-private:
-    static std::uint64_t any_bits(std::span<const PackedAmplitude> entries) {
-        std::uint64_t any = 0;
-        for (const PackedAmplitude& entry : entries)
-            any |= entry.values;
-        return any;
-    }
-
-    FieldGroups groups_;
-    std::vector<Members> of_;
-};
 
 Parts conjugate(const std::complex<double>& amplitude) {
     return negated<1>(parts_of(amplitude));
@@ -77,18 +48,19 @@ std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries,
     const Partners partners(entries, traced_fields, side);
     const auto bits = static_cast<unsigned>(std::bit_width(side * side));
     return with_key_index(bits, entries.size(), [&](auto& seen) {
+        const Partners::Lists lists = partners.lists();
         std::vector<PackedElement> elements;
-        for (std::size_t a = 0; a < entries.size(); ++a) {
+        for (std::uint32_t a = 0; a < entries.size(); ++a) {
             const Factor amplitude(entries[a].amplitude);
             const std::uint64_t row = kept[a] * side;
-            for (const std::uint32_t b : partners.of(a)) {
+            lists.for_each_of(a, [&](std::uint32_t b) {
                 const Parts product = amplitude(conjugate(entries[b].amplitude));
                 const std::size_t position = seen.find_or_add(row + kept[b]);
                 if (position == elements.size())
                     elements.push_back({entries[a].values, entries[b].values, complex_of(product)});
                 else
                     store(parts_of(elements[position].element) + product, elements[position].element);
-            }
+            });
         }
         return elements;
     });
@@ -106,20 +78,29 @@ void add_up(RankedMatrix& matrix, std::span<const PackedAmplitude> entries, cons
             std::span<const std::uint32_t> ranks, std::size_t side, Times times) {
     clear(matrix);
     wide_loop([&matrix, entries, &partners, ranks, side, times] {
-        for (std::size_t a = 0; a < entries.size(); ++a) {
-            if (ranks[a] == side)
+        // Copies that no store to a byte can be thought to change.
+        const PackedAmplitude* const list = entries.data();
+        const auto count = static_cast<std::uint32_t>(entries.size());
+        const Partners::Lists lists = partners.lists();
+        const std::uint32_t* const rank_of = ranks.data();
+        const std::size_t own_side = side;
+        std::complex<double>* const elements = matrix.elements.data();
+        std::uint8_t* const all_reached = matrix.reached.data();
+        for (std::uint32_t a = 0; a < count; ++a) {
+            const std::size_t rank = rank_of[a];
+            if (rank == own_side)
                 continue;
-            const Factor amplitude(entries[a].amplitude);
-            std::complex<double>* const row = &matrix.elements[ranks[a] * side];
-            std::uint8_t* const reached = &matrix.reached[ranks[a] * side];
-            for (const std::uint32_t b : partners.of(a)) {
-                const std::uint32_t column = ranks[b];
-                if (column == side)
-                    continue;
-                const Parts product = times(amplitude, conjugate(entries[b].amplitude));
+            const Factor amplitude(list[a].amplitude);
+            std::complex<double>* const row = elements + rank * own_side;
+            std::uint8_t* const reached = all_reached + rank * own_side;
+            lists.for_each_of(a, [=](std::uint32_t b) {
+                const std::uint32_t column = rank_of[b];
+                if (column == own_side)
+                    return;
+                const Parts product = times(amplitude, conjugate(list[b].amplitude));
                 store(parts_of(row[column]) + product, row[column]);
                 reached[column] = 1;
-            }
+            });
         }
     });
 }
@@ -189,8 +170,12 @@ RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, Slo
     const Partners partners(entries, traced, side);
     // A label with a level beyond its dimension has the rank behind the last.
     std::vector<std::uint32_t> ranks(entries.size());
-    std::transform(entries.begin(), entries.end(), ranks.begin(), [&](const PackedAmplitude& entry) {
-        return static_cast<std::uint32_t>(std::min<std::uint64_t>(rank(entry.values), side));
+    rank.cheapest([&](const auto& cheapest) {
+        wide_loop([entries, side, rank_of = cheapest, begin = ranks.data()] {
+            std::uint32_t* next = begin;
+            for (const PackedAmplitude& entry : entries)
+                *next++ = static_cast<std::uint32_t>(std::min<std::uint64_t>(rank_of(entry.values), side));
+        });
     });
     add_up(matrix, entries, partners, ranks, side,
            [](const Factor& factor, Parts number) { return factor.unrecovered(number); });

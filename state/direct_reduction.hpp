@@ -122,4 +122,32 @@ private:
     std::size_t holes_left_; ///< of the present run
 };
 
+/// The same where every sum is of one label or of two.
+class PairedReduction {
+public:
+    /// @param holes  scratch for one place more than there are sums
+    PairedReduction(std::size_t sums, std::uint32_t* holes) noexcept : sums_(sums), holes_(holes) {}
+
+    /// The place of the next sum, ascending by label.
+    /// @param second  1 for a sum of two labels, 0 for that of one
+    std::size_t next(std::size_t second) noexcept {
+        const std::size_t first = length_;
+        length_ += 1 + second;
+        // No branch hangs on the number of labels: what is no hole is overwritten by the next.
+        if (first < sums_) {
+            holes_[hole_count_] = static_cast<std::uint32_t>(first);
+            hole_count_ += second;
+            if (first + second < sums_)
+                return first + second;
+        }
+        return holes_[--hole_count_];
+    }
+
+private:
+    std::size_t sums_;
+    std::uint32_t* holes_; ///< places of the list that no sum has taken yet, ascending, and one more
+    std::size_t hole_count_ = 0;
+    std::size_t length_ = 0; ///< of the sorted list up to now
+};
+
 } // namespace vantel::qudit

@@ -8,15 +8,20 @@
 
 namespace vantel::qudit {
 
+bool FieldGroups::are_close(std::size_t entries, std::uint64_t fields, std::uint64_t any,
+                            std::uint64_t most) noexcept {
+    constexpr std::uint64_t sparsest = 16;
+    const std::uint64_t range = Subkey(fields)(any) + 1;
+    return most <= std::numeric_limits<std::uint8_t>::max() && range <= sparsest * entries &&
+           range * most <= sparsest * entries;
+}
+
 FieldGroups::FieldGroups(std::span<const PackedAmplitude> entries, std::uint64_t fields, std::uint64_t any,
                          std::uint64_t most)
     : most_(most) {
-    // As long as there are no more places than this for each entry, a table is cheaper than sorting.
-    constexpr std::uint64_t sparsest = 16;
     const Subkey key_of(fields);
     const std::uint64_t range = key_of(any) + 1;
-    if (most > std::numeric_limits<std::uint8_t>::max() || range > sparsest * entries.size() ||
-        range * most > sparsest * entries.size() || !group_by_table(entries, key_of, range))
+    if (!are_close(entries.size(), fields, any, most) || !group_by_table(entries, key_of, range))
         group_by_sorting(entries, key_of);
     bound_ = std::min<std::uint64_t>(range, entries.size());
 }

@@ -22,6 +22,11 @@ public:
     FieldGroups(std::span<const PackedAmplitude> entries, std::uint64_t fields, std::uint64_t any,
                 std::uint64_t most);
 
+    /// Whether the groups' levels are so close together that a table of all of them is cheaper than sorting:
+    /// as long as it has not many more places than there are entries.
+    [[nodiscard]] static bool are_close(std::size_t entries, std::uint64_t fields, std::uint64_t any,
+                                        std::uint64_t most) noexcept;
+
     /// As many groups at the most.
     [[nodiscard]] std::size_t bound() const noexcept { return bound_; }
 

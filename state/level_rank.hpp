@@ -49,10 +49,12 @@ public:
     }
 
     /// Calls `use` with the cheapest function that gives the same numbers.
-    template <class Use> void cheapest(Use use) const {
+    template <class Use> auto cheapest(Use use) const {
         if (count_ > 2)
             return use([this](std::uint64_t values) { return (*this)(values); });
-        use([low = chunks_[0], high = chunks_[1]](std::uint64_t values) { return low(values) + high(values); });
+        return use([low = chunks_[0], high = chunks_[1]](std::uint64_t values) {
+            return low(values) + high(values);
+        });
     }
 
 private:
