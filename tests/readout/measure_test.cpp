@@ -1,6 +1,7 @@
 #include <random>
 #include <system_error>
 
+#include "readout/first_words.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
 
@@ -68,6 +69,15 @@ TEST(Measure, TakesTheFirstRunningSumStrictlyAboveTheNumber) {
     EXPECT_EQ(state_of({4}, terms)->measure({0}), Ints{2});
     terms[1].amplitude = std::sqrt(static_cast<double>(std::nextafter(weights[1], 1.0F)));
     EXPECT_EQ(state_of({4}, terms)->measure({0}), Ints{1});
+}
+
+TEST(FirstWords, AreThoseOfTheEngine) {
+    std::mt19937 seeds(1);
+    for (const std::uint32_t seed : {0U, 1U, ~0U, static_cast<std::uint32_t>(seeds())}) {
+        std::mt19937 engine(seed);
+        for (const std::uint32_t word : qudit::first_words<200>(seed))
+            ASSERT_EQ(word, engine()) << seed;
+    }
 }
 
 TEST(Measure, YieldsLevelZeroFromAnEmptyState) {
