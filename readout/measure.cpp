@@ -4,8 +4,9 @@
 
 #include "readout/draw.hpp"
 #include "readout/levels.hpp"
+#include "readout/noted_outcomes.hpp"
 #include "readout/single_precision_sum.hpp"
-#include "readout/squared_modulus.hpp"
+#include "readout/weights.hpp"
 #include "state/builds.hpp"
 #include "state/packed_view.hpp"
 #include "state/product.hpp"
@@ -18,22 +19,6 @@ namespace vantel::qudit {
 
 namespace {
 
-/// |a|^2 of each of some entries. NaN stands ahead of infinity.
-template <std::size_t count>
-void weigh(const PackedAmplitude* entries, std::array<double, count>& weights) noexcept {
-    for (std::size_t i = 0; i < count; i += 4) {
-        const FourParts even = __builtin_shufflevector(parts_of(entries[i].amplitude),
-                                                       parts_of(entries[i + 2].amplitude), 0, 1, 2, 3);
-        const FourParts odd = __builtin_shufflevector(parts_of(entries[i + 1].amplitude),
-                                                      parts_of(entries[i + 3].amplitude), 0, 1, 2, 3);
-        const FourParts even_squares = even * even;
-        const FourParts odd_squares = odd * odd;
-        *reinterpret_cast<StoredFourParts*>(&weights[i]) =
-            __builtin_shufflevector(even_squares, odd_squares, 0, 4, 2, 6) +
-            __builtin_shufflevector(even_squares, odd_squares, 1, 5, 3, 7);
-    }
-}
-
 float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
     SinglePrecisionSum sum;
     std::array<double, SinglePrecisionSum::block> weights;
@@ -41,7 +26,7 @@ float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
         const std::span<const PackedAmplitude> some = entries.first(std::min(weights.size(), entries.size()));
         entries = entries.subspan(some.size());
         if (some.size() == weights.size()) {
-            weigh(some.data(), weights);
+            PlainSquare{}(some.data(), weights);
             if (sum.add(weights))
                 continue;
         }
@@ -70,24 +55,36 @@ void renormalise(std::span<PackedAmplitude> entries) {
     wide_loop([=] { divide(entries, static_cast<double>(std::sqrt(squared_norm(entries)))); });
 }
 
-/// Keeps the entries that show the drawn outcome in the listed fields, at the front, and renormalises them.
-void project(std::span<PackedAmplitude> entries, std::uint64_t listed, const PackedOutcome& drawn) {
-    partition_two_ended(entries, drawn.entries, [=](const PackedAmplitude& entry) {
-        return ((entry.values ^ drawn.values) & listed) == 0;
-    });
-    renormalise(entries.first(drawn.entries));
+/// Moves the entries that show an outcome in the listed fields to the front. @return how many they are
+std::size_t project(std::span<PackedAmplitude> entries, std::uint64_t listed, std::uint64_t outcome,
+                    const OutcomeNumbers& numbers) {
+    std::size_t kept = 0;
+    if (numbers)
+        wide_loop([=, &kept, &numbers, number = Subkey(listed)(outcome)] {
+            kept = partition_two_ended(entries, [=, &numbers](std::size_t first, std::size_t count) {
+                return numbers.showing(number, first, count);
+            });
+        });
+    else
+        kept = partition_two_ended(entries, judged_by(entries, [=](const PackedAmplitude& entry) {
+                                       return ((entry.values ^ outcome) & listed) == 0;
+                                   }));
+    return kept;
 }
 
 } // namespace
 
 template <class Label> std::vector<int> State<Label>::measure(std::vector<int> qudits) {
-    const std::vector<PackedOutcome> outcomes = packed_probabilities(qudits);
-    if (outcomes.empty())
+    if (amplitudes.empty())
         return std::vector<int>(qudits.size(), 0);
-    const PackedOutcome drawn = outcomes[draw_outcome(outcomes)];
-    std::vector<int> levels = levels_of(Label::layout, drawn.values, qudits);
-    project(packed_view(amplitudes), fields_of(Label::layout, qudits), drawn);
-    amplitudes.resize(drawn.entries);
+    const std::span<PackedAmplitude> entries = packed_view(amplitudes);
+    const std::uint64_t listed = known_fields_of(Label::layout, qudits, Label::qudit_count);
+    const auto [outcomes, numbers] = noted_outcomes_of(entries, listed);
+    const std::uint64_t drawn = outcomes[draw_outcome(outcomes)].values;
+    std::vector<int> levels = levels_of(Label::layout, drawn, qudits);
+    const std::size_t kept = project(entries, listed, drawn, numbers);
+    renormalise(entries.first(kept));
+    amplitudes.resize(kept);
     return levels;
 }
 

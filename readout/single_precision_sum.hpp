@@ -21,21 +21,21 @@ namespace vantel::qudit {
 /// error. Such weights, and those that carry the sum across a power of two, are added literally.
 class SinglePrecisionSum {
 public:
-    static constexpr std::size_t block = 32;
+    static constexpr std::size_t block = 16;
 
-    [[nodiscard]] float value() const noexcept { return sum_; }
+    [[nodiscard]] float value() const noexcept { return static_cast<float>(sum_); }
 
-    void add(double weight) noexcept { sum_ = static_cast<float>(static_cast<double>(sum_) + weight); }
+    void add(double weight) noexcept {
+        const auto sum = static_cast<float>(sum_ + weight);
+        constexpr std::uint32_t exponent = 0x7F800000;
+        sum_ = static_cast<double>(sum);
+        power_ = static_cast<double>(std::bit_cast<float>(std::bit_cast<std::uint32_t>(sum) & exponent));
+    }
 
     /// Adds the weights, which are not negative, and which may be infinite or NaN.
     /// @return whether it did; where not, nothing has changed, and each is to be added by itself
     [[nodiscard]] bool add(const std::array<double, block>& weights) noexcept {
-        // Zero, as well as what is below the normal numbers or above them all, has no step here that a rest
-        // could be less than half of.
-        constexpr std::uint32_t exponent = 0x7F800000;
-        const auto power =
-            static_cast<double>(std::bit_cast<float>(std::bit_cast<std::uint32_t>(sum_) & exponent));
-        const double step = power * 0x1p-23;
+        const double step = power_ * 0x1p-23;
         // At this height the last place of a double is one step. What is not small beside it is far above the
         // next power of two.
         const double height = 0x1p52 * step;
@@ -52,16 +52,18 @@ public:
             multiples += multiple;
             clear &= (rest < nearly_half) & (rest > -nearly_half);
         }
-        const double sum =
-            static_cast<double>(sum_) + ((multiples[0] + multiples[1]) + (multiples[2] + multiples[3]));
-        if ((clear[0] & clear[1] & clear[2] & clear[3]) == 0 || sum >= 2 * power)
+        const double sum = sum_ + ((multiples[0] + multiples[1]) + (multiples[2] + multiples[3]));
+        if ((clear[0] & clear[1] & clear[2] & clear[3]) == 0 || sum >= 2 * power_)
             return false;
-        sum_ = static_cast<float>(sum);
+        sum_ = sum;
         return true;
     }
 
 private:
-    float sum_ = 0.0F;
+    double sum_ = 0.0; ///< as single precision has it
+    /// The power of two that the sum has reached. Zero for what is below the normal numbers, and infinity for
+    /// what is above them all: no rest is less than half of a step then.
+    double power_ = 0.0;
 };
 
 } // namespace vantel::qudit
