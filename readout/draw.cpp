@@ -1,7 +1,8 @@
 #include "readout/draw.hpp"
 
-#include <cstdint>
 #include <random>
+
+#include "readout/first_words.hpp"
 
 namespace vantel::qudit {
 
@@ -18,10 +19,8 @@ std::size_t draw_outcome(const std::vector<PackedOutcome>& outcomes) {
     }
 
     std::random_device device("/dev/urandom");
-    std::mt19937 generator(device());
-    const double low = static_cast<double>(generator());
-    const double high = static_cast<double>(generator());
-    const double number = (high * 0x1p32 + low) * 0x1p-64;
+    const auto [low, high] = first_words<2>(device());
+    const double number = (static_cast<double>(high) * 0x1p32 + static_cast<double>(low)) * 0x1p-64;
 
     double running = 0.0;
     for (std::size_t i = 0; i + 1 < weights.size(); ++i) {

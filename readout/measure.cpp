@@ -1,49 +1,90 @@
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "readout/draw.hpp"
 #include "readout/levels.hpp"
-#include "readout/squared_modulus.hpp"
+#include "readout/noted_outcomes.hpp"
+#include "readout/single_precision_sum.hpp"
+#include "readout/weights.hpp"
 #include "state/builds.hpp"
 #include "state/packed_view.hpp"
 #include "state/product.hpp"
 #include "state/state.hpp"
 #include "state/subkey.hpp"
 #include "state/two_ended_partition.hpp"
+#include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
 
 namespace {
 
+float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
+    SinglePrecisionSum sum;
+    std::array<double, SinglePrecisionSum::block> weights;
+    while (!entries.empty()) {
+        const std::span<const PackedAmplitude> some = entries.first(std::min(weights.size(), entries.size()));
+        entries = entries.subspan(some.size());
+        if (some.size() == weights.size()) {
+            PlainSquare{}(some.data(), weights);
+            if (sum.add(weights))
+                continue;
+        }
+        for (const PackedAmplitude& entry : some)
+            sum.add(squared_modulus(entry.amplitude));
+    }
+    return sum.value();
+}
+
+void divide(std::span<PackedAmplitude> entries, double divisor) noexcept {
+    std::size_t i = 0;
+    for (; i + 1 < entries.size(); i += 2) {
+        const FourParts quotients = __builtin_shufflevector(parts_of(entries[i].amplitude),
+                                                            parts_of(entries[i + 1].amplitude), 0, 1, 2, 3) /
+                                    divisor;
+        store(__builtin_shufflevector(quotients, quotients, 0, 1), entries[i].amplitude);
+        store(__builtin_shufflevector(quotients, quotients, 2, 3), entries[i + 1].amplitude);
+    }
+    if (i < entries.size())
+        store(parts_of(entries[i].amplitude) / divisor, entries[i].amplitude);
+}
+
 /// Divides every amplitude by the norm of the list. Sum and root are single precision on purpose, so the
 /// state's norm is 1 to that precision only.
 void renormalise(std::span<PackedAmplitude> entries) {
-    float sum = 0.0F;
-    for (const PackedAmplitude& entry : entries)
-        sum = static_cast<float>(static_cast<double>(sum) + squared_modulus(entry.amplitude));
-    const double root = static_cast<double>(std::sqrt(sum));
-    const Parts norm{root, root};
-    for (PackedAmplitude& entry : entries)
-        store(parts_of(entry.amplitude) / norm, entry.amplitude);
+    wide_loop([=] { divide(entries, static_cast<double>(std::sqrt(squared_norm(entries)))); });
 }
 
-/// Keeps the entries that show the drawn outcome in the listed fields, at the front, and renormalises them.
-void project(std::span<PackedAmplitude> entries, std::uint64_t listed, const PackedOutcome& drawn) {
-    partition_two_ended(entries, drawn.entries, [=](const PackedAmplitude& entry) {
-        return ((entry.values ^ drawn.values) & listed) == 0;
-    });
-    renormalise(entries.first(drawn.entries));
+/// Moves the entries that show an outcome in the listed fields to the front. @return how many they are
+std::size_t project(std::span<PackedAmplitude> entries, std::uint64_t listed, std::uint64_t outcome,
+                    const OutcomeNumbers& numbers) {
+    std::size_t kept = 0;
+    if (numbers)
+        wide_loop([=, &kept, &numbers, number = Subkey(listed)(outcome)] {
+            kept = partition_two_ended(entries, [=, &numbers](std::size_t first, std::size_t count) {
+                return numbers.showing(number, first, count);
+            });
+        });
+    else
+        kept = partition_two_ended(entries, judged_by(entries, [=](const PackedAmplitude& entry) {
+                                       return ((entry.values ^ outcome) & listed) == 0;
+                                   }));
+    return kept;
 }
 
 } // namespace
 
 template <class Label> std::vector<int> State<Label>::measure(std::vector<int> qudits) {
-    const std::vector<PackedOutcome> outcomes = packed_probabilities(qudits);
-    if (outcomes.empty())
+    if (amplitudes.empty())
         return std::vector<int>(qudits.size(), 0);
-    const PackedOutcome drawn = outcomes[draw_outcome(outcomes)];
-    std::vector<int> levels = levels_of(Label::layout, drawn.values, qudits);
-    project(packed_view(amplitudes), fields_of(Label::layout, qudits), drawn);
-    amplitudes.resize(drawn.entries);
+    const std::span<PackedAmplitude> entries = packed_view(amplitudes);
+    const std::uint64_t listed = known_fields_of(Label::layout, qudits, Label::qudit_count);
+    const auto [outcomes, numbers] = noted_outcomes_of(entries, listed);
+    const std::uint64_t drawn = outcomes[draw_outcome(outcomes)].values;
+    std::vector<int> levels = levels_of(Label::layout, drawn, qudits);
+    const std::size_t kept = project(entries, listed, drawn, numbers);
+    renormalise(entries.first(kept));
+    amplitudes.resize(kept);
     return levels;
 }
 

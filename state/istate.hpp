@@ -60,7 +60,6 @@ struct DensityMatrixEntry {
 struct PackedOutcome {
     std::uint64_t values;
     double probability;
-    std::size_t entries; ///< how many show the outcome
 };
 
 /// DensityMatrixEntry with its levels still packed, as in PackedOutcome.

@@ -75,8 +75,9 @@ void merge_runs(std::span<PackedAmplitude> list) noexcept {
 std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept {
     sort_by_key(list);
     merge_runs(list);
-    return partition_two_ended(
-        list, [](const PackedAmplitude& entry) { return exceeds_threshold(parts_of(entry.amplitude)); });
+    return partition_two_ended(list, judged_by(list, [](const PackedAmplitude& entry) {
+                                   return exceeds_threshold(parts_of(entry.amplitude));
+                               }));
 }
 
 template <class Label> void State<Label>::reduce(std::vector<Entry>& list) noexcept {
