@@ -35,39 +35,64 @@ Entries scattered(std::size_t count, bool finite) {
     return entries;
 }
 
+/// Both forms of the matrix, the sparse one in its order and the one by rank.
+void expect_as_literal(const Entries& entries, const Ints& kept) {
+    const std::vector<qudit::Dit>& dits = entries.front().dits;
+    const std::uint64_t build = std::max_element(dits.begin(), dits.end(), [](auto& a, auto& b) {
+                                    return a.dimension < b.dimension;
+                                })->dimension;
+    const auto state = Factory::make_unique_state({build, dits.size()}, entries);
+    const auto expected =
+        reference::LiteralState({build, dits.size()}, entries).reduced_density_matrix(kept);
+
+    const auto actual = state->reduced_density_matrix(kept);
+    ASSERT_EQ(actual.size(), expected.size());
+    for (std::size_t i = 0; i < actual.size(); ++i) {
+        EXPECT_EQ(actual[i].row_values, expected[i].row_values) << i;
+        EXPECT_EQ(actual[i].column_values, expected[i].column_values) << i;
+        EXPECT_TRUE(same_bits(actual[i].element, expected[i].element)) << i;
+    }
+
+    const auto layout = qudit::SlotLayout::of(build);
+    const auto all = all_fields(layout, static_cast<int>(dits.size()));
+    Levels dimensions;
+    for (const int qudit : kept)
+        dimensions.push_back(dits[static_cast<std::size_t>(qudit)].dimension);
+    const qudit::LevelRank rank(layout, kept, dimensions, entries.size());
+    const qudit::RankedMatrix ranked =
+        ranked_density_matrix(state->packed_amplitudes(), layout, kept, rank, all & ~fields_of(layout, kept));
+    const auto place_of = [&](const Ints& levels) {
+        return static_cast<std::size_t>(levels[0]) +
+               (levels.size() == 2 ? dimensions[0] * static_cast<std::size_t>(levels[1]) : 0);
+    };
+    for (const auto& element : expected) {
+        const std::size_t place =
+            place_of(element.row_values) * rank.size() + place_of(element.column_values);
+        EXPECT_TRUE(same_bits(ranked.elements[place], element.element)) << place;
+    }
+    EXPECT_EQ(std::count(ranked.reached.begin(), ranked.reached.end(), 1),
+              static_cast<std::ptrdiff_t>(expected.size()));
+}
+
 TEST(DensityMatrix, AddsUpFarApartLabelsAsTheLiteralModelDoes) {
     for (const std::size_t count : std::vector<std::size_t>{3, 64, 65, 400})
         for (const bool finite : {true, false})
-            for (const Ints& kept : {Ints{5}, Ints{5, 2}}) {
-                const Entries entries = scattered(count, finite);
-                const auto state = Factory::make_unique_state({10, 10}, entries);
-                const auto expected = reference::LiteralState({10, 10}, entries).reduced_density_matrix(kept);
+            for (const Ints& kept : {Ints{5}, Ints{5, 2}})
+                expect_as_literal(scattered(count, finite), kept);
+}
 
-                const auto actual = state->reduced_density_matrix(kept);
-                ASSERT_EQ(actual.size(), expected.size());
-                for (std::size_t i = 0; i < actual.size(); ++i) {
-                    EXPECT_EQ(actual[i].row_values, expected[i].row_values) << i;
-                    EXPECT_EQ(actual[i].column_values, expected[i].column_values) << i;
-                    EXPECT_TRUE(same_bits(actual[i].element, expected[i].element)) << i;
-                }
-
-                constexpr auto layout = qudit::SlotLayout::of(10);
-                const Levels dimensions(kept.size(), 10);
-                const qudit::LevelRank rank(layout, kept, dimensions, count);
-                const qudit::RankedMatrix ranked = ranked_density_matrix(
-                    state->packed_amplitudes(), all_fields(layout, 10) & ~fields_of(layout, kept), rank);
-                const auto place_of = [](const Ints& levels) {
-                    return levels[0] + (levels.size() == 2 ? 10 * levels[1] : 0);
-                };
-                for (const auto& element : expected) {
-                    const std::size_t place =
-                        static_cast<std::size_t>(place_of(element.row_values)) * rank.size() +
-                        static_cast<std::size_t>(place_of(element.column_values));
-                    EXPECT_TRUE(same_bits(ranked.elements[place], element.element)) << place;
-                }
-                EXPECT_EQ(std::count(ranked.reached.begin(), ranked.reached.end(), 1),
-                          static_cast<std::ptrdiff_t>(expected.size()));
-            }
+TEST(DensityMatrix, AddsUpAllCombinationsAsTheLiteralModelDoes) {
+    std::vector<Term> terms;
+    for (std::uint64_t i = 0; i < 60; ++i) {
+        const std::uint64_t rank = 7 * i % 60;
+        terms.push_back({{rank % 3, rank / 3 % 4, rank / 12}, {std::sin(static_cast<double>(i + 1)), i % 5 == 0 ? -0.0 : 0.1}});
+    }
+    for (const bool finite : {true, false}) {
+        if (!finite)
+            terms[11].amplitude = {std::numeric_limits<double>::infinity(), std::nan("")};
+        for (const Ints& kept : {Ints{0}, Ints{1}, Ints{2}, Ints{2, 0}, Ints{0, 1}, Ints{1, 1}})
+            expect_as_literal(entries_of({3, 4, 5}, terms), kept);
+    }
 }
 
 } // namespace
