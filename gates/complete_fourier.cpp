@@ -88,6 +88,7 @@ std::optional<FourierSums> FourierSums::of_complete(std::span<const PackedAmplit
 
     FourierSums all(entries.size() / dimension, dimension, position, dimensions);
     all.groups_ = entries.size() / dimension;
+    all.complete_ = true;
     FourierFactors factors(dimension, sign);
     with_small_dimension(dimension, [&](auto constant) {
         constexpr std::uint64_t d = constant;

@@ -193,7 +193,7 @@ std::optional<FourierSums> FourierSums::of(std::span<const PackedAmplitude> entr
 
 void FourierSums::prepare_writing() {
     if (!is_uniform())
-        holes_.reset(new std::uint32_t[kept_]);
+        holes_.reset(new std::uint32_t[kept_ + 1]);
 }
 
 /// Calls `visit(k, begin, end)` for the k-th sums of neighbouring groups, all sums ascending by label.
@@ -229,14 +229,11 @@ void FourierSums::write(std::span<PackedAmplitude> list) const noexcept {
             order.take(end - begin,
                        [=](std::size_t i, std::size_t place) { write_sum(place, k, begin + i); });
         });
-    else if (is_full())
-        for_each_stretch([order = FullReduction(kept_, holes_.get()), write_sum, runs = runs_.get(),
-                          own_runs = own_runs_.get(), dimension = dimension_](
+    else if (is_paired())
+        for_each_stretch([order = PairedReduction(kept_, holes_.get()), write_sum, runs = runs_.get()](
                              std::uint64_t k, std::size_t begin, std::size_t end) mutable {
-            for (std::size_t group = begin; group < end; ++group) {
-                const std::uint32_t run = runs[group];
-                write_sum(order.next(run != 0 ? run : own_runs[group * dimension + k]), k, group);
-            }
+            for (std::size_t group = begin; group < end; ++group)
+                write_sum(order.next(runs[group] - std::size_t{1}), k, group);
         });
     else
         for_each_stretch([reduction = DirectReduction(list, dimensions_, holes_.get()), sums = sums_.get(),

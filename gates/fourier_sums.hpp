@@ -42,10 +42,11 @@ private:
     FourierSums(std::size_t most_groups, std::uint64_t dimension, unsigned position,
                 std::uint64_t dimensions);
 
-    /// Whether every group has all its sums, and all stay.
-    [[nodiscard]] bool is_full() const noexcept { return kept_ == groups_ * dimension_; }
-    /// Whether they are of as many children each, besides.
+    /// Whether every sum is of as many children and stays.
     [[nodiscard]] bool is_uniform() const noexcept { return run_of_all_ != 0 && is_full(); }
+    /// Whether every sum is of one child or of two and stays.
+    [[nodiscard]] bool is_paired() const noexcept { return complete_ && dimension_ == 2 && is_full(); }
+    [[nodiscard]] bool is_full() const noexcept { return kept_ == groups_ * dimension_; }
     void prepare_writing();
     template <class Visit> void for_each_stretch(Visit visit) const noexcept;
 
@@ -54,6 +55,7 @@ private:
     std::uint64_t dimensions_; ///< of every label
     std::size_t kept_ = 0;
     std::size_t groups_ = 0;
+    bool complete_ = false;        ///< whether the list has every combination of levels once
     std::uint32_t run_of_all_ = 0; ///< of how many children every sum is; 0 if their numbers differ
     std::unique_ptr<std::uint64_t[]> others_;   ///< of each group, the levels of all qudits but the target
     std::unique_ptr<std::uint32_t[]> runs_;     ///< of how many children each sum of a group is; 0 where

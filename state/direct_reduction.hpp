@@ -27,12 +27,9 @@ public:
     /// Adds the sum of `run` equal labels. Sums come in ascending order of their labels.
     void add(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
         length_ += run;
-        if (exceeds_threshold(amplitude))
-            keep(values, amplitude, length_ - 1);
-    }
-
-    /// Adds a sum that exceeds the threshold by its place in the sorted list, likewise in ascending order.
-    void keep(std::uint64_t values, Parts amplitude, std::size_t place) noexcept {
+        if (!exceeds_threshold(amplitude))
+            return;
+        const std::size_t place = length_ - 1;
         if (place < size_) {
             note_holes_before(place);
             covered_ = place + 1;
@@ -65,33 +62,6 @@ private:
     std::size_t length_ = 0;  ///< of the sorted list up to now
 };
 
-/// DirectReduction where no sum is dropped.
-class FullReduction {
-public:
-    FullReduction(std::size_t sums, std::uint32_t* holes) noexcept : size_(sums), holes_(holes) {}
-
-    /// The place of the next sum, ascending by label, which is of `run` equal labels.
-    std::size_t next(std::size_t run) noexcept {
-        std::size_t hole = length_;
-        length_ += run;
-        const std::size_t place = length_ - 1;
-        if (place < size_) {
-            for (; hole < place; ++hole)
-                holes_[hole_count_++] = static_cast<std::uint32_t>(hole);
-            return place;
-        }
-        for (; hole < size_; ++hole)
-            holes_[hole_count_++] = static_cast<std::uint32_t>(hole);
-        return holes_[--hole_count_];
-    }
-
-private:
-    std::size_t size_;
-    std::uint32_t* holes_; ///< as in DirectReduction
-    std::size_t hole_count_ = 0;
-    std::size_t length_ = 0; ///< of the sorted list up to now
-};
-
 /// The places that DirectReduction gives, where every sum is of `run` labels and none is dropped.
 class UniformReduction {
 public:
@@ -122,7 +92,7 @@ private:
     std::size_t holes_left_; ///< of the present run
 };
 
-/// The same where every sum is of one label or of two.
+/// The same where each sum is of one label or of two.
 class PairedReduction {
 public:
     /// @param holes  scratch for one place more than there are sums
