@@ -27,7 +27,9 @@ public:
     }
 
     [[nodiscard]] std::uint32_t position(std::uint64_t i) const { return members_[i] >> level_bits; }
-    [[nodiscard]] std::uint64_t level(std::uint64_t i) const { return members_[i] & ((1U << level_bits) - 1); }
+    [[nodiscard]] std::uint64_t level(std::uint64_t i) const {
+        return members_[i] & ((1U << level_bits) - 1);
+    }
 
 private:
     static constexpr unsigned level_bits = 4;

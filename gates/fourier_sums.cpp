@@ -5,11 +5,11 @@
 
 #include "gates/fourier_children.hpp"
 #include "gates/fourier_factors.hpp"
-#include "state/small_dimension.hpp"
 #include "gates/words.hpp"
 #include "state/direct_reduction.hpp"
 #include "state/drop_threshold.hpp"
 #include "state/field_groups.hpp"
+#include "state/small_dimension.hpp"
 #include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
@@ -216,30 +216,30 @@ template <class Visit> void FourierSums::for_each_stretch(Visit visit) const noe
 void FourierSums::write(std::span<PackedAmplitude> list) const noexcept {
     // What counts along is part of the visitors, where no store to an entry can be thought to change it.
     const auto write_sum = [sums = sums_.get(), others = others_.get(), dimensions = dimensions_,
-                            dimension = dimension_, position = position_, entries = list.data()](
-                               std::size_t place, std::uint64_t k, std::size_t group) {
+                            dimension = dimension_, position = position_,
+                            entries = list.data()](std::size_t place, std::uint64_t k, std::size_t group) {
         PackedAmplitude& entry = entries[place];
         entry.values = others[group] | k << position;
         entry.dimensions = dimensions;
         store(sums[group * dimension + k], entry.amplitude);
     };
     if (is_uniform())
-        for_each_stretch([order = UniformReduction(kept_, run_of_all_), write_sum](
-                             std::uint64_t k, std::size_t begin, std::size_t end) mutable {
+        for_each_stretch([order = UniformReduction(kept_, run_of_all_),
+                          write_sum](std::uint64_t k, std::size_t begin, std::size_t end) mutable {
             order.take(end - begin,
                        [=](std::size_t i, std::size_t place) { write_sum(place, k, begin + i); });
         });
     else if (is_paired())
-        for_each_stretch([order = PairedReduction(kept_, holes_.get()), write_sum, runs = runs_.get()](
-                             std::uint64_t k, std::size_t begin, std::size_t end) mutable {
+        for_each_stretch([order = PairedReduction(kept_, holes_.get()), write_sum,
+                          runs = runs_.get()](std::uint64_t k, std::size_t begin, std::size_t end) mutable {
             for (std::size_t group = begin; group < end; ++group)
                 write_sum(order.next(runs[group] - std::size_t{1}), k, group);
         });
     else
         for_each_stretch([reduction = DirectReduction(list, dimensions_, holes_.get()), sums = sums_.get(),
                           others = others_.get(), runs = runs_.get(), own_runs = own_runs_.get(),
-                          dimension = dimension_, position = position_](std::uint64_t k, std::size_t begin,
-                                                                        std::size_t end) mutable {
+                          dimension = dimension_,
+                          position = position_](std::uint64_t k, std::size_t begin, std::size_t end) mutable {
             for (std::size_t group = begin; group < end; ++group) {
                 const std::size_t sum = group * dimension + k;
                 const std::uint32_t run = runs[group] != 0 ? runs[group] : own_runs[sum];

@@ -1,6 +1,7 @@
 /// Which outcome each entry of a list shows.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -33,8 +34,8 @@ public:
                                         std::size_t count) const noexcept {
         using Bytes [[gnu::vector_size(32), gnu::aligned(1), gnu::may_alias]] = unsigned char;
         using Words [[gnu::vector_size(32)]] = std::uint64_t;
-        static_assert(std::endian::native == std::endian::little);
-        constexpr std::uint64_t own_bit_of_each_byte = 0x8040201008040201;
+        constexpr auto own_bit_of_each_byte =
+            std::bit_cast<std::uint64_t>(std::array<unsigned char, 8>{1, 2, 4, 8, 16, 32, 64, 128});
         std::uint64_t showing = 0;
         for (std::size_t i = 0; i < count; i += sizeof(Words)) {
             const Bytes some = *reinterpret_cast<const Bytes*>(&numbers_[first + i]);

@@ -149,9 +149,10 @@ void add_up_complete(RankedMatrix& matrix, std::span<const PackedAmplitude> entr
 }
 
 bool has_nan(const RankedMatrix& matrix) {
-    return std::any_of(matrix.elements.begin(), matrix.elements.end(), [](const std::complex<double>& element) {
-        return std::isnan(element.real()) || std::isnan(element.imag());
-    });
+    return std::any_of(matrix.elements.begin(), matrix.elements.end(),
+                       [](const std::complex<double>& element) {
+                           return std::isnan(element.real()) || std::isnan(element.imag());
+                       });
 }
 
 } // namespace

@@ -61,8 +61,8 @@ void sum_up_two_at_hand(std::span<const PackedAmplitude> entries, std::uint64_t 
         const std::size_t place = place_of(first);
         return AtHand{first.values & listed, place, sum_at(place)};
     };
-    // Adds a run of entries that show one outcome, for which another one may have to go. Whether there are
-    // more
+    // Adds a run of entries that show one outcome, for which another may have to go. Returns whether there
+    // are more.
     const auto add_run = [&](AtHand& hand) {
         if ((entry->values & listed) != hand.shown) {
             sum_at(hand.place) = hand.sum;
@@ -83,8 +83,7 @@ void sum_up_two_at_hand(std::span<const PackedAmplitude> entries, std::uint64_t 
 }
 
 /// Sums up the weights of the entries in stored order.
-/// @param place_of  place_of(entry) hangs on the listed fields alone; not every entry of an outcome is asked
-/// for
+/// @param place_of  place_of(entry) hangs on the listed fields alone, so not every entry is asked for it
 /// @param sum_at    sum_at(place) is the sum up to now
 /// @param note      note(place) is told the place of each entry, one after another
 template <class Weight, class PlaceOf, class SumAt, class Note>

@@ -30,8 +30,8 @@ public:
     T& operator[](std::size_t i) noexcept { return data()[i]; }
     const T& operator[](std::size_t i) const noexcept { return data()[i]; }
 
-    /// Makes sure that growing to `size` elements cannot fail. @throws std::bad_alloc; nothing has changed
-    /// then
+    /// Makes sure that growing to `size` elements cannot fail.
+    /// @throws std::bad_alloc, and nothing has changed then
     void reserve(std::size_t size) {
         if (size > few)
             many_.reserve(size);

@@ -21,9 +21,8 @@ constexpr std::uint64_t reversed(std::uint64_t bits) noexcept {
 /// nearest the tail, so order is not kept. That order is part of the behaviour: a stable removal will not do.
 /// Entries are judged by the word, without a branch for each, which no processor could predict; nothing is
 /// allocated. What lies behind the kept entries is to be erased.
-/// @param kept_among  kept_among(first, count) has a bit for each of `count` entries from place `first` on,
-/// at
-///                    most 64: whether it is kept. What stands above these bits means nothing
+/// @param kept_among  kept_among(first, count) has a bit for each of `count` entries, 64 at the most, from
+///                    place `first` on: whether it is kept. What stands above these bits means nothing
 /// @return how many are kept
 template <class Entry, class KeptAmong>
 std::size_t partition_two_ended(std::span<Entry> list, KeptAmong kept_among) noexcept {

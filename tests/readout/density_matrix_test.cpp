@@ -42,8 +42,7 @@ void expect_as_literal(const Entries& entries, const Ints& kept) {
                                     return a.dimension < b.dimension;
                                 })->dimension;
     const auto state = Factory::make_unique_state({build, dits.size()}, entries);
-    const auto expected =
-        reference::LiteralState({build, dits.size()}, entries).reduced_density_matrix(kept);
+    const auto expected = reference::LiteralState({build, dits.size()}, entries).reduced_density_matrix(kept);
 
     const auto actual = state->reduced_density_matrix(kept);
     ASSERT_EQ(actual.size(), expected.size());
@@ -85,7 +84,8 @@ TEST(DensityMatrix, AddsUpAllCombinationsAsTheLiteralModelDoes) {
     std::vector<Term> terms;
     for (std::uint64_t i = 0; i < 60; ++i) {
         const std::uint64_t rank = 7 * i % 60;
-        terms.push_back({{rank % 3, rank / 3 % 4, rank / 12}, {std::sin(static_cast<double>(i + 1)), i % 5 == 0 ? -0.0 : 0.1}});
+        terms.push_back({{rank % 3, rank / 3 % 4, rank / 12},
+                         {std::sin(static_cast<double>(i + 1)), i % 5 == 0 ? -0.0 : 0.1}});
     }
     for (const bool finite : {true, false}) {
         if (!finite)
