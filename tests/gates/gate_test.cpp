@@ -97,12 +97,15 @@ TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
         act(literal);
         EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << round;
     }
-    const auto state = Factory::make_unique_state({4, 3}, entries);
-    reference::LiteralState literal({4, 3}, entries);
-    state->cycle({0}, {});
-    literal.cycle({0}, {});
-    EXPECT_TRUE(same_entries(qudit::tensor_product<10, 10>(*state, *state)->basis_amplitudes(),
-                             reference::tensor_product(literal, literal).basis_amplitudes()));
+    for (const std::size_t size : {36, 6}) {
+        entries.resize(size);
+        const auto state = Factory::make_unique_state({4, 3}, entries);
+        reference::LiteralState literal({4, 3}, entries);
+        state->cycle({0}, {});
+        literal.cycle({0}, {});
+        EXPECT_TRUE(same_entries(qudit::tensor_product<10, 10>(*state, *state)->basis_amplitudes(),
+                                 reference::tensor_product(literal, literal).basis_amplitudes()));
+    }
 }
 
 TEST(Gates, TransformListsOfAllCombinationsAsTheLiteralModelDoes) {

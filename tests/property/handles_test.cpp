@@ -170,5 +170,64 @@ TEST(StalePosition, IsNoHandleThatLivesAtItsAddressLater) {
     EXPECT_EQ(std::count(x->shared_state->stale.begin(), x->shared_state->stale.end(), 1), twins);
 }
 
+struct ByHandle {
+    void (*form)(QuantumProperty& a, QuantumProperty& b, Predicates predicates);
+    int (*function)(QuantumProperty* a, QuantumProperty* b, const PredicateRecord* record);
+};
+
+TEST(ByHandle, EachGateIsThatOfTheCFunction) {
+    const ByHandle gates[] = {
+        {[](auto& a, auto&, auto list) { hadamard(a, list); },
+         [](auto* a, auto*, auto* record) { return vantel_hadamard(a, record, 1); }},
+        {[](auto& a, auto&, auto list) { inverse_hadamard(a, list); },
+         [](auto* a, auto*, auto* record) { return vantel_inverse_hadamard(a, record, 1); }},
+        {[](auto& a, auto&, auto list) { cycle(a, list); },
+         [](auto* a, auto*, auto* record) { return vantel_cycle(a, 1, record, 1); }},
+        {[](auto& a, auto&, auto list) { cycle(a, 0.3F, list); },
+         [](auto* a, auto*, auto* record) { return vantel_cycle(a, 0.3F, record, 1); }},
+        {[](auto& a, auto&, auto list) { shift(a, list); },
+         [](auto* a, auto*, auto* record) { return vantel_shift(a, 1, record, 1); }},
+        {[](auto& a, auto&, auto list) { shift(a, 0.3F, list); },
+         [](auto* a, auto*, auto* record) { return vantel_shift(a, 0.3F, record, 1); }},
+        {[](auto& a, auto&, auto list) { clock(a, list); },
+         [](auto* a, auto*, auto* record) { return vantel_clock(a, 1, record, 1); }},
+        {[](auto& a, auto&, auto list) { clock(a, 0.3F, list); },
+         [](auto* a, auto*, auto* record) { return vantel_clock(a, 0.3F, record, 1); }},
+        {[](auto&, auto&, auto list) { phase_rotate(list, 0.3F); },
+         [](auto*, auto*, auto* record) { return vantel_phase_rotate(record, 1, 0.3F); }},
+        {[](auto& a, auto& b, auto list) { swap(a, b, list); },
+         [](auto* a, auto* b, auto* record) { return vantel_swap(a, b, record, 1); }},
+        {[](auto& a, auto& b, auto list) { i_swap(a, b, 0.3F, list); },
+         [](auto* a, auto* b, auto* record) { return vantel_i_swap(a, b, 0.3F, record, 1); }}};
+    for (const ByHandle& gate : gates) {
+        std::vector<Entries> results;
+        for (const bool by_handle : {true, false}) {
+            const Handle a = qudit_of(3), b = qudit_of(3), control = qudit_of(2);
+            vantel_hadamard(a.get(), nullptr, 0);
+            vantel_clock(a.get(), 0.2F, nullptr, 0);
+            vantel_cycle(b.get(), 1, nullptr, 0);
+            const PredicateRecord lowest{control.get(), 0, 1};
+            if (by_handle)
+                gate.form(*a, *b, {{control.get(), 0, true}});
+            else
+                EXPECT_EQ(gate.function(a.get(), b.get(), &lowest), 0);
+            merge({a.get(), b.get(), control.get()});
+            results.push_back(entries_behind(a));
+
+            qudit::IState& state = *a->shared_state->state;
+            const std::vector<int> indices{b->index, a->index};
+            const auto table = probabilities({b.get(), a.get()});
+            const auto matrix = reduced_density_matrix({b.get(), a.get()});
+            ASSERT_EQ(table.size(), state.probabilities(indices).size());
+            ASSERT_EQ(matrix.size(), state.reduced_density_matrix(indices).size());
+            EXPECT_EQ(table.back().qudit_values, state.probabilities(indices).back().qudit_values);
+            EXPECT_EQ(matrix.back().element, state.reduced_density_matrix(indices).back().element);
+        }
+        EXPECT_TRUE(same_entries(results[0], results[1])) << &gate - gates;
+    }
+    phase_rotate({}, 1);
+    EXPECT_TRUE(probabilities({}).empty() && reduced_density_matrix({}).empty());
+}
+
 } // namespace
 } // namespace vantel::testing
