@@ -68,6 +68,17 @@ World scattered() {
     return world;
 }
 
+/// Separate qudits, of which the first has had so many guests that one more takes its list of handles to the
+/// heap.
+World after_many_guests() {
+    World world = separate();
+    for (int i = 0; i < 9; ++i) {
+        const Handle guest = qudit_of(2);
+        merge({world.q[0].get(), guest.get()});
+    }
+    return world;
+}
+
 /// Everything that a caller can come to see of it.
 std::string told(const World& world) {
     std::ostringstream text;
@@ -166,6 +177,7 @@ const Situation situations[] = {
     {"hadamard", separate, hadamard, related},
     {"inverse_hadamard", separate,
      [](World& w) { return vantel_inverse_hadamard(&w[0], w.conditions.data(), 2); }, related},
+    {"hadamard_after_many_guests", after_many_guests, hadamard, related},
     {"hadamard_large", large, hadamard},
     {"hadamard_scattered", scattered, hadamard},
     {"cycle", separate, [](World& w) { return vantel_cycle(&w[0], 1.0F, w.conditions.data(), 2); }, related},
