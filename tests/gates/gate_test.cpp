@@ -97,7 +97,7 @@ TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
         act(literal);
         EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << round;
     }
-    for (const std::size_t size : {36, 6}) {
+    for (const std::size_t size : {36U, 6U}) {
         entries.resize(size);
         const auto state = Factory::make_unique_state({4, 3}, entries);
         reference::LiteralState literal({4, 3}, entries);
