@@ -232,7 +232,8 @@ TEST(ByHandle, EachGateIsThatOfTheCFunction) {
 TEST(ByHandle, ListsMergeInTheirOrderAndEmptyOnesMergeNothing) {
     const Handle a = qudit_of(2), b = qudit_of(3), c = qudit_of(5);
     const Predicates predicates{{b.get(), 2, false}, {a.get(), 1, true}, {c.get(), 0, true}};
-    EXPECT_EQ(tensor_state(Targets{}, predicates), a->shared_state->state.get());
+    const qudit::IState* const joint = tensor_state(Targets{}, predicates);
+    EXPECT_EQ(joint, a->shared_state->state.get());
     const std::vector<qudit::Predicate> indexed = convert_to_indexed_predicates(predicates);
     for (int i = 0; i < 3; ++i) {
         const auto place = static_cast<std::size_t>(i);
