@@ -22,8 +22,7 @@ CompleteList::Shape::Shape(std::uint64_t dimensions_word, SlotLayout layout, std
 
 CompleteList::CompleteList(std::span<const PackedAmplitude> entries, SlotLayout layout,
                            std::span<const int> first)
-    : CompleteList(entries, layout,
-                   Shape(entries.empty() ? 0 : entries.front().dimensions, layout, first)) {}
+    : CompleteList(entries, layout, Shape(entries.empty() ? 0 : entries.front().dimensions, layout, first)) {}
 
 CompleteList::CompleteList(std::span<const PackedAmplitude> entries, SlotLayout layout, const Shape& shape)
     : rank_(layout, shape.qudits, shape.dimensions, entries.size()) {
