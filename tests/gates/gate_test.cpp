@@ -8,197 +8,121 @@ namespace vantel::testing {
 namespace {
 
 using namespace qudit;
-/// One gate on the one-qudit or two-qudit basis state `levels`, and what must come of it, bit for bit.
-struct Worked {
-    const char* name;
-    Levels dimensions, levels;
-    void (*act)(IState&);
-    std::vector<Term> expected;
-};
+using Controls = std::vector<Predicate>;
 
-class WorkedValue : public ::testing::TestWithParam<Worked> {};
-
-TEST_P(WorkedValue, ComesOutInEveryBit) {
-    const Worked& worked = GetParam();
-    const auto state = state_of(worked.dimensions, {{worked.levels, 1.0}});
-    worked.act(*state);
-    EXPECT_TRUE(same_entries(state->basis_amplitudes(), entries_of(worked.dimensions, worked.expected)));
-}
-
-constexpr double r = 0.7071067811865475;
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, WorkedValue,
-    ::testing::Values(Worked{"hadamard_keeps_the_residue",
-                             {2},
-                             {1},
-                             [](IState& s) { s.hadamard({0}, {}); },
-                             {{{0}, {r, -1.7319121124709863e-16}}, {{1}, {-r, 8.659560562354932e-17}}}},
-                      Worked{"clock_multiplies_in_single_precision",
-                             {10},
-                             {3},
-                             [](IState& s) { s.clock({0}, 0.1F, {}); },
-                             {{{3},
-                               {std::cos(6.283185307179586 / 10 * 0.30000001192092896),
-                                std::sin(6.283185307179586 / 10 * 0.30000001192092896)}}}},
-                      Worked{"phase_rotate_turns_in_single_precision",
-                             {2},
-                             {1},
-                             [](IState& s) {
-                                 s.phase_rotate({{0, 0, false}}, std::numbers::pi_v<float>);
-                             },
-                             {{{1}, {-1.0, static_cast<double>(-8.742278e-8F)}}}},
-                      Worked{"cycle_wraps_by_its_own_dimension",
-                             {3, 5},
-                             {2, 4},
-                             [](IState& s) {
-                                 s.cycle({0, 1, 1}, {});
-                             },
-                             {{{0, 1}, 1.0}}},
-                      Worked{"shift_wraps_by_its_own_dimension",
-                             {3, 5},
-                             {0, 0},
-                             [](IState& s) {
-                                 s.shift({0, 1, 1}, {});
-                             },
-                             {{{2, 3}, 1.0}}},
-                      Worked{"whole_i_swap",
-                             {3, 3},
-                             {2, 1},
-                             [](IState& s) { s.i_swap(0, 1, 1.0F, {}); },
-                             {{{1, 2}, {0.0, 1.0}}}}),
-    [](const auto& tested) { return tested.param.name; });
-
-TEST(Gates, TreatRepeatedLabelsAndUnequalDimensionsAsTheLiteralModelDoes) {
-    Entries entries;
-    for (std::uint64_t i = 0; i < 36; ++i)
-        entries.push_back(
-            {{{i % 4, 2}, {i / 4 % 3, 3}, {i / 12, 3}}, {1.0 / static_cast<double>(i + 1), 0.5}});
-    for (int round = 0; round < 4; ++round) {
-        const bool repeated = round % 2 != 0;
-        for (auto& entry : entries)
-            entry.dits[0].dimension = repeated ? 2 : 4;
-        entries[20].dits[1].dimension = repeated ? 3 : 4;
-        const auto act = [=](auto& state) {
-            if (repeated) {
-                state.cycle({0}, {}); // levels 0 and 2 both go to 1
-            } else {
-                state.swap(1, 2, {});
-                state.clock({2}, {});
-            }
-            if (round < 2)
-                state.i_swap(1, 2, 0.3F, {});
-            else
-                state.hadamard({1}, {{2, 1, true}});
-        };
-        const auto state = Factory::make_unique_state({4, 3}, entries);
-        reference::LiteralState literal({4, 3}, entries);
+// What the library and the literal model could only get wrong together.
+TEST(Gates, GiveWorkedValuesInEveryBit) {
+    const auto expect = [](const Levels& dimensions, const Levels& levels, auto act,
+                           const std::vector<Term>& expected) {
+        const auto state = state_of(dimensions, {{levels, 1.0}});
+        reference::LiteralState literal({dimensions[0], levels.size()},
+                                        entries_of(dimensions, {{levels, 1.0}}));
         act(*state);
         act(literal);
-        EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << round;
+        EXPECT_TRUE(same_entries(state->basis_amplitudes(), entries_of(dimensions, expected)));
+        EXPECT_TRUE(same_entries(literal.basis_amplitudes(), entries_of(dimensions, expected)));
+    };
+    constexpr double r = 0.7071067811865475;
+    const double angle = 6.283185307179586 / 10 * 0.30000001192092896; // a product of single precision
+    expect({2}, {1}, [](auto& s) { s.hadamard({0}, {}); },
+           {{{0}, {r, -1.7319121124709863e-16}}, {{1}, {-r, 8.659560562354932e-17}}});
+    expect({10}, {3}, [](auto& s) { s.clock({0}, 0.1F, {}); }, {{{3}, {std::cos(angle), std::sin(angle)}}});
+    expect({2}, {1},
+           [](auto& s) {
+               s.phase_rotate({{0, 0, false}}, std::numbers::pi_v<float>);
+           },
+           {{{1}, {-1.0, static_cast<double>(-8.742278e-8F)}}});
+    expect({3, 3}, {2, 1}, [](auto& s) { s.i_swap(0, 1, 1.0F, {}); }, {{{1, 2}, {0.0, 1.0}}});
+}
+
+/// Lists for which a shorter way than the literal one serves, and those like them for which it does not: that
+/// lack some labels, that have amplitudes of every kind, in which a label is repeated, or a level stands
+/// beyond its dimension, or where a label has no qudit; in which one label alone has other dimensions.
+enum Kind { complete, sparse, short_list, special, equal, repeated, beyond, one_level, first, middle, last };
+
+Entries list_of(Kind kind) {
+    using wide = std::numeric_limits<double>;
+    constexpr double t = 0x1p-23;
+    const Complex odd[] = {{-0.0, 0.5}, {t, 0.0},   {0.0, -0.25}, {1e-9, -1e-9}, {wide::infinity(), 0.5},
+                           {t, 2 * t},  {0.0, 0.0}, {-t, -t},     {0.25, 0.25},  {wide::quiet_NaN(), 0.5},
+                           {2 * t, -t}};
+    std::vector<Term> terms;
+    for (std::uint64_t i = 0; i < 72; ++i) {
+        const std::uint64_t rank = 31 * i % 72; // in no order
+        if ((kind == sparse && rank % 7 < 3) || (kind == short_list && i > 2))
+            continue;
+        const double x = kind == equal ? 0.25 : std::sin(static_cast<double>(i));
+        terms.push_back({{rank % 2, rank / 2 % 3, rank / 6 % 3, rank / 18},
+                         kind == special && i % 3 == 0 ? odd[i / 3 % std::size(odd)] : Complex(x, 1 - x)});
     }
-    for (const std::size_t size : {36U, 6U}) {
-        entries.resize(size);
+    if (kind == last)
+        terms.pop_back(); // an odd number
+    Entries entries = entries_of({2, 3, 3, 4}, terms);
+    for (Entry& entry : entries) {
+        // A step makes one of two labels.
+        if (kind == repeated || kind == beyond)
+            entry.dits[1].value += entry.dits[1].value == 2 ? 1 : 0;
+        if (kind == one_level)
+            entry.dits.push_back({entry.dits[3].value == 1 ? 1U : 0U, 1});
+    }
+    if (kind >= first)
+        for (Dit& dit : entries[kind == first ? 0 : kind == middle ? 20 : entries.size() - 1].dits)
+            dit.dimension = 4;
+    return entries;
+}
+
+constexpr int gates = 6;
+template <class State> void act(State& state, int gate, int target, const Controls& controls) {
+    switch (gate) {
+    case 0:
+        return state.hadamard({target}, controls);
+    case 1:
+        return state.inverse_hadamard({target}, controls);
+    case 2:
+        return state.clock({target}, 0.3F, controls);
+    case 3:
+        return state.swap(1, 2, controls);
+    default:
+        return state.i_swap(1, 2, gate == 4 ? 0.3F : 1.0F, controls);
+    }
+}
+
+TEST(Gates, TreatListsOfEveryKindAsTheLiteralModelDoes) {
+    for (int kind = complete; kind <= last; ++kind)
+        for (int gate = 0; gate < gates; ++gate)
+            for (int target = 0; target < 4; ++target)
+                for (const Controls& controls :
+                     {Controls{}, Controls{{(target + 1) % 4, 1, true}}, Controls{{3 - target, 0, false}}}) {
+                    const Entries entries = list_of(static_cast<Kind>(kind));
+                    const Factory::BasisConfig config{4, entries.front().dits.size()};
+                    const auto state = Factory::make_unique_state(config, entries);
+                    reference::LiteralState literal({config.dim, config.num_qudits}, entries);
+                    const auto act_on = [&](auto& either) {
+                        return thrown_by([&] {
+                            if (kind == repeated)
+                                either.cycle({1}, {});
+                            for (int again = 0; again < 2; ++again)
+                                act(either, gate, target, controls);
+                        });
+                    };
+                    EXPECT_EQ(act_on(*state), act_on(literal));
+                    EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes()))
+                        << "kind " << kind << ", gate " << gate << ", target " << target;
+                }
+}
+
+TEST(Merge, TakesTheFirstProductOfARepeatedLabel) {
+    for (const std::size_t size : {2U, 6U, 36U}) {
+        Entries entries;
+        for (std::uint64_t i = 0; i < size; ++i)
+            entries.push_back({{{2 * i % 4, 2}, {i / 2 % 3, 3}, {i / 12, 3}}, {1.0 / double(i + 1), 0.5}});
         const auto state = Factory::make_unique_state({4, 3}, entries);
         reference::LiteralState literal({4, 3}, entries);
-        state->cycle({0}, {});
+        state->cycle({0}, {}); // levels 0 and 2 both go to 1
         literal.cycle({0}, {});
         EXPECT_TRUE(same_entries(qudit::tensor_product<10, 10>(*state, *state)->basis_amplitudes(),
-                                 reference::tensor_product(literal, literal).basis_amplitudes()));
-    }
-}
-
-TEST(Gates, TransformListsOfAllCombinationsAsTheLiteralModelDoes) {
-    const Levels dimensions{2, 3, 4, 5};
-    enum { plain, dropping, infinite, repeated, beyond, kinds };
-    for (int kind = 0; kind < kinds; ++kind) {
-        std::vector<Term> terms;
-        for (std::uint64_t i = 0; i < 120; ++i) {
-            const std::uint64_t rank = 49 * i % 120;
-            const double x = kind == dropping ? 0.25 : std::sin(static_cast<double>(i));
-            terms.push_back({{rank % 2, rank / 2 % 3, rank / 6 % 4, rank / 24}, {x, 1 - x}});
-        }
-        if (kind == infinite) {
-            terms[17].amplitude = {std::numeric_limits<double>::infinity(), std::nan("")};
-            terms[58].amplitude = {0.5, -std::numeric_limits<double>::infinity()};
-        }
-        Entries entries = entries_of(dimensions, terms);
-        // As many entries as combinations, but a step up makes one of two labels.
-        if (kind == repeated)
-            for (Entry& entry : entries)
-                entry.dits[1].value += entry.dits[1].value == 2 ? 1 : 0;
-        // A slot of one level, in which a level beyond it stands.
-        if (kind == beyond)
-            for (Entry& entry : entries)
-                entry.dits.push_back({entry.dits[3].value == 1 ? 1U : 0U, 1});
-        for (int target = 0; target < 4; ++target)
-            for (const std::vector<Predicate>& controls :
-                 {std::vector<Predicate>{}, {{(target + 1) % 4, 1, true}}, {{(target + 3) % 4, 0, false}}}) {
-                const auto act = [&](auto& state) {
-                    if (kind == repeated)
-                        state.cycle({1}, {});
-                    state.hadamard({target}, controls);
-                    state.inverse_hadamard({target}, controls);
-                };
-                const Factory::BasisConfig config{5, entries.front().dits.size()};
-                const auto state = Factory::make_unique_state(config, entries);
-                reference::LiteralState literal({config.dim, config.num_qudits}, entries);
-                act(*state);
-                act(literal);
-                EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes()))
-                    << kind << " " << target << " " << controls.size();
-            }
-    }
-}
-
-// The sums of an i-swap are written at once where every combination has an entry and none is dropped. Here
-// some are missing, in every third list, and others negligible or without a number; the first list has none
-// of that.
-TEST(Gates, ISwapSharesAsTheLiteralModelDoesWhateverTheAmplitudes) {
-    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    constexpr double threshold = 0x1p-23;
-    const std::vector<Complex> odd{{-0.0, 0.5},
-                                   {0.0, -0.0},
-                                   {threshold, 0.0},
-                                   {0.0, -0.25},
-                                   {1e-9, -1e-9},
-                                   {infinity, 0.5},
-                                   {nan, 0.5},
-                                   {nan, nan},
-                                   {nan, -infinity},
-                                   {-infinity, 0.0},
-                                   {2 * threshold, -threshold}};
-    const Levels dimensions{2, 3, 4, 3, 2};
-    for (std::size_t round = 0; round < 72; ++round) {
-        Entries entries;
-        for (std::uint64_t i = 0; i < 144; ++i) {
-            const std::uint64_t label = i * 91 % 144; // in no order
-            if (round % 3 == 1 && label % 7 < 3)
-                continue;
-            const bool is_odd = round != 0 && (label + round) % (round % 2 == 0 ? 5 : 71) == 0;
-            const auto number = static_cast<double>(label);
-            const Complex even(0.1 + 0.01 * number, 0.3 - 0.02 * number);
-            entries.push_back({{{label % 2, 2},
-                                {label / 2 % 3, 3},
-                                {label / 6 % 4, 4},
-                                {label / 24 % 3, 3},
-                                {label / 72, 2}},
-                               is_odd ? odd[(label / 2 + round) % odd.size()] : even});
-        }
-        const float fraction = round % 4 < 2 ? 0.3F : 1.0F;
-        const bool outer = round % 8 < 4;
-        const std::vector<qudit::Predicate> controls{{2, 1, round % 2 == 0}};
-        const auto act = [&](auto& state) {
-            for (int again = 0; again < 2; ++again)
-                state.i_swap(outer ? 4 : 1, outer ? 0 : 3, fraction,
-                             round < 36 ? std::vector<qudit::Predicate>{} : controls);
-        };
-        const auto state = Factory::make_unique_state({4, 5}, entries);
-        reference::LiteralState literal({4, 5}, entries);
-        act(*state);
-        act(literal);
-        ASSERT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes())) << round;
+                                 reference::tensor_product(literal, literal).basis_amplitudes()))
+            << size;
     }
 }
 

@@ -1,122 +1,303 @@
 #include <array>
 #include <chrono>
+#include <new>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 #include <vantel_exceptions.hpp>
 
-#include "state/dit_array.hpp"
+#include "interface/quantum_property.hpp"
 #include "tests/support/handles.hpp"
+#include "tests/support/states.hpp"
 
 // What passes out of the shared library and what does not, as any C++ host sees it.
 namespace vantel::testing {
 namespace {
 
 using Records = const PredicateRecord*;
-using List = QuantumProperty**;
+using List = std::vector<QuantumProperty*>;
+constexpr int untouched = -7;
 
-/// A call that relates the `n` handles of a list; a gate acts on the first under conditions on the others.
-struct Call {
+/// The caller's own, for three qudits that have a dozen combinations of levels at the most.
+struct Buffers {
+    std::array<int, 36> levels;
+    std::array<ProbabilityRecord, 12> rows;
+    std::array<float, 145> real, imaginary;
+
+    Buffers() {
+        levels.fill(untouched);
+        real.fill(untouched);
+        imaginary.fill(untouched);
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            rows[i] = {untouched, &levels[3 * i]};
+    }
+    [[nodiscard]] bool are_untouched() const {
+        const auto is_own = [](auto number) { return number == untouched; };
+        return std::all_of(levels.begin(), levels.end(), is_own) &&
+               std::all_of(real.begin(), real.end(), is_own) &&
+               std::all_of(imaginary.begin(), imaginary.end(), is_own) &&
+               std::all_of(rows.begin(), rows.end(), [&](auto& row) { return is_own(row.probability); });
+    }
+};
+
+/// Handles of which a call relates the first `n`. A gate's targets come first, then its conditions.
+struct Relation {
+    std::vector<Handle> owned;
+    List l;
+    std::vector<PredicateRecord> r;
+    std::size_t n = 3;
+
+    explicit Relation(const std::vector<int>& dimensions = {2, 2, 2}) {
+        for (const int dimension : dimensions)
+            l.push_back(owned.emplace_back(qudit_of(dimension)).get());
+        r = any_level(l);
+    }
+    /// Gives one of them company in its joint state, in all levels or in one. @return the last comer
+    QuantumProperty* join(std::size_t i, int count, int dimension, bool spread) {
+        for (; count > 0; --count) {
+            owned.push_back(qudit_of(dimension));
+            merge({l[i], owned.back().get()});
+            if (spread)
+                vantel_hadamard(owned.back().get(), nullptr, 0);
+        }
+        return owned.back().get();
+    }
+    [[nodiscard]] bool are_together(std::size_t i, std::size_t j) const {
+        return l[i]->shared_state == l[j]->shared_state;
+    }
+    /// The size of a matrix of all listed, which has 2 * 2 * 2 rows or, with a three-level qudit, others.
+    [[nodiscard]] std::size_t places() const {
+        std::size_t side = 1;
+        for (std::size_t i = 0; i < std::min(n, l.size()); ++i)
+            side *= l[i]->shared_state->state->qudit_dimension(l[i]->index);
+        return side * side;
+    }
+};
+
+struct Function {
     const char* name;
-    int (*make)(List l, Records r, std::size_t n);
+    int (*call)(Relation& q, Buffers& b);
+    std::vector<int> codes;        ///< of the failures that it handles
+    const char* overlap = nullptr; ///< its words for a condition on a target
+    const char* different = nullptr;
+    const char* over = nullptr; ///< and for a state over the limit
+    bool joins_one = false;     ///< takes one more place in the joint state
 };
 
-std::array<int, 16> levels;
-std::array<ProbabilityRecord, 1> row{{{0.0F, levels.data()}}};
-std::array<float, 16> part;
-
-const Call calls[] = {
-    {"hadamard", [](List l, Records r, std::size_t n) { return vantel_hadamard(l[0], r + 1, n - 1); }},
-    {"inverse_hadamard",
-     [](List l, Records r, std::size_t n) { return vantel_inverse_hadamard(l[0], r + 1, n - 1); }},
-    {"cycle", [](List l, Records r, std::size_t n) { return vantel_cycle(l[0], 1.0F, r + 1, n - 1); }},
-    {"shift", [](List l, Records r, std::size_t n) { return vantel_shift(l[0], 0.5F, r + 1, n - 1); }},
-    {"clock", [](List l, Records r, std::size_t n) { return vantel_clock(l[0], 1.0F, r + 1, n - 1); }},
-    {"phase_rotate", [](List, Records r, std::size_t n) { return vantel_phase_rotate(r, n, 1.0F); }},
-    {"swap", [](List l, Records r, std::size_t n) { return vantel_swap(l[0], l[0], r + 1, n - 1); }},
-    {"i_swap",
-     [](List l, Records r, std::size_t n) { return vantel_i_swap(l[0], l[0], 1.0F, r + 1, n - 1); }},
-    {"measure", [](List l, Records, std::size_t n) { return vantel_measure(l, n, levels.data()); }},
-    {"projection",
-     [](List, Records r, std::size_t n) { return vantel_stochastic_projection(r, n, levels.data()); }},
-    {"probabilities", [](List l, Records, std::size_t n) { return vantel_probabilities(l, n, row.data()); }},
-    {"density_matrix",
-     [](List l, Records, std::size_t n) {
-         return vantel_reduced_density_matrix(l, n, part.data(), part.data(), part.size());
-     }},
-};
-
-class Boundary : public ::testing::TestWithParam<Call> {};
-
-TEST_P(Boundary, LetsALengthErrorPassForACountWithItsTopBitSet) {
-    const Handle a = qudit_of(2), b = qudit_of(2);
-    std::vector<QuantumProperty*> list{a.get(), b.get()};
-    const auto records = any_level(list);
-    EXPECT_THROW(GetParam().make(list.data(), records.data(), (std::size_t{1} << 63) + 1), std::length_error);
+void PrintTo(const Function& function, std::ostream* out) {
+    *out << function.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, Boundary, ::testing::ValuesIn(calls),
+constexpr const char* size_exceeded = "State size exceeded maximum allowed size";
+const std::vector<int> gate{vantel_target_control_overlap, vantel_state_size_exceeded};
+const std::vector<int> readout{vantel_bad_dimension, vantel_bad_qudit_number};
+const std::vector<int> exchange{vantel_target_control_overlap, vantel_different_dimensions,
+                                vantel_bad_qudit_number, vantel_state_size_exceeded};
+
+template <auto form> int plain(Relation& q, Buffers&) {
+    return form(q.l[0], &q.r[1], q.n - 1);
+}
+template <auto form> int whole(Relation& q, Buffers&) {
+    return form(q.l[0], 1.0F, &q.r[1], q.n - 1);
+}
+template <auto form> int part(Relation& q, Buffers&) {
+    return form(q.l[0], 0.5F, &q.r[1], q.n - 1);
+}
+
+const Function functions[] = {
+    {"hadamard", plain<vantel_hadamard>, gate, "Hadamard operation has overlapping targets and controls",
+     nullptr, size_exceeded},
+    {"inverse_hadamard", plain<vantel_inverse_hadamard>, gate,
+     "inverse-Hadamard operation has overlapping targets and controls", nullptr, size_exceeded},
+    {"cycle", whole<vantel_cycle>, gate, "Cycle operation has overlapping targets and controls", nullptr,
+     size_exceeded},
+    {"fractional_cycle", part<vantel_cycle>, gate,
+     "Fractional cycle operation has overlapping targets and controls", nullptr, size_exceeded},
+    {"shift", whole<vantel_shift>, gate, "Shift operation has overlapping targets and controls", nullptr,
+     size_exceeded},
+    {"fractional_shift", part<vantel_shift>, gate,
+     "Fractional shift operation has overlap targets and controls", nullptr, size_exceeded},
+    {"clock", whole<vantel_clock>, gate, "Clock operation has overlapping targets and controls"},
+    {"fractional_clock", part<vantel_clock>, gate,
+     "Fractional Clock operation has overlapped targets and controls"},
+    {"phase_rotate", [](Relation& q, Buffers&) { return vantel_phase_rotate(q.r.data(), q.n, 1.0F); }, gate,
+     nullptr, nullptr, size_exceeded},
+    {"swap", [](Relation& q, Buffers&) { return vantel_swap(q.l[0], q.l[1], &q.r[2], q.n - 2); }, exchange,
+     "Swap operation has overlapping targets and controls",
+     "Targets of swap operation have different dimensions", size_exceeded},
+    {"i_swap", [](Relation& q, Buffers&) { return vantel_i_swap(q.l[0], q.l[1], 1.0F, &q.r[2], q.n - 2); },
+     exchange, "Fractional i-swap operation has overlapping targets and controls",
+     "Targets of fractional-i-swap operation have different dimensions",
+     "State size exceeds maximum allowed size"},
+    {"measure", [](Relation& q, Buffers& b) { return vantel_measure(q.l.data(), q.n, b.levels.data()); },
+     readout},
+    {"stochastic_projection",
+     [](Relation& q, Buffers& b) { return vantel_stochastic_projection(q.r.data(), q.n, b.levels.data()); },
+     readout, nullptr, nullptr, size_exceeded, true},
+    {"probabilities",
+     [](Relation& q, Buffers& b) { return vantel_probabilities(q.l.data(), q.n, b.rows.data()); }, readout},
+    {"density_matrix",
+     [](Relation& q, Buffers& b) {
+         return vantel_reduced_density_matrix(q.l.data(), q.n, b.real.data(), b.imaginary.data(), q.places());
+     },
+     {}},
+};
+
+/// A failure of a call that relates three qudits: the second has joined the first by then or, where the
+/// failure comes before all merges, has not, and the third is alone.
+struct Failing {
+    const char* name;
+    int code;
+    std::pair<std::string, std::string> passing; ///< its class and text; any text where that is empty
+    bool stands;
+    void (*prepare)(Relation& q, const Function& function);
+    const char* Function::*words = nullptr; ///< instead of the text
+    std::vector<int> dimensions = {2, 2, 2};
+};
+
+const Failing failures[] = {
+    {"overlap", vantel_target_control_overlap, failure<qudit::TargetControlOverlap>(""), true,
+     [](Relation& q, auto&) { q.r[2].property = q.l[0]; }, &Function::overlap},
+    {"different dimensions",
+     vantel_different_dimensions,
+     failure<qudit::DifferentDimensions>(""),
+     true,
+     [](Relation& q, auto&) { q.n = 2; },
+     &Function::different,
+     {2, 3, 2}},
+    {"too many qudits", vantel_bad_qudit_number,
+     failure<qudit::BadQuditNumber>("num_qudits must be <= MAX_QUDIT_NUM: 10"), true,
+     [](Relation& q, auto& function) { q.join(0, function.joins_one ? 7 : 8, 2, false); }},
+    {"too large, and of too many qudits", vantel_state_size_exceeded,
+     failure<qudit::StateSizeExceeded>(size_exceeded), true,
+     [](Relation& q, auto&) {
+         q.join(0, 3, 10, true);
+         q.join(2, 7, 2, true);
+     }},
+    {"a count with its top bit set", -1, failure<std::length_error>(""), false,
+     [](Relation& q, auto&) { q.n = (std::size_t{1} << 63) + 2; }},
+    {"a count for which there is no memory", -1, failure<std::bad_alloc>(""), false,
+     [](Relation& q, auto&) { q.n = (std::size_t{1} << 60) + 2; }},
+};
+
+class Boundary : public ::testing::TestWithParam<Function> {
+protected:
+    struct Outcome {
+        int status = -1;
+        std::pair<std::string, std::string> passed;
+        std::string text;
+    };
+    static Outcome outcome_of(Relation& q, Buffers& buffers) {
+        Outcome seen;
+        const Diagnostics diagnostics;
+        seen.passed = thrown_by([&] { seen.status = GetParam().call(q, buffers); });
+        seen.text = diagnostics.text();
+        return seen;
+    }
+    static void expect(Outcome seen, int code, std::pair<std::string, std::string> passing) {
+        const auto& codes = GetParam().codes;
+        const bool is_handled = std::count(codes.begin(), codes.end(), code) != 0;
+        if (passing.second.empty())
+            seen.passed.second.clear();
+        EXPECT_EQ(seen.status, is_handled ? code : -1);
+        EXPECT_EQ(seen.text, is_handled ? passing.second + "\n" : "");
+        EXPECT_EQ(seen.passed, is_handled ? thrown_by([] {}) : passing);
+    }
+};
+
+TEST_P(Boundary, TurnsWhatItHandlesIntoACodeAndLetsTheRestPass) {
+    for (const Failing& failing : failures) {
+        SCOPED_TRACE(failing.name);
+        auto passing = failing.passing;
+        if (failing.words != nullptr) {
+            if (GetParam().*failing.words == nullptr)
+                continue;
+            passing.second = GetParam().*failing.words;
+        }
+        Relation q(failing.dimensions);
+        failing.prepare(q, GetParam());
+        Buffers buffers;
+        expect(outcome_of(q, buffers), failing.code, passing);
+        EXPECT_TRUE(buffers.are_untouched());
+        EXPECT_EQ(q.are_together(0, 1), failing.stands);
+        EXPECT_FALSE(q.are_together(0, 2));
+    }
+}
+
+TEST_P(Boundary, ReportsAnOverlapBeforeDifferentDimensions) {
+    if (GetParam().different == nullptr)
+        return;
+    Relation q({2, 3, 2});
+    q.r[2].property = q.l[1];
+    Buffers buffers;
+    expect(outcome_of(q, buffers), vantel_target_control_overlap,
+           failure<qudit::TargetControlOverlap>(GetParam().overlap));
+}
+
+TEST_P(Boundary, ReportsAStateOverTheLimitWhereItIsGuarded) {
+    Relation q;
+    merge(q.l);
+    List others;
+    for (int i = 0; i < 6; ++i)
+        others.push_back(q.join(0, 1, 7, false));
+    const Diagnostics unread;
+    for (QuantumProperty* const other : others)
+        vantel_hadamard(other, nullptr, 0);
+    Buffers buffers;
+    const Outcome seen = outcome_of(q, buffers);
+    if (GetParam().over == nullptr) {
+        EXPECT_EQ(seen.status, vantel_ok);
+        EXPECT_EQ(seen.text, "");
+    } else {
+        expect(seen, vantel_state_size_exceeded, failure<qudit::StateSizeExceeded>(GetParam().over));
+        EXPECT_TRUE(buffers.are_untouched());
+    }
+    std::vector<int> levels(6);
+    vantel_measure(others.data(), 6, levels.data()); // small again, and can be freed
+}
+
+INSTANTIATE_TEST_SUITE_P(Functions, Boundary, ::testing::ValuesIn(functions),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST(Exceptions, AreCaughtByTheirClassesOutsideTheLibrary) {
-    std::vector<Handle> handles;
-    std::vector<QuantumProperty*> list;
-    const auto add = [&](int dimension, int count) {
-        for (int i = 0; i < count; ++i)
-            list.push_back(handles.emplace_back(qudit_of(dimension)).get());
-    };
-    add(2, 11);
-    const auto records = any_level(list);
-    EXPECT_THROW(vantel_hadamard(list[0], &records[1], 10), qudit::BadQuditNumber);
-    add(7, 6);
-    for (std::size_t i = 11; i < 17; ++i)
-        vantel_hadamard(list[i], nullptr, 0);
-    EXPECT_THROW(vantel_measure(&list[11], 6, levels.data()), qudit::StateSizeExceeded);
-}
-
 TEST(Tables, ThatOverflowAreReportedAtOnceAndWrittenNowhere) {
-    std::vector<Handle> handles;
-    std::vector<QuantumProperty*> list;
-    for (int i = 0; i < 10; ++i)
-        list.push_back(handles.emplace_back(qudit_of(10)).get());
-    const std::string text = "permutations.size(): 10000000000 != output_size: 1410065408";
-    const Diagnostics diagnostics;
+    const Relation q(std::vector<int>(10, 10)), two({2});
+    List list = q.l;
+    const auto expect = [&](const char* text) {
+        const Diagnostics diagnostics;
+        EXPECT_EQ(thrown_by([&] { vantel_probabilities(list.data(), list.size(), nullptr); }),
+                  failure<std::runtime_error>(text));
+        EXPECT_EQ(diagnostics.text(), std::string(text) + "\n");
+    };
     const auto start = std::chrono::steady_clock::now();
-    try {
-        vantel_probabilities(list.data(), list.size(), nullptr);
-        ADD_FAILURE() << "nothing has passed";
-    } catch (const std::runtime_error& passed) {
-        EXPECT_EQ(passed.what(), text);
-    }
+    expect("permutations.size(): 10000000000 != output_size: 1410065408");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
-    EXPECT_EQ(diagnostics.text(), text + "\n");
-    list.reserve(2 * list.size());
-    list.insert(list.end(), list.begin(), list.begin() + 10); // 10^20 combinations
+    list.insert(list.end(), q.l.begin(), q.l.end()); // 10^20 combinations
     EXPECT_THROW(vantel_probabilities(list.data(), list.size(), nullptr), std::length_error);
+    list.assign(31, two.l[0]);
+    expect("permutations.size(): 2147483648 != output_size: -2147483648");
 }
 
-TEST(Matrices, WhoseWrappedSizeAgreesByAccidentAreWrittenNowhereElse) {
-    std::vector<Handle> handles;
-    std::vector<QuantumProperty*> list;
-    for (int i = 0; i < 8; ++i)
-        list.push_back(handles.emplace_back(qudit_of(4)).get()); // 65536 squared is 0 in 32 bits
-    float parts[]{-7.0F, -7.0F};
+TEST(Matrices, AreHeldAgainstASizeThatWrapsIn32Bits) {
+    const Relation even(std::vector<int>(8, 4)); // 65536 squared is 0 in 32 bits
+    float parts[]{untouched, untouched};
+    List list = even.l;
     EXPECT_EQ(vantel_reduced_density_matrix(list.data(), list.size(), &parts[0], &parts[1], 0), vantel_ok);
-    EXPECT_EQ(parts[0], -7.0F);
-    EXPECT_EQ(parts[1], -7.0F);
-}
+    EXPECT_EQ(parts[0], untouched);
+    EXPECT_EQ(parts[1], untouched);
 
-TEST(Matrices, AreHeldAgainstASizeThatIsNegativeIn32BitsAndRefusedWhereNothingCanCountThem) {
-    std::vector<Handle> handles;
-    std::vector<QuantumProperty*> list;
-    for (const int dimension : {10, 10, 10, 10, 5})
-        list.push_back(handles.emplace_back(qudit_of(dimension)).get());
+    const Relation negative({10, 10, 10, 10, 5});
+    list = negative.l;
+    const auto matrix = [&](std::size_t size) {
+        return vantel_reduced_density_matrix(list.data(), list.size(), nullptr, nullptr, size);
+    };
     const Diagnostics diagnostics;
-    EXPECT_EQ(vantel_reduced_density_matrix(list.data(), 5, nullptr, nullptr, 2500000000),
-              vantel_output_too_small);
+    constexpr std::uint32_t wrapped = 2500000000;
+    EXPECT_EQ(matrix(wrapped), vantel_output_too_small);
     EXPECT_EQ(diagnostics.text(), "permutations.size(): 50000 < output_size: 2500000000\n");
+    EXPECT_THROW(matrix(static_cast<std::size_t>(static_cast<int>(wrapped))), std::length_error);
+    EXPECT_FALSE(negative.are_together(0, 1));
     list.assign(20, list[0]);
-    EXPECT_THROW(vantel_reduced_density_matrix(list.data(), 20, nullptr, nullptr, 0), std::length_error);
+    EXPECT_THROW(matrix(0), std::length_error);
 }
 
 TEST(Version, StandsBehindItsPointerAtTheMomentOfReturn) {

@@ -1,5 +1,10 @@
 // The public headers need nothing before them and can come twice.
 #include <vantel.h>
+#include <vantel.hpp>
+#include <vantel_exceptions.hpp>
+
+#include <vantel.h>
+#include <vantel.hpp>
 #include <vantel_exceptions.hpp>
 int main() {
     return vantel_ok;

@@ -1,4 +1,3 @@
-#include <array>
 #include <csignal>
 #include <new>
 #include <sstream>
@@ -27,18 +26,33 @@ struct World {
         vantel_cycle(q[1].get(), 1.0F, nullptr, 0);
         vantel_hadamard(q[2].get(), nullptr, 0);
         conditions = {{q[1].get(), 1, 1}, {q[2].get(), 2, 0}};
-        list = {q[2].get(), q[1].get()};
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            rows[i] = {untouched, &levels[2 * i]};
+        read({2, 1});
     }
     QuantumProperty& operator[](std::size_t i) const { return *q[i]; }
+
+    /// Makes room for the table of these qudits and, where it has not too many rows, for their matrix.
+    World& read(const std::vector<std::size_t>& qudits) {
+        list.clear();
+        std::size_t side = 1;
+        for (const std::size_t i : qudits) {
+            list.push_back(q[i].get());
+            side *= q[i]->shared_state->state->qudit_dimension(q[i]->index);
+        }
+        levels.assign(side * list.size(), untouched);
+        rows.clear();
+        for (std::size_t i = 0; i < side; ++i)
+            rows.push_back({untouched, &levels[i * list.size()]});
+        real.assign(side < 400 ? side * side : 0, untouched);
+        imaginary = real;
+        return *this;
+    }
 
     std::vector<Handle> q;
     std::vector<PredicateRecord> conditions;
     std::vector<QuantumProperty*> list;
-    std::vector<int> levels = std::vector<int>(24, untouched);
-    std::array<ProbabilityRecord, 12> rows{};
-    std::vector<float> real = std::vector<float>(144, untouched), imaginary = real;
+    std::vector<int> levels;
+    std::vector<ProbabilityRecord> rows;
+    std::vector<float> real, imaginary;
 };
 
 World separate() {
@@ -65,6 +79,35 @@ World scattered() {
         vantel_shift(world.q.back().get(), 1.0F, nullptr, 0);
         merge({world.q.front().get(), world.q.back().get()});
     }
+    return world;
+}
+
+/// Tables and matrices with many more places than there are entries: of the levels of some qudits, of more
+/// rows than are counted in a byte, of all of ten qudits, and beside more than a thousand entries.
+World sparse(const std::vector<int>& dimensions, const std::vector<std::size_t>& listed) {
+    World world(dimensions);
+    std::vector<QuantumProperty*> all;
+    for (const Handle& handle : world.q)
+        all.push_back(handle.get());
+    merge(all);
+    world.read(listed);
+    return world;
+}
+World sparse_table() {
+    return sparse({10, 10, 10}, {2, 0, 1});
+}
+World sparse_matrix() {
+    return sparse({10, 10, 10}, {2, 1});
+}
+World many_rows() {
+    return sparse({7, 7, 7}, {1, 2, 0});
+}
+World many_qudits() {
+    return sparse(std::vector<int>(10, 2), {9, 8, 7, 6, 5, 4, 3, 2, 1, 0});
+}
+World sparse_scattered() {
+    World world = scattered();
+    world.read({5, 2, 4, 1});
     return world;
 }
 
@@ -100,8 +143,9 @@ std::string told(const World& world) {
         text << '\n' << row.probability;
     for (const int level : world.levels)
         text << ' ' << level;
-    for (std::size_t i = 0; i < world.real.size(); ++i)
-        text << ' ' << world.real[i] << ' ' << world.imaginary[i];
+    for (const auto& parts : {world.real, world.imaginary})
+        text.write(reinterpret_cast<const char*>(parts.data()),
+                   static_cast<std::streamsize>(parts.size() * sizeof(float)));
     return text.str();
 }
 
@@ -143,13 +187,14 @@ int i_swap(World& w) {
 }
 int measure(World& w) {
     const RandomSource source(5);
-    return vantel_measure(w.list.data(), 2, w.levels.data());
+    return vantel_measure(w.list.data(), w.list.size(), w.levels.data());
 }
 int probabilities(World& w) {
-    return vantel_probabilities(w.list.data(), 2, w.rows.data());
+    return vantel_probabilities(w.list.data(), w.list.size(), w.rows.data());
 }
 int density_matrix(World& w) {
-    return vantel_reduced_density_matrix(w.list.data(), 2, w.real.data(), w.imaginary.data(), 144);
+    return vantel_reduced_density_matrix(w.list.data(), w.list.size(), w.real.data(), w.imaginary.data(),
+                                         w.real.size());
 }
 int matrix_of_one(World& w) {
     return vantel_reduced_density_matrix(&w.list[1], 1, w.real.data(), w.imaginary.data(), 81);
@@ -198,6 +243,12 @@ const Situation situations[] = {
     {"probabilities", separate, probabilities, {merges<2, 1>}},
     {"density_matrix", separate, density_matrix, {merges<2, 1>}},
     {"density_matrix_scattered", scattered, matrix_of_one},
+    {"sparse_table", sparse_table, probabilities},
+    {"sparse_table_of_many_qudits", many_qudits, probabilities},
+    {"sparse_table_scattered", sparse_scattered, probabilities},
+    {"sparse_matrix", sparse_matrix, density_matrix},
+    {"sparse_matrix_of_many_rows", many_rows, density_matrix},
+    {"sparse_matrix_large", large, density_matrix},
     {"projection", separate, projection, {projection_broken_off<1>, projection_broken_off<2>}, true},
     {"projection_joint", joint, projection, {projection_broken_off<2>}, true},
     {"release", joint, release, {}, true},

@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "interface/quantum_property.hpp"
-#include "property/operations.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
@@ -20,34 +19,6 @@ List handles_beside(const Handle& handle) {
 
 Entries entries_behind(const Handle& handle) {
     return handle->shared_state->state->basis_amplitudes();
-}
-
-TEST(Merge, PutsTheSecondBehindTheFirstInEveryRespect) {
-    const Handle a = qudit_of(2), b = qudit_of(3), c = qudit_of(5);
-    vantel_hadamard(a.get(), nullptr, 0);
-    vantel_cycle(b.get(), 1.0F, nullptr, 0);
-    ASSERT_EQ(merge({b.get(), a.get()}), 0);
-    ASSERT_EQ(merge({c.get(), a.get(), c.get(), b.get()}), 0);
-    EXPECT_EQ((std::vector<int>{a->index, b->index, c->index}), (std::vector<int>{2, 1, 0}));
-    EXPECT_EQ(handles_beside(a), (List{c.get(), b.get(), a.get()}));
-    EXPECT_EQ(a->shared_state->state->dimension(), 5U);
-    EXPECT_TRUE(same_entries(entries_behind(a), entries_of({5, 3, 2}, {{{0, 1, 0}, 0.7071067811865475},
-                                                                       {{0, 1, 1}, 0.7071067811865475}})));
-}
-
-TEST(Release, LetsTheLastQuditTakeThePlaceAndNeverShortensTheList) {
-    Handle a = qudit_of(2), b = qudit_of(3), c = qudit_of(5);
-    vantel_cycle(c.get(), 1.0F, nullptr, 0);
-    merge({a.get(), b.get(), c.get()});
-    a.reset();
-    EXPECT_EQ((std::vector<int>{b->index, c->index}), (std::vector<int>{1, 0}));
-    EXPECT_EQ(handles_beside(b), (List{b.get(), c.get(), c.get()}));
-    EXPECT_TRUE(same_entries(entries_behind(b), entries_of({5, 3}, {{{1, 0}, 1.0}})));
-    c.reset();
-    EXPECT_EQ(b->index, 0);
-    EXPECT_EQ(b->shared_state->properties.size(), 3U);
-    EXPECT_EQ(b->shared_state->state->dimension(), 5U);
-    EXPECT_EQ(b->shared_state->state->qudit_dimension(0), 3U);
 }
 
 TEST(Release, OfManyGuestsLeavesALongListThatMergesInFrontAndBehind) {
@@ -103,20 +74,6 @@ TEST(Release, OfTheOnlyHandleTakesNothingOutOfItsState) {
     EXPECT_EQ(shared->state->num_qudits(), 2U);
 }
 
-TEST(Projection, ShiftsAHandleTwiceThatStandsTwice) {
-    Handle p = qudit_of(2), q = qudit_of(3);
-    merge({p.get(), q.get()});
-    const auto records = any_level({p.get(), q.get()});
-    int result = -1;
-    ASSERT_EQ(vantel_stochastic_projection(records.data(), 2, &result), 0);
-    EXPECT_EQ(result, 1);
-    EXPECT_EQ(handles_beside(p), (List{p.get(), q.get(), q.get()}));
-    EXPECT_EQ((std::vector<int>{p->index, q->index}), (std::vector<int>{1, 0}));
-    const Handle front = qudit_of(2);
-    merge({front.get(), p.get()});
-    EXPECT_EQ((std::vector<int>{p->index, q->index}), (std::vector<int>{2, 2}));
-}
-
 TEST(Projection, CanLeaveAnIndexBeyondTheQuditsWhichIsNeverWrittenThrough) {
     Handle p = qudit_of(2), q = qudit_of(3);
     merge({p.get(), q.get()});
@@ -128,6 +85,8 @@ TEST(Projection, CanLeaveAnIndexBeyondTheQuditsWhichIsNeverWrittenThrough) {
     List list{q.get()};
     EXPECT_EQ(thrown_by([&] { vantel_measure(list.data(), 1, &result); }),
               failure<std::out_of_range>("qudit index out of range"));
+    expect_end([&] { vantel_cycle(q.get(), 1.0F, nullptr, 0); },
+               "^DitArray::operator\\+: v >= dimension\\(\\)\n");
     vantel_hadamard(q.get(), nullptr, 0);
     q.reset();
     EXPECT_EQ(p->shared_state->state->num_qudits(), 1U);

@@ -1,6 +1,9 @@
 #include <chrono>
 #include <limits>
+#include <numeric>
 
+#include "state/field_groups.hpp"
+#include "state/state.hpp"
 #include "tests/support/states.hpp"
 
 namespace vantel::testing {
@@ -8,17 +11,7 @@ namespace {
 
 using namespace qudit;
 
-TEST(Factory, WalksToEachOfTheNinetyBuilds) {
-    for (std::uint64_t dim = 2; dim <= 10; ++dim)
-        for (std::uint64_t qudits = 1; qudits <= 10; ++qudits) {
-            const Levels top(qudits, dim - 1);
-            const auto state = state_of(Levels(qudits, dim), {{top, 1.0}});
-            EXPECT_EQ(state->dimension(), dim);
-            EXPECT_EQ(state->num_qudits(), qudits);
-            EXPECT_TRUE(
-                same_entries(state->basis_amplitudes(), entries_of(Levels(qudits, dim), {{top, 1.0}})));
-        }
-}
+const auto exceeded = failure<StateSizeExceeded>("State size exceeded maximum allowed size");
 
 TEST(Factory, RefusesSizeFirstThenDimensionThenCount) {
     const auto made = [](std::uint64_t dim, std::uint64_t qudits, std::size_t entries) {
@@ -28,29 +21,16 @@ TEST(Factory, RefusesSizeFirstThenDimensionThenCount) {
     };
     const auto low = failure<BadDimension>("dim must be >= 2");
     const auto high = failure<BadDimension>("dim must be <= MAX_QUDIT_DIMENSION: 10");
-    EXPECT_EQ(made(0, 0, 100001), failure<StateSizeExceeded>("State size exceeded maximum allowed size"));
+    EXPECT_EQ(made(0, 0, 100001), exceeded);
     EXPECT_EQ(made(1, 0, 100000), low);
+    EXPECT_EQ(made(1, 11, 1), low);
     EXPECT_EQ(made(11, 11, 1), high);
-    EXPECT_EQ(made(std::numeric_limits<std::uint64_t>::max(), 1, 1), high);
+    EXPECT_EQ(made(std::numeric_limits<std::uint64_t>::max(), 0, 1), high);
     EXPECT_EQ(made(2, 0, 1), failure<std::invalid_argument>("num_qudits must be >= 1"));
     EXPECT_EQ(made(10, 11, 1), failure<BadQuditNumber>("num_qudits must be <= MAX_QUDIT_NUM: 10"));
 }
 
-TEST(Factory, BuildsTheLargestStateAtOnce) {
-    Entries entries;
-    for (std::uint64_t i = 100000; i-- > 0;) {
-        Entry& entry = entries.emplace_back(Entry{{}, {1.0, static_cast<double>(i)}});
-        for (unsigned qudit = 0; qudit < 10; ++qudit)
-            entry.dits.push_back({i >> 2 * qudit & 3, 4});
-    }
-    const auto start = std::chrono::steady_clock::now();
-    const auto state = Factory::make_unique_state({4, 10}, entries);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
-    EXPECT_TRUE(same_entries(state->basis_amplitudes(), entries)); // in descending order still
-}
-
 TEST(Limit, IsOfAHundredThousandEntriesWhereverAListCanGrow) {
-    const auto refused = failure<StateSizeExceeded>("State size exceeded maximum allowed size");
     const auto spread = [](std::uint64_t dimension, int over, std::size_t qudits) {
         auto state = state_of(Levels(qudits, dimension), {{Levels(qudits, 0), 1.0}});
         for (int i = 0; i < over; ++i)
@@ -62,29 +42,61 @@ TEST(Limit, IsOfAHundredThousandEntriesWhereverAListCanGrow) {
     EXPECT_EQ(full->packed_amplitudes().size(), 100000U);
     EXPECT_EQ(thrown_by([&] { full->cycle({0}, {}); }), thrown_by([] {}));
     // Both too large and of too many qudits.
-    EXPECT_EQ(thrown_by([&] { tensor_product<10, 10>(*thousand, *spread(2, 7, 8)); }), refused);
-    EXPECT_EQ(thrown_by([&] { spread(10, 0, 6)->hadamard({0, 1, 2, 3, 4, 5}, {}); }), refused);
+    EXPECT_EQ(thrown_by([&] { tensor_product<10, 10>(*thousand, *spread(2, 7, 8)); }), exceeded);
+    EXPECT_EQ(thrown_by([&] { spread(10, 0, 6)->hadamard({0, 1, 2, 3, 4, 5}, {}); }), exceeded);
+    // Repeats are looked for in all entries at once.
+    const auto start = std::chrono::steady_clock::now();
+    const auto again = Factory::make_unique_state({10, 5}, full->basis_amplitudes());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_TRUE(same_entries(again->basis_amplitudes(), full->basis_amplitudes()));
 }
 
-TEST(Construction, LetsTheFirstOfALabelWinAndDropsExactZerosAfterwards) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const auto state = state_of({3, 2}, {{{2, 1}, 0.25},
-                                         {{1, 0}, 0.0},
-                                         {{2, 1}, 0.5},
-                                         {{1, 0}, 0.75}, // shadowed by the zero before it
-                                         {{0, 1}, {-0.0, 0.0}},
-                                         {{2, 0}, {nan, 0.0}},
-                                         {{0, 0}, 1e-300}});
-    EXPECT_TRUE(same_entries(state->basis_amplitudes(),
-                             entries_of({3, 2}, {{{2, 1}, 0.25}, {{2, 0}, {nan, 0.0}}, {{0, 0}, 1e-300}})));
+TEST(Construction, TellsLabelsApartByTheirLevelsAloneAndDropsExactZerosAfterwards) {
+    const auto state = Factory::make_unique_state(
+        {5, 3},
+        Entries{{{{1, 2}}, 0.5}, {{{2, 3}}, {-0.0, 0.0}}, {{{1, 3}, {0, 4}}, 0.25}, {{{2, 3}}, 0.75}});
+    ASSERT_EQ(state->basis_amplitudes().size(), 1U);
+    EXPECT_EQ(state->basis_amplitudes()[0].dits, (std::vector<Dit>{{1, 2}, {0, 1}, {0, 1}}));
 }
 
-TEST(Construction, TellsLabelsApartByTheirLevelsAlone) {
-    const auto state =
-        Factory::make_unique_state({5, 2}, Entries{{{{1, 2}, {0, 5}}, 0.5}, {{{1, 3}, {0, 4}}, 0.25}});
-    EXPECT_EQ(state->basis_amplitudes().size(), 1U);
-    const auto shorter = Factory::make_unique_state({5, 3}, Entries{{{{1, 2}}, 0.5}});
-    EXPECT_EQ(shorter->basis_amplitudes()[0].dits, (std::vector<Dit>{{1, 2}, {0, 1}, {0, 1}}));
+// The holes of dropped entries are filled from the tail; a stable removal would be a fault.
+TEST(Reduction, LeavesTheToldEntriesInTheToldOrder) {
+    constexpr double t = 0x1p-23, nan = std::numeric_limits<double>::quiet_NaN();
+    const double above = std::nextafter(t, 1.0);
+    using List = std::vector<Term>;
+    const std::pair<List, List> lists[] = {
+        {{{{1}, 1.}, {{2}, t}, {{3}, 3.}, {{4}, 0.}, {{5}, 5.}}, {{{1}, 1.}, {{5}, 5.}, {{3}, 3.}}},
+        {{{{4}, 1.}, {{2}, .5}, {{4}, .25}, {{4}, .125}}, {{{2}, .5}, {{4}, 1.375}}},
+        {{{{4}, .5}, {{4}, -.5}}, {}},
+        {{{{1}, {t, 0.}}, {{2}, {1e-7, 1e-7}}, {{3}, {0., -t}}, {{4}, {above, 0.}}, {{5}, {0., -above}}},
+         {{{5}, {0., -above}}, {{4}, {above, 0.}}}},
+        {{{{1}, {nan, 1.}}, {{2}, {nan, nan}}}, {{{1}, {nan, 1.}}}}};
+    for (const auto& [before, after] : lists) {
+        std::vector<BasisAmplitude<DitArray<10, 1>>> list;
+        for (const Entry& entry : entries_of({10}, before))
+            list.push_back(make_basis_amplitude<10, 1>(entry.dits, entry.amplitude));
+        State<DitArray<10, 1>>::reduce(list);
+        Entries left;
+        for (const auto& [label, amplitude] : list)
+            left.push_back({label.dits(), amplitude});
+        EXPECT_TRUE(same_entries(left, entries_of({10}, after)));
+    }
+}
+
+TEST(Groups, HoldMoreMembersThanAByteCounts) {
+    constexpr std::size_t size = 300;
+    std::vector<PackedAmplitude> entries(2 * size);
+    std::uint64_t any = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        any |= entries[i].values = i;
+    std::size_t group = 0;
+    FieldGroups(entries, 1, any, size).for_each([&](std::span<const std::uint32_t> members) {
+        ASSERT_EQ(members.size(), size);
+        for (std::size_t i = 0; i < size; ++i)
+            EXPECT_EQ(members[i], 2 * i + group);
+        ++group;
+    });
+    EXPECT_EQ(group, 2U);
 }
 
 } // namespace

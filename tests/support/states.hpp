@@ -3,12 +3,15 @@
 #include <bit>
 #include <cmath>
 #include <complex>
+#include <csignal>
 #include <cstdint>
 #include <functional>
+#include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <typeinfo>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -78,6 +81,21 @@ inline std::pair<std::string, std::string> thrown_by(const std::function<void()>
 }
 template <class Failure> std::pair<std::string, std::string> failure(const char* text) {
     return {typeid(Failure).name(), text};
+}
+
+/// Expects that the process ends, with the text on standard output, and that no handler gets a chance.
+inline void expect_end(const std::function<void()>& act, const char* text) {
+    EXPECT_EXIT(
+        {
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            std::cerr.rdbuf(nullptr);
+            try {
+                act();
+            } catch (...) {
+            }
+            _exit(0);
+        },
+        ::testing::KilledBySignal(SIGABRT), text);
 }
 
 } // namespace vantel::testing
