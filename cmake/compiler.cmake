@@ -18,6 +18,6 @@ target_compile_options(vantel_compiler INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
 # More than -O2 buys nothing here that benchmarks show, and costs build time ninety times over.
-if(CMAKE_CXX_FLAGS_RELEASE STREQUAL "-O3 -DNDEBUG")
+if(PROJECT_IS_TOP_LEVEL AND CMAKE_CXX_FLAGS_RELEASE STREQUAL "-O3 -DNDEBUG")
     set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG" CACHE STRING "Flags of a release build" FORCE)
 endif()

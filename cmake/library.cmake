@@ -19,7 +19,6 @@ add_library(vantel_objects OBJECT
     interface/quantum_property.cpp
     interface/readouts.cpp
     property/gates.cpp
-    property/indices.cpp
     property/merge.cpp
     property/readouts.cpp
     property/release.cpp
@@ -39,12 +38,16 @@ add_library(vantel_objects OBJECT
     state/state.cpp
     state/state_factory.cpp
     state/tensor_product.cpp)
-set_target_properties(vantel_objects PROPERTIES
-    POSITION_INDEPENDENT_CODE ON
-    CXX_VISIBILITY_PRESET hidden
-    VISIBILITY_INLINES_HIDDEN ON)
-target_include_directories(vantel_objects PUBLIC ${PROJECT_SOURCE_DIR})
-target_link_libraries(vantel_objects PRIVATE vantel_compiler)
+# The question to the processor, apart, so that one test can answer it and try both forms of every loop.
+add_library(vantel_processor OBJECT state/processor.cpp)
+foreach(part vantel_objects vantel_processor)
+    set_target_properties(${part} PROPERTIES
+        POSITION_INDEPENDENT_CODE ON
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+    target_include_directories(${part} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${part} PRIVATE vantel_compiler)
+endforeach()
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
 configure_file(interface/vantel.h include/vantel.h COPYONLY)
@@ -53,7 +56,7 @@ configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
 add_library(vantel SHARED)
 add_library(vantel::vantel ALIAS vantel)
-target_link_libraries(vantel PRIVATE vantel_objects)
+target_link_libraries(vantel PRIVATE vantel_objects vantel_processor)
 set_target_properties(vantel PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}

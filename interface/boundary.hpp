@@ -3,6 +3,9 @@
 
 #include <cstddef>
 #include <iostream>
+#include <limits>
+#include <new>
+#include <stdexcept>
 #include <vector>
 
 #include "interface/quantum_property.hpp"
@@ -43,12 +46,22 @@ template <class First, class... Rest> struct Translate<First, Rest...> {
     }
 };
 
+/// Refuses a caller's count that no list can have, before any pointer is formed.
+/// @throws std::length_error where its top bit is set; std::bad_alloc where no memory could hold as many
+template <class Element> void refuse_count(std::size_t count) {
+    if (count > std::numeric_limits<std::ptrdiff_t>::max())
+        throw std::length_error("a count with its top bit set");
+    if (count > std::numeric_limits<std::ptrdiff_t>::max() / sizeof(Element))
+        throw std::bad_alloc();
+}
+
 /// A caller's conditions.
 using Conditions = qudit::ShortList<QuantumProperty::Predicate, qudit::MAX_QUDIT_NUM>;
 
-/// A copy of a caller's conditions; `records` may be null where `count` is 0.
-/// @throws std::length_error for a count beyond all memory, before any pointer is formed; std::bad_alloc
+/// A copy of a caller's conditions; `records` may be null where `count` is 0. @throws what refuse_count
+/// raises
 inline Conditions conditions(const PredicateRecord* records, std::size_t count) {
+    refuse_count<QuantumProperty::Predicate>(count);
     Conditions copy(count);
     for (std::size_t i = 0; i < count; ++i)
         copy[i] = {records[i].property, records[i].value, records[i].is_equal != 0};
@@ -57,6 +70,7 @@ inline Conditions conditions(const PredicateRecord* records, std::size_t count) 
 
 /// A copy of a caller's property list, under the same terms.
 inline std::vector<QuantumProperty*> listed(QuantumProperty** properties, std::size_t count) {
+    refuse_count<QuantumProperty*>(count);
     std::vector<QuantumProperty*> copy(count);
     for (std::size_t i = 0; i < count; ++i)
         copy[i] = properties[i];

@@ -19,55 +19,57 @@ constexpr float whole = 1.0F;
 } // namespace
 
 int vantel_hadamard(QuantumProperty* target, const PredicateRecord* predicates, size_t predicate_count) {
-    return OverlapOrSize::run(
-        [&] { vantel::act(Gate::hadamard, 0, {target}, conditions(predicates, predicate_count)); });
+    return OverlapOrSize::run([&] { vantel::hadamard(*target, conditions(predicates, predicate_count)); });
 }
 
 int vantel_inverse_hadamard(QuantumProperty* target, const PredicateRecord* predicates,
                             size_t predicate_count) {
     return OverlapOrSize::run(
-        [&] { vantel::act(Gate::inverse_hadamard, 0, {target}, conditions(predicates, predicate_count)); });
+        [&] { vantel::inverse_hadamard(*target, conditions(predicates, predicate_count)); });
 }
 
 int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                  size_t predicate_count) {
     return OverlapOrSize::run([&] {
-        const Gate::Kind kind = fraction == whole ? Gate::cycle : Gate::fractional_cycle;
-        vantel::act(kind, fraction, {target}, conditions(predicates, predicate_count));
+        if (fraction == whole)
+            vantel::cycle(*target, conditions(predicates, predicate_count));
+        else
+            vantel::cycle(*target, fraction, conditions(predicates, predicate_count));
     });
 }
 
 int vantel_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                  size_t predicate_count) {
     return OverlapOrSize::run([&] {
-        const Gate::Kind kind = fraction == whole ? Gate::shift : Gate::fractional_shift;
-        vantel::act(kind, fraction, {target}, conditions(predicates, predicate_count));
+        if (fraction == whole)
+            vantel::shift(*target, conditions(predicates, predicate_count));
+        else
+            vantel::shift(*target, fraction, conditions(predicates, predicate_count));
     });
 }
 
 int vantel_clock(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                  size_t predicate_count) {
     return OverlapOrSize::run([&] {
-        const Gate::Kind kind = fraction == whole ? Gate::clock : Gate::fractional_clock;
-        vantel::act(kind, fraction, {target}, conditions(predicates, predicate_count));
+        if (fraction == whole)
+            vantel::clock(*target, conditions(predicates, predicate_count));
+        else
+            vantel::clock(*target, fraction, conditions(predicates, predicate_count));
     });
 }
 
 int vantel_phase_rotate(const PredicateRecord* predicates, size_t predicate_count, float angle) {
-    return OverlapOrSize::run(
-        [&] { vantel::act(Gate::phase_rotate, angle, {}, conditions(predicates, predicate_count)); });
+    return OverlapOrSize::run([&] { vantel::phase_rotate(conditions(predicates, predicate_count), angle); });
 }
 
 int vantel_swap(QuantumProperty* first, QuantumProperty* second, const PredicateRecord* predicates,
                 size_t predicate_count) {
-    return AnySwapFailure::run([&] {
-        vantel::act(Gate::swap, 0, {first, second}, conditions(predicates, predicate_count));
-    });
+    return AnySwapFailure::run(
+        [&] { vantel::swap(*first, *second, conditions(predicates, predicate_count)); });
 }
 
 int vantel_i_swap(QuantumProperty* first, QuantumProperty* second, float fraction,
                   const PredicateRecord* predicates, size_t predicate_count) {
-    return AnyISwapFailure::run([&] {
-        vantel::act(Gate::i_swap, fraction, {first, second}, conditions(predicates, predicate_count));
-    });
+    return AnyISwapFailure::run(
+        [&] { vantel::i_swap(*first, *second, fraction, conditions(predicates, predicate_count)); });
 }

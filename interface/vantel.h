@@ -22,7 +22,12 @@
  * - **Exceptions.** A failure for which a function lists no code passes out of it as a C++ exception
  *   (the classes are declared in `vantel_exceptions.hpp`); a host that cannot let one pass must guard
  *   the call. Exhausted memory is such a failure (`std::bad_alloc`) in every function that can allocate.
- *   A count with its top bit set raises `std::length_error`.
+ *   A count with its top bit set raises `std::length_error`, any other that no memory could hold
+ *   `std::bad_alloc`.
+ * - **The end of the process.** Three calls can end it, where no exception can leave: freeing a handle of a
+ *   joint state, when memory runs out or the state is over the limit; a stochastic projection, when memory
+ *   runs out while it frees the place that it took; and vantel_cycle() by a fraction of exactly 1 of a handle
+ *   that names no qudit any more (see vantel_free_quantum_property()), with a text on standard output.
  * - **Threads.** The library keeps no global data and takes no locks. Handles of one joint state belong
  *   to one thread at a time; separate joint states are independent.
  * - **An empty joint state** (every amplitude fell below the drop threshold, or became NaN) remains
@@ -110,12 +115,16 @@ VANTEL_API QuantumProperty* vantel_make_quantum_property(int dimension, int* sta
  * The qudit's level is forgotten in every basis state; nothing is measured, traced out or normalised.
  * Of basis states that differed only in this qudit, the one stored first stays and the others go with
  * their amplitudes. Measure a qudit that is not in a definite level before freeing it. The qudit that
- * stood last in the joint state takes the freed place. A failure on the way ends the process.
+ * stood last in the joint state takes the freed place. A failure on the way ends the process: that is
+ * memory that runs out, and a joint state of more than 100000 basis states, which must be measured down first.
+ * Neither can happen to a qudit that is alone in its joint state.
  *
  * Freed best are the qudit that joined its joint state last, or all qudits of a joint state together. Of
  * any other, the joint state keeps the last comer's handle in two places; when it is later merged *behind*
- * another joint state, that handle counts its new place twice and then names another qudit. It may still be
- * merged *in front*: a gate's target, a readout's first qudit or vantel_phase_rotate()'s first condition
+ * another joint state, that handle counts its new place twice and then names another qudit, or none. A handle
+ * that names none reads as a qudit of one level, in level 0, which no gate changes; but measuring it and
+ * vantel_probabilities() raise `std::out_of_range`, and a whole vantel_cycle() of it ends the process. The joint
+ * state may still be merged *in front*: a gate's target, a readout's first qudit or vantel_phase_rotate()'s first condition
  * stands in front, and what is named after it is merged behind it in that order.
  * @param property  a live handle, or null.
  * @return #vantel_ok, or #vantel_null_property for null.
@@ -158,7 +167,8 @@ VANTEL_API int vantel_inverse_hadamard(QuantumProperty* target, const PredicateR
  * @param predicates       conditions, `predicate_count` records.
  * @param predicate_count  number of conditions; 0 for none.
  * @return As vantel_hadamard(), with what passes out of it. A fractional form that exceeds the size in
- *         mid-course stays in the Fourier basis.
+ *         mid-course stays in the Fourier basis. Ends the process if `fraction` is exactly 1, the handle names
+ *         no qudit any more (see vantel_free_quantum_property()) and the conditions hold for some basis state.
  */
 VANTEL_API int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                             size_t predicate_count);
@@ -171,7 +181,8 @@ VANTEL_API int vantel_cycle(QuantumProperty* target, float fraction, const Predi
  * @param fraction         the power; any float, NaN included.
  * @param predicates       conditions, `predicate_count` records.
  * @param predicate_count  number of conditions; 0 for none.
- * @return As vantel_cycle(), with what passes out of it.
+ * @return As vantel_hadamard(), with what passes out of it. A fractional form that exceeds the size in
+ *         mid-course stays in the Fourier basis.
  */
 VANTEL_API int vantel_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                             size_t predicate_count);
@@ -256,12 +267,14 @@ VANTEL_API int vantel_measure(QuantumProperty** properties, size_t property_coun
  *
  * The conditions' qudits are merged, and one place among the ten is needed for the time of the call.
  * That place is taken in front and freed, so that the joint state must not be merged behind another one
- * afterwards, which a second call on it would do: see vantel_free_quantum_property().
+ * afterwards, which a second call on it would do: its qudits then go by wrong handles, and what follows is another
+ * program than the one that was written. See vantel_free_quantum_property().
  * @param predicates       conditions, `predicate_count` records; without any the answer is 1.
  * @param predicate_count  number of conditions; 0 for none.
  * @param result           receives 1 where all conditions hold now, 0 where they do not all hold.
  * @return #vantel_ok or #vantel_bad_qudit_number; #vantel_bad_dimension is kept in the interface.
- *         Passes out: as vantel_measure().
+ *         Passes out: as vantel_measure(), but for `std::out_of_range`. Ends the process if memory runs out
+ *         while the place is freed.
  */
 VANTEL_API int vantel_stochastic_projection(const PredicateRecord* predicates, size_t predicate_count,
                                             int* result);

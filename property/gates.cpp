@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
 #include "property/operations.hpp"
 #include "state/limits.hpp"
@@ -9,23 +10,27 @@ namespace vantel {
 
 using qudit::Gate;
 
+namespace {
+
 // Merges first and reads the indices second: a merge renumbers handles.
 void act(Gate::Kind kind, float number, std::initializer_list<QuantumProperty*> targets,
-         std::span<const QuantumProperty::Predicate> predicates) {
-    if (targets.size() == 0 && predicates.empty())
+         Predicates predicates) {
+    qudit::IState* const state = tensor_state({targets.begin(), targets.size()}, predicates);
+    if (state == nullptr)
         return;
-    QuantumProperty& anchor = targets.size() == 0 ? *predicates.front().property : **targets.begin();
-    for (QuantumProperty* const target : targets)
-        tensor_state(anchor, *target);
-    qudit::IState& state = relate(anchor, predicates);
-
     std::array<int, 2> indices;
     std::transform(targets.begin(), targets.end(), indices.begin(),
                    [](const QuantumProperty* target) { return target->index; });
     qudit::ShortList<qudit::Predicate, qudit::MAX_QUDIT_NUM> controls(predicates.size());
-    std::transform(predicates.begin(), predicates.end(), controls.begin(), indexed);
-    state.act({kind, number, std::span(indices).first(targets.size()), controls});
+    std::transform(
+        predicates.begin(), predicates.end(), controls.begin(),
+        [](const QuantumProperty::Predicate& predicate) {
+            return qudit::Predicate{predicate.property->index, predicate.value, predicate.is_equal};
+        });
+    state->act({kind, number, std::span(indices).first(targets.size()), controls});
 }
+
+} // namespace
 
 void hadamard(QuantumProperty& target, Predicates predicates) {
     act(Gate::hadamard, 0, {&target}, predicates);

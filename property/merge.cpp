@@ -52,31 +52,15 @@ qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b) {
     return a.shared_state->state.get();
 }
 
-qudit::IState& relate(QuantumProperty& anchor, std::span<const QuantumProperty::Predicate> predicates) {
+qudit::IState* tensor_state(Properties properties, Predicates predicates) {
+    if (properties.empty() && predicates.empty())
+        return nullptr;
+    QuantumProperty& anchor = properties.empty() ? *predicates.front().property : *properties.front();
+    for (QuantumProperty* const property : properties)
+        tensor_state(anchor, *property);
     for (const QuantumProperty::Predicate& predicate : predicates)
         tensor_state(anchor, *predicate.property);
-    return *anchor.shared_state->state;
-}
-
-qudit::IState* tensor_state(Targets targets, Predicates predicates) {
-    if (targets.empty())
-        return tensor_state(std::move(predicates));
-    QuantumProperty& anchor = targets.front();
-    for (QuantumProperty& target : targets)
-        tensor_state(anchor, target);
-    return &relate(anchor, predicates);
-}
-
-qudit::IState* tensor_state(Predicates predicates) {
-    return predicates.empty() ? nullptr : &relate(*predicates.front().property, predicates);
-}
-
-qudit::IState* tensor_state(std::vector<QuantumProperty*> properties) {
-    if (properties.empty())
-        return nullptr;
-    for (QuantumProperty* const property : properties)
-        tensor_state(*properties.front(), *property);
-    return properties.front()->shared_state->state.get();
+    return anchor.shared_state->state.get();
 }
 
 } // namespace vantel

@@ -1,28 +1,15 @@
-/// The library's operations in terms of handles. Each merges the properties that it names and then acts on
-/// their joint state; a merge stays, whatever becomes of the operation.
+/// The library's operations in terms of handles, one for each exported gate and readout. Each merges the
+/// properties that it names and then acts on their joint state; a merge stays, whatever becomes of the
+/// operation.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <initializer_list>
-#include <span>
 #include <vector>
 
 #include "interface/quantum_property.hpp"
 #include "property/merge.hpp"
+#include "readout/ranked.hpp"
 
 namespace vantel {
-
-/// A condition by index, and a list of them. Good only until the next merge or release, which renumber
-/// handles.
-inline qudit::Predicate indexed(const QuantumProperty::Predicate& predicate) {
-    return {predicate.property->index, predicate.value, predicate.is_equal};
-}
-std::vector<qudit::Predicate> convert_to_indexed_predicates(Predicates predicates);
-
-/// The present index of each property, in list order.
-std::vector<int> to_index_list(std::vector<QuantumProperty*> properties);
-std::vector<int> to_index_list(Targets properties);
 
 // Gates: as the IState operation of the name, with its exceptions and those of a merge.
 
@@ -39,30 +26,22 @@ void phase_rotate(Predicates predicates, float angle);
 void swap(QuantumProperty& first, QuantumProperty& second, Predicates predicates);
 void i_swap(QuantumProperty& first, QuantumProperty& second, float fraction, Predicates predicates);
 
-/// The door of all gates, which those above go through.
-/// @param number   as in qudit::Gate
-/// @param targets  none for `phase_rotate`, which acts on the joint state of its first condition
-void act(qudit::Gate::Kind kind, float number, std::initializer_list<QuantumProperty*> targets,
-         std::span<const QuantumProperty::Predicate> predicates);
-
 // Readouts, in the order of the list; an empty list has an empty result.
 
-std::vector<int> measure(std::vector<QuantumProperty*> properties);
-std::vector<int> measure(Targets properties);
+std::vector<int> measure(Properties properties);
 /// Asks whether all conditions hold and projects onto the answer: 1 if they do, 0 if they do not all.
 /// Takes one more place in the joint state for the time of the call.
-int measure(const Predicates& predicates);
-std::vector<qudit::QuditsProbability> probabilities(std::vector<QuantumProperty*> properties);
-std::vector<qudit::DensityMatrixEntry> reduced_density_matrix(std::vector<QuantumProperty*> properties);
+int measure(Predicates predicates);
+/// By the dimensions that the properties have once they are merged.
+qudit::RankedProbabilities probabilities(Properties properties);
+/// @param permutations  value_permutations(properties), which the caller's matrix was measured by before the
+///                      merge; a handle that stands twice in its joint state's list can have another
+///                      dimension after it
+qudit::RankedMatrix reduced_density_matrix(Properties properties,
+                                           const qudit::ValuePermutations& permutations);
 
-/// What a table of listed properties is read out of.
-struct ReadoutSource {
-    const qudit::IState* state = nullptr; ///< the joint state of all of them; none for an empty list
-    qudit::SlotLayout layout{};
-    std::vector<int> indices; ///< of the listed properties, in list order
-};
-
-/// Merges the listed properties and reads their indices.
-ReadoutSource readout_source(std::vector<QuantumProperty*> properties);
+/// By the properties' dimensions as they stand; nothing is merged.
+/// @throws std::length_error where there are 2^64 combinations or more
+qudit::ValuePermutations value_permutations(Properties properties);
 
 } // namespace vantel

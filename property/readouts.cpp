@@ -1,51 +1,63 @@
+#include <algorithm>
 #include <utility>
 
 #include "property/operations.hpp"
 
 namespace vantel {
 
-std::vector<int> measure(std::vector<QuantumProperty*> properties) {
+namespace {
+
+/// The present index of each property, in list order. Good only until the next merge or release, which
+/// renumber handles.
+std::vector<int> indices_of(Properties properties) {
+    std::vector<int> indices(properties.size());
+    std::transform(properties.begin(), properties.end(), indices.begin(),
+                   [](const QuantumProperty* property) { return property->index; });
+    return indices;
+}
+
+} // namespace
+
+// Each merges first and reads the indices second: a merge renumbers handles.
+
+std::vector<int> measure(Properties properties) {
     if (properties.empty())
         return {};
     qudit::IState& state = *tensor_state(properties);
-    return state.measure(to_index_list(std::move(properties)));
+    return state.measure(indices_of(properties));
 }
 
-std::vector<int> measure(Targets properties) {
-    if (properties.empty())
-        return {};
-    qudit::IState& state = *tensor_state(properties, {});
-    return state.measure(to_index_list(std::move(properties)));
-}
-
-int measure(const Predicates& predicates) {
+int measure(Predicates predicates) {
     // A two-level ancilla in front of the joint state, flipped where the conditions hold, carries the
     // answer; its destruction takes it out again.
     QuantumProperty ancilla = make_quantum_property(2);
-    relate(ancilla, predicates);
-    act(qudit::Gate::cycle, 0, {&ancilla}, predicates);
-    return measure(Targets{ancilla}).front();
+    cycle(ancilla, predicates);
+    QuantumProperty* const alone[] = {&ancilla};
+    return measure(alone).front();
 }
 
-std::vector<qudit::QuditsProbability> probabilities(std::vector<QuantumProperty*> properties) {
+qudit::RankedProbabilities probabilities(Properties properties) {
     if (properties.empty())
         return {};
     const qudit::IState& state = *tensor_state(properties);
-    return state.probabilities(to_index_list(std::move(properties)));
+    return qudit::ranked_probabilities(state, indices_of(properties), value_permutations(properties));
 }
 
-std::vector<qudit::DensityMatrixEntry> reduced_density_matrix(std::vector<QuantumProperty*> properties) {
+qudit::RankedMatrix reduced_density_matrix(Properties properties,
+                                           const qudit::ValuePermutations& permutations) {
     if (properties.empty())
         return {};
     const qudit::IState& state = *tensor_state(properties);
-    return state.reduced_density_matrix(to_index_list(std::move(properties)));
+    return qudit::ranked_density_matrix(state, indices_of(properties), permutations);
 }
 
-ReadoutSource readout_source(std::vector<QuantumProperty*> properties) {
-    if (properties.empty())
-        return {};
-    const qudit::IState& state = *tensor_state(properties);
-    return {&state, qudit::SlotLayout::of(state.dimension()), to_index_list(std::move(properties))};
+qudit::ValuePermutations value_permutations(Properties properties) {
+    std::vector<std::uint64_t> dimensions(properties.size());
+    std::transform(properties.begin(), properties.end(), dimensions.begin(),
+                   [](const QuantumProperty* property) {
+                       return property->shared_state->state->qudit_dimension(property->index);
+                   });
+    return qudit::ValuePermutations(std::move(dimensions));
 }
 
 } // namespace vantel

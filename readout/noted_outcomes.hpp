@@ -16,7 +16,7 @@ struct NotedOutcomes {
     OutcomeNumbers numbers; ///< subkeys of the listed fields; none where these have too many bits
 };
 
-/// What packed_probabilities tells of the listed fields.
+/// What IState::probabilities tells of the listed fields, its levels still packed.
 std::vector<PackedOutcome> outcomes_of(std::span<const PackedAmplitude> entries, std::uint64_t listed);
 
 /// The same, with the outcomes' numbers where they have so few kinds.

@@ -8,6 +8,7 @@
 #include "readout/weights.hpp"
 #include "state/builds.hpp"
 #include "state/key_index.hpp"
+#include "state/level_rank.hpp"
 #include "state/packed_view.hpp"
 #include "state/state.hpp"
 #include "state/subkey.hpp"
@@ -86,14 +87,6 @@ bool any_is_nan(const std::vector<PackedOutcome>& outcomes) {
 
 } // namespace
 
-std::vector<double> ranked_probabilities(std::span<const PackedAmplitude> entries, std::uint64_t listed,
-                                         const LevelRank& rank) {
-    std::vector<double> sums = sums_by<PlainSquare>(entries, listed, rank);
-    if (std::any_of(sums.begin(), sums.end(), [](double sum) { return std::isnan(sum); }))
-        sums = sums_by<SquaredModulus>(entries, listed, rank);
-    return sums;
-}
-
 std::vector<PackedOutcome> outcomes_of(std::span<const PackedAmplitude> entries, std::uint64_t listed) {
     std::vector<PackedOutcome> outcomes = outcomes_by<PlainSquare>(entries, listed);
     if (any_is_nan(outcomes))
@@ -112,22 +105,40 @@ NotedOutcomes noted_outcomes_of(std::span<const PackedAmplitude> entries, std::u
     return noted;
 }
 
-template <class Label>
-std::vector<PackedOutcome> State<Label>::packed_probabilities(const std::vector<int>& qudits) const {
-    if (amplitudes.empty())
-        return {};
-    return outcomes_of(packed_view(amplitudes), known_fields_of(Label::layout, qudits, Label::qudit_count));
+RankedProbabilities ranked_probabilities(const IState& state, const std::vector<int>& qudits,
+                                         ValuePermutations permutations) {
+    RankedProbabilities table{std::move(permutations), {}, {}};
+    const PackedEntries entries = state.packed_amplitudes();
+    if (entries.empty())
+        return table;
+    const SlotLayout layout = SlotLayout::of(state.dimension());
+    const std::uint64_t listed = known_fields_of(layout, qudits, static_cast<int>(state.num_qudits()));
+    const LevelRank rank(layout, qudits, table.permutations.dimensions(), entries.size());
+    if (is_close_to(entries.size(), rank.size())) {
+        table.all = sums_by<PlainSquare>(entries, listed, rank);
+        if (std::any_of(table.all.begin(), table.all.end(), [](double sum) { return std::isnan(sum); }))
+            table.all = sums_by<SquaredModulus>(entries, listed, rank);
+        return table;
+    }
+    const std::vector<PackedOutcome> outcomes = outcomes_of(entries, listed);
+    table.some.reserve(outcomes.size());
+    for (const PackedOutcome& outcome : outcomes)
+        if (const std::uint64_t place = rank(outcome.values); place < rank.size())
+            table.some.push_back({place, outcome.probability});
+    return table;
 }
 
 template <class Label>
 std::vector<QuditsProbability> State<Label>::probabilities(std::vector<int> qudits) const {
     std::vector<QuditsProbability> table;
-    for (const PackedOutcome& outcome : packed_probabilities(qudits))
+    if (amplitudes.empty())
+        return table;
+    const std::uint64_t listed = known_fields_of(Label::layout, qudits, Label::qudit_count);
+    for (const PackedOutcome& outcome : outcomes_of(packed_view(amplitudes), listed))
         table.push_back({levels_of(Label::layout, outcome.values, qudits), outcome.probability});
     return table;
 }
 
-VANTEL_INSTANTIATE(std::vector<PackedOutcome>, packed_probabilities, (const std::vector<int>&) const)
 VANTEL_INSTANTIATE(std::vector<QuditsProbability>, probabilities, (std::vector<int>) const)
 
 } // namespace vantel::qudit

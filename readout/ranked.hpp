@@ -1,14 +1,13 @@
-/// The tables of readouts with one place for each combination of levels, for callers that want them all.
+/// What callers get of a readout: tables by the rank of each combination of levels among all of them. Where
+/// the combinations are many more than the entries, only those stand there that some entry shows.
 #pragma once
 
 #include <complex>
-#include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
-#include "state/basis_amplitude.hpp"
-#include "state/level_rank.hpp"
+#include "readout/value_permutations.hpp"
+#include "state/istate.hpp"
 
 namespace vantel::qudit {
 
@@ -17,22 +16,42 @@ constexpr bool is_close_to(std::size_t entries, std::uint64_t places) noexcept {
     return places <= 256 + 4 * entries;
 }
 
-/// The sums of IState::probabilities by rank; 0 where no entry shows the combination.
-/// @param listed  the fields of the listed qudits
-/// @throws std::bad_alloc
-std::vector<double> ranked_probabilities(std::span<const PackedAmplitude> entries, std::uint64_t listed,
-                                         const LevelRank& rank);
+/// The sums of IState::probabilities.
+struct RankedProbabilities {
+    struct Shown {
+        std::uint64_t rank;
+        double probability;
+    };
 
-/// The elements of IState::reduced_density_matrix by row and column rank.
-struct RankedMatrix {
-    std::vector<std::complex<double>> elements; ///< row by row
-    std::vector<std::uint8_t> reached;          ///< of each, whether any pair of entries contributes to it
+    ValuePermutations permutations; ///< those that are ranked
+    std::vector<double> all;        ///< by rank, 0 where no entry shows the combination; or empty
+    std::vector<Shown> some;        ///< instead of all
 };
 
-/// @param rank    of the listed qudits' levels
-/// @param traced  the fields of all qudits that are not listed
-/// @throws std::bad_alloc
-RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, SlotLayout layout,
-                                   std::span<const int> listed, const LevelRank& rank, std::uint64_t traced);
+/// @param permutations  of the listed qudits' levels; what an entry shows beyond them is left out
+/// @throws what IState::probabilities raises
+RankedProbabilities ranked_probabilities(const IState& state, const std::vector<int>& qudits,
+                                         ValuePermutations permutations);
+
+/// The elements of IState::reduced_density_matrix.
+struct RankedMatrix {
+    struct Shown {
+        std::uint64_t row;
+        std::uint64_t column;
+        std::complex<double> element;
+    };
+
+    std::vector<std::complex<double>> all; ///< row by row; or empty
+    std::vector<std::uint8_t> reached;     ///< of each of all, whether any pair of entries contributes to it
+    std::vector<Shown> some;               ///< instead of all
+
+    [[nodiscard]] bool has(std::size_t place) const { return !all.empty() && reached[place] != 0; }
+};
+
+/// @param permutations  the rows and columns; the qudits' dimensions may be others by now, and elements whose
+///                      row or column is none of these are left out
+/// @throws std::bad_alloc; std::length_error for a list of 2^32 entries or more
+RankedMatrix ranked_density_matrix(const IState& state, const std::vector<int>& qudits,
+                                   const ValuePermutations& permutations);
 
 } // namespace vantel::qudit

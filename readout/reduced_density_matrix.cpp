@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <limits>
 #include <span>
+#include <stdexcept>
 #include <vector>
 
 #include "readout/levels.hpp"
@@ -10,6 +12,7 @@
 #include "state/builds.hpp"
 #include "state/complete_list.hpp"
 #include "state/key_index.hpp"
+#include "state/level_rank.hpp"
 #include "state/packed_view.hpp"
 #include "state/product.hpp"
 #include "state/small_dimension.hpp"
@@ -23,6 +26,12 @@ namespace {
 
 Parts conjugate(const std::complex<double>& amplitude) {
     return negated<1>(parts_of(amplitude));
+}
+
+/// Positions are noted in 32 bits.
+void refuse_too_many(std::span<const PackedAmplitude> entries) {
+    if (entries.size() > std::numeric_limits<std::uint32_t>::max())
+        throw std::length_error("too many basis states for a density matrix");
 }
 
 /// The number of each entry's levels in some fields, in first-seen order.
@@ -40,8 +49,17 @@ struct Numbering {
     }
 };
 
+/// DensityMatrixEntry with its levels still packed: the words of the first two entries that reach it, of
+/// which only the kept qudits' fields mean anything.
+struct PackedElement {
+    std::uint64_t row_values;
+    std::uint64_t column_values;
+    std::complex<double> element;
+};
+
 std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries, std::uint64_t kept_fields,
                                        std::uint64_t traced_fields) {
+    refuse_too_many(entries);
     const Numbering numbering(entries, kept_fields);
     const std::vector<std::uint32_t>& kept = numbering.of;
     const std::size_t side = numbering.size;
@@ -68,7 +86,7 @@ std::vector<PackedElement> elements_of(std::span<const PackedAmplitude> entries,
 
 /// A sum that starts from negative zero has the bits of its first product.
 void clear(RankedMatrix& matrix) {
-    std::fill(matrix.elements.begin(), matrix.elements.end(), std::complex<double>(-0.0, -0.0));
+    std::fill(matrix.all.begin(), matrix.all.end(), std::complex<double>(-0.0, -0.0));
 }
 
 /// Adds up all products by row and column; what is beyond the last of either is left out.
@@ -84,7 +102,7 @@ void add_up(RankedMatrix& matrix, std::span<const PackedAmplitude> entries, cons
         const Partners::Lists lists = partners.lists();
         const std::uint32_t* const rank_of = ranks.data();
         const std::size_t own_side = side;
-        std::complex<double>* const elements = matrix.elements.data();
+        std::complex<double>* const elements = matrix.all.data();
         std::uint8_t* const all_reached = matrix.reached.data();
         for (std::uint32_t a = 0; a < count; ++a) {
             const std::size_t rank = rank_of[a];
@@ -133,7 +151,7 @@ void add_up_complete(RankedMatrix& matrix, std::span<const PackedAmplitude> entr
     std::fill(matrix.reached.begin(), matrix.reached.end(), 1);
     complete.rank().cheapest([&](const auto& rank) {
         with_dimension(side, [&](auto columns) {
-            wide_loop([entries, rank, columns, elements = matrix.elements.data(),
+            wide_loop([entries, rank, columns, elements = matrix.all.data(),
                        positions = complete.positions().data()] {
                 // Copies that no store to an element can be thought to change.
                 const auto place_of = rank;
@@ -149,24 +167,36 @@ void add_up_complete(RankedMatrix& matrix, std::span<const PackedAmplitude> entr
 }
 
 bool has_nan(const RankedMatrix& matrix) {
-    return std::any_of(matrix.elements.begin(), matrix.elements.end(),
-                       [](const std::complex<double>& element) {
-                           return std::isnan(element.real()) || std::isnan(element.imag());
-                       });
+    return std::any_of(matrix.all.begin(), matrix.all.end(), [](const std::complex<double>& element) {
+        return std::isnan(element.real()) || std::isnan(element.imag());
+    });
 }
 
-} // namespace
+/// Whether the qudits of a list still have the dimensions by which its combinations of levels are ranked. The
+/// first entry's label tells, and all of a complete list are alike.
+bool has_dimensions(const PackedAmplitude& first, SlotLayout layout, const std::vector<int>& qudits,
+                    const std::vector<std::uint64_t>& dimensions) {
+    for (std::size_t i = 0; i < qudits.size(); ++i)
+        if ((first.dimensions >> layout.position(qudits[i]) & layout.mask()) + 1 != dimensions[i])
+            return false;
+    return true;
+}
 
-RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, SlotLayout layout,
-                                   std::span<const int> listed, const LevelRank& rank, std::uint64_t traced) {
+/// All elements by rank, where the matrix is not much larger than the list.
+RankedMatrix matrix_of_all(PackedEntries entries, SlotLayout layout, const std::vector<int>& qudits,
+                           const ValuePermutations& permutations, const LevelRank& rank,
+                           std::uint64_t traced) {
+    refuse_too_many(entries);
     const std::size_t side = rank.size();
-    RankedMatrix matrix{std::vector<std::complex<double>>(side * side),
-                        std::vector<std::uint8_t>(side * side, 0)};
-    const CompleteList complete(entries, layout, listed);
-    if (!complete.positions().empty()) {
-        add_up_complete(matrix, entries, complete, side);
-        if (!has_nan(matrix))
-            return matrix;
+    RankedMatrix matrix{
+        std::vector<std::complex<double>>(side * side), std::vector<std::uint8_t>(side * side, 0), {}};
+    if (has_dimensions(entries.front(), layout, qudits, permutations.dimensions())) {
+        const CompleteList complete(entries, layout, qudits);
+        if (!complete.positions().empty()) {
+            add_up_complete(matrix, entries, complete, side);
+            if (!has_nan(matrix))
+                return matrix;
+        }
     }
     const Partners partners(entries, traced, side);
     // A label with a level beyond its dimension has the rank behind the last.
@@ -187,22 +217,42 @@ RankedMatrix ranked_density_matrix(std::span<const PackedAmplitude> entries, Slo
     return matrix;
 }
 
-template <class Label>
-std::vector<PackedElement> State<Label>::packed_density_matrix(const std::vector<int>& qudits) const {
-    const std::uint64_t kept = fields_of(Label::layout, qudits);
-    return elements_of(packed_view(amplitudes), kept, all_fields(Label::layout, Label::qudit_count) & ~kept);
+} // namespace
+
+RankedMatrix ranked_density_matrix(const IState& state, const std::vector<int>& qudits,
+                                   const ValuePermutations& permutations) {
+    const PackedEntries entries = state.packed_amplitudes();
+    const std::uint64_t side = permutations.size();
+    if (entries.empty() || side == 0)
+        return {};
+    const SlotLayout layout = SlotLayout::of(state.dimension());
+    const LevelRank rank(layout, qudits, permutations.dimensions(), entries.size());
+    const std::uint64_t kept = fields_of(layout, qudits);
+    const std::uint64_t traced = all_fields(layout, static_cast<int>(state.num_qudits())) & ~kept;
+    constexpr std::uint64_t few_rows = 256;
+    if (side <= few_rows && is_close_to(entries.size(), side * side))
+        return matrix_of_all(entries, layout, qudits, permutations, rank, traced);
+    RankedMatrix matrix;
+    for (const PackedElement& element : elements_of(entries, kept, traced)) {
+        const std::uint64_t row = rank(element.row_values);
+        const std::uint64_t column = rank(element.column_values);
+        if (row < side && column < side)
+            matrix.some.push_back({row, column, element.element});
+    }
+    return matrix;
 }
 
 template <class Label>
 std::vector<DensityMatrixEntry> State<Label>::reduced_density_matrix(std::vector<int> qudits) const {
+    const std::uint64_t kept = fields_of(Label::layout, qudits);
+    const std::uint64_t traced = all_fields(Label::layout, Label::qudit_count) & ~kept;
     std::vector<DensityMatrixEntry> matrix;
-    for (const PackedElement& element : packed_density_matrix(qudits))
+    for (const PackedElement& element : elements_of(packed_view(amplitudes), kept, traced))
         matrix.push_back({levels_of(Label::layout, element.row_values, qudits),
                           levels_of(Label::layout, element.column_values, qudits), element.element});
     return matrix;
 }
 
-VANTEL_INSTANTIATE(std::vector<PackedElement>, packed_density_matrix, (const std::vector<int>&) const)
 VANTEL_INSTANTIATE(std::vector<DensityMatrixEntry>, reduced_density_matrix, (std::vector<int>) const)
 
 } // namespace vantel::qudit

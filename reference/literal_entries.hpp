@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 #include <random>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -27,9 +28,17 @@ using Ints = std::vector<int>;
 using Controls = std::vector<qudit::Predicate>;
 using Complex = std::complex<double>;
 
-// Out of range here is outside the model: it throws, where the library would read a wrong field.
+// What ends the process with a diagnostic.
+struct EndOfProcess {};
+
+// An index that names no slot, as a handle that stands twice in a merged list can carry, reads level 0 of one
+// level. Nothing that is written there stays.
 template <class AnyEntry> auto& slot(AnyEntry& entry, int index) {
-    return entry.dits.at(static_cast<std::size_t>(index));
+    static thread_local Dit nowhere;
+    nowhere = {0, 1};
+    using Slot = std::remove_reference_t<decltype(entry.dits[0])>;
+    const bool is_slot = 0 <= index && index < static_cast<int>(entry.dits.size());
+    return is_slot ? entry.dits[static_cast<std::size_t>(index)] : static_cast<Slot&>(nowhere);
 }
 
 inline Ints values_at(const Entry& entry, const Ints& indices) {

@@ -24,8 +24,6 @@ struct Position {
     bool stale;
 };
 
-enum class CallKind { gate, table, stochastic_projection, density_matrix };
-
 // Handles and joint states. It is a value: a copy is a world of its own, in which a call can be
 // tried first. Lists of handles hold live ones, at least one.
 class HandleTable {
@@ -111,29 +109,6 @@ public:
         return leaves_a_rest(handle) && state(handle).basis_amplitudes().size() > max_entries;
     }
 
-    // Whether a call stays inside the model; the list is its targets, then the properties of its
-    // controls. A handle that stood twice in a merged list can name a slot that does not exist or,
-    // fatal to a matrix sized before the merge, one of another dimension. Only a trial tells.
-    bool within_model(HandleList list, CallKind kind) const {
-        if (kind == CallKind::table)
-            return true; // tests its indices
-        const bool matrix = kind == CallKind::density_matrix;
-        if (matrix && !all_name_slots(list))
-            return false;
-        HandleTable trial = *this;
-        if (kind == CallKind::stochastic_projection)
-            list.insert(list.begin(), trial.make(2));
-        try {
-            trial.merge(list);
-        } catch (const std::exception&) {
-            return true; // then no index is read
-        }
-        return trial.all_name_slots(list) && (!matrix || trial.state(list[0]).basis_amplitudes().empty() ||
-                                              std::all_of(list.begin(), list.end(), [&](HandleId handle) {
-                                                  return dimension(handle) == trial.dimension(handle);
-                                              }));
-    }
-
 protected:
     std::uint64_t dimension(HandleId handle) const { return state(handle).qudit_dimension(index(handle)); }
 
@@ -150,11 +125,6 @@ private:
     const Joint& joint(HandleId handle) const { return joints_.at(handles_.at(handle).joint); }
     bool leaves_a_rest(HandleId handle) const {
         return state(handle).num_qudits() >= 2 && properties(handle).size() >= 2;
-    }
-    bool all_name_slots(const HandleList& list) const {
-        return std::all_of(list.begin(), list.end(), [&](HandleId handle) {
-            return index(handle) < static_cast<int>(state(handle).num_qudits());
-        });
     }
 
     HandleId next_ = 0;

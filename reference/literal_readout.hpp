@@ -15,8 +15,7 @@ struct Config {
     std::uint64_t num_qudits;
 };
 
-// Outside the model, beside an index that names no slot: a level or dimension above the state's,
-// a label longer than the state, and a slot of dimension 1 under cycle.
+// Outside the model: a level or dimension above the state's, and a label longer than the state.
 class LiteralReadout {
 public:
     LiteralReadout(Config config, const Entries& entries) : config_(config) {

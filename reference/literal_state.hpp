@@ -104,13 +104,13 @@ public:
         guard_size("State size exceeds maximum allowed size");
     }
 
-    // Returns the former last index and the freed one. An index beyond the last slot overwrites
-    // nothing; the final dit goes all the same.
+    // Returns the former last index and the freed one. An index that is no slot's overwrites nothing;
+    // the final dit goes all the same.
     std::pair<int, int> free_qudit(int index) {
         Entries entries = entries_;
         const int last = static_cast<int>(num_qudits()) - 1;
         for (Entry& entry : entries) {
-            if (index < last)
+            if (0 <= index && index < last)
                 slot(entry, index) = slot(entry, last);
             entry.dits.pop_back();
         }
@@ -138,7 +138,11 @@ private:
                     act(entry, slot(entry, target));
     }
 
-    static void raise(Dit& dit, std::uint64_t added) { dit.value = (dit.value + added) % dit.dimension; }
+    static void raise(Dit& dit, std::uint64_t added) {
+        if (added >= dit.dimension)
+            throw EndOfProcess();
+        dit.value = (dit.value + added) % dit.dimension;
+    }
 
     static void turn(Entry& entry, std::uint64_t dimension, double steps) {
         const double theta = (6.283185307179586 / static_cast<double>(dimension)) * steps;

@@ -36,14 +36,18 @@ struct [[gnu::may_alias]] PackedAmplitude {
 using PackedEntries = std::span<const PackedAmplitude>;
 
 /// Writes dits[i] to slot i, under the checks of DitProxy. A shorter list leaves the other slots at level
-/// 0 of dimension 1; elements beyond slot N - 1 have no place in the label and are left out.
+/// 0 of dimension 1; elements beyond slot N - 1 have no place in the label, but are held to the same checks.
 template <int D, int N>
 BasisAmplitude<DitArray<D, N>> make_basis_amplitude(const std::vector<Dit>& dits,
                                                     std::complex<double> amplitude) {
     BasisAmplitude<DitArray<D, N>> entry{{}, amplitude};
-    const int count = dits.size() < N ? static_cast<int>(dits.size()) : N;
-    for (int qudit = 0; qudit < count; ++qudit)
-        entry.label[qudit] = dits[static_cast<std::size_t>(qudit)];
+    DitArray<D, N> beyond;
+    for (std::size_t i = 0; i < dits.size(); ++i) {
+        if (i < N)
+            entry.label[static_cast<int>(i)] = dits[i];
+        else
+            beyond[0] = dits[i];
+    }
     return entry;
 }
 

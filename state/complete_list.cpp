@@ -1,5 +1,7 @@
 #include "state/complete_list.hpp"
 
+#include <limits>
+
 #include "state/limits.hpp"
 #include "state/wide_loop.hpp"
 
@@ -26,7 +28,7 @@ CompleteList::CompleteList(std::span<const PackedAmplitude> entries, SlotLayout 
 
 CompleteList::CompleteList(std::span<const PackedAmplitude> entries, SlotLayout layout, const Shape& shape)
     : rank_(layout, shape.qudits, shape.dimensions, entries.size()) {
-    if (rank_.size() != entries.size())
+    if (rank_.size() != entries.size() || entries.size() > std::numeric_limits<std::uint32_t>::max())
         return;
     positions_.resize(entries.size());
     if (!note_positions(entries, shape.fields))

@@ -52,12 +52,11 @@ struct SlotLayout {
 
     [[nodiscard]] constexpr std::uint64_t mask() const noexcept { return (std::uint64_t{1} << bits) - 1; }
 
-    /// Bit position of a qudit's field. Indices are trusted; one out of range still lands in the word.
+    /// Bit position of a qudit's field. An index out of range, a negative one too, has the last field of the
+    /// word, which is no qudit's: there every label has level 0 of one level.
     [[nodiscard]] constexpr unsigned position(int qudit) const noexcept {
         const auto slot = static_cast<unsigned>(qudit);
-        // Mostly without a division; and no layout is without slots.
-        // cppcheck-suppress zerodivcond
-        return (slot < slots ? slot : slot % slots) * bits; // NOLINT(clang-analyzer-core.DivideZero)
+        return (slot < slots ? slot : slots - 1) * bits;
     }
 };
 
@@ -68,6 +67,8 @@ public:
 
     DitProxy(std::uint64_t& values_word, std::uint64_t& dimensions_word, std::uint64_t position)
         : values_(&values_word), dimensions_(&dimensions_word), position_(position) {}
+
+    DitProxy(const DitProxy&) = default;
 
     [[nodiscard]] std::uint64_t value() const { return *values_ >> position_ & layout.mask(); }
     [[nodiscard]] std::uint64_t dimension() const { return (*dimensions_ >> position_ & layout.mask()) + 1; }
@@ -84,6 +85,8 @@ public:
         *dimensions_ = (*dimensions_ & ~(layout.mask() << position_)) | (dit.dimension - 1) << position_;
         return *this;
     }
+    /// Writes what the other slot holds; the reference itself stays where it is.
+    DitProxy& operator=(const DitProxy& other) { return *this = static_cast<Dit>(other); }
 
     /// The slot's dit raised by `addend` levels, with wrap-around by its own dimension.
     Dit operator+(std::uint64_t addend) const {
@@ -114,7 +117,7 @@ template <int D, int N> struct DitArray {
     std::array<std::uint64_t, words> values{};
     std::array<std::uint64_t, words> dimensions{}; ///< each dimension less one, so that it fits its field
 
-    /// Unchecked; an index out of range reaches some other field of the same label.
+    /// Unchecked; an index that is no qudit's reaches some other field of the same label.
     DitProxy<D> operator[](int qudit) { return {values[0], dimensions[0], layout.position(qudit)}; }
     Dit operator[](int qudit) const {
         const unsigned position = layout.position(qudit);

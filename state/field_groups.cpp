@@ -1,7 +1,9 @@
 #include "state/field_groups.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
+#include <numeric>
 
 #include "state/radix_sort.hpp"
 #include "state/wide_loop.hpp"
@@ -22,7 +24,7 @@ FieldGroups::FieldGroups(std::span<const PackedAmplitude> entries, std::uint64_t
     const Subkey key_of(fields);
     const std::uint64_t range = key_of(any) + 1;
     if (!are_close(entries.size(), fields, any, most) || !group_by_table(entries, key_of, range))
-        group_by_sorting(entries, key_of);
+        group_by_sorting(entries, key_of, range);
     bound_ = std::min<std::uint64_t>(range, entries.size());
 }
 
@@ -55,15 +57,30 @@ bool FieldGroups::group_by_table(std::span<const PackedAmplitude> entries, const
     });
 }
 
-void FieldGroups::group_by_sorting(std::span<const PackedAmplitude> entries, const Subkey& key_of) {
-    std::vector<std::uint64_t> scratch(entries.size());
-    sorted_.resize(entries.size());
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        sorted_[i] = key_of(entries[i].values) << index_bits | i;
-    radix_sort(sorted_, scratch, index_bits);
-    members_.reset(new std::uint32_t[entries.size()]);
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        members_[i] = static_cast<std::uint32_t>(sorted_[i] & ((1U << index_bits) - 1));
+void FieldGroups::group_by_sorting(std::span<const PackedAmplitude> entries, const Subkey& key_of,
+                                   std::uint64_t range) {
+    const std::size_t size = entries.size();
+    keys_.resize(size);
+    members_.reset(new std::uint32_t[size]);
+    // Levels and position together are one word, unless both are extreme.
+    const auto position_bits = static_cast<unsigned>(std::bit_width(size));
+    if (static_cast<unsigned>(std::bit_width(range)) + position_bits > 64) {
+        std::iota(members_.get(), members_.get() + size, std::uint32_t{0});
+        const auto key_at = [&](std::uint32_t member) { return key_of(entries[member].values); };
+        std::stable_sort(members_.get(), members_.get() + size,
+                         [&](std::uint32_t a, std::uint32_t b) { return key_at(a) < key_at(b); });
+        std::transform(members_.get(), members_.get() + size, keys_.begin(), key_at);
+        return;
+    }
+    std::vector<std::uint64_t> scratch(size);
+    for (std::size_t i = 0; i < size; ++i)
+        keys_[i] = key_of(entries[i].values) << position_bits | i;
+    radix_sort(keys_, scratch, position_bits);
+    const std::uint64_t position = (std::uint64_t{1} << position_bits) - 1;
+    for (std::size_t i = 0; i < size; ++i) {
+        members_[i] = static_cast<std::uint32_t>(keys_[i] & position);
+        keys_[i] >>= position_bits;
+    }
 }
 
 } // namespace vantel::qudit

@@ -15,7 +15,7 @@ namespace vantel::qudit {
 
 class FieldGroups {
 public:
-    /// Groups fewer than 2^24 entries by their levels in `fields`. Linear in the entries.
+    /// Groups fewer than 2^32 entries by their levels in `fields`. Linear in the entries.
     /// @param any   the bits that are set in the levels of some entry
     /// @param most  how many members a group has, unless labels are repeated
     /// @throws std::bad_alloc
@@ -33,7 +33,7 @@ public:
     /// Calls `visit(members)` for each group, ascending by the levels that its members share. Members are
     /// positions in the list, ascending.
     template <class Visit> void for_each(Visit visit) const {
-        if (!sorted_.empty())
+        if (!keys_.empty())
             for_each_run(visit);
         else
             sizes_.for_each_set(
@@ -43,23 +43,22 @@ public:
     }
 
 private:
-    static constexpr unsigned index_bits = 24;
-
     template <class Visit> void for_each_run(Visit visit) const {
-        for (std::size_t begin = 0, end = 0; begin < sorted_.size(); begin = end) {
-            while (end < sorted_.size() && sorted_[end] >> index_bits == sorted_[begin] >> index_bits)
+        for (std::size_t begin = 0, end = 0; begin < keys_.size(); begin = end) {
+            while (end < keys_.size() && keys_[end] == keys_[begin])
                 ++end;
             visit(std::span<const std::uint32_t>(&members_[begin], end - begin));
         }
     }
 
     bool group_by_table(std::span<const PackedAmplitude> entries, const Subkey& key_of, std::uint64_t range);
-    void group_by_sorting(std::span<const PackedAmplitude> entries, const Subkey& key_of);
+    void group_by_sorting(std::span<const PackedAmplitude> entries, const Subkey& key_of,
+                          std::uint64_t range);
 
     std::uint64_t most_;
     std::size_t bound_;
-    SparseBytes sizes_;                 ///< of each group, by its levels
-    std::vector<std::uint64_t> sorted_; ///< those levels and a position in one word, instead of sizes_
+    SparseBytes sizes_;               ///< of each group, by its levels
+    std::vector<std::uint64_t> keys_; ///< instead of sizes_, those levels for each of members_
     std::unique_ptr<std::uint32_t[]> members_;
 };
 

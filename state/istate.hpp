@@ -62,17 +62,10 @@ struct PackedOutcome {
     double probability;
 };
 
-/// DensityMatrixEntry with its levels still packed, as in PackedOutcome.
-struct PackedElement {
-    std::uint64_t row_values;
-    std::uint64_t column_values;
-    std::complex<double> element;
-};
-
 /// A joint state of num_qudits() qudits: a sparse list of basis states with complex amplitudes.
 ///
-/// Results stand in first-seen order of the stored entries. Indices are trusted; one out of range reads or
-/// writes some field of the same label, and only `probabilities` and `measure` test theirs. A state whose
+/// Results stand in first-seen order of the stored entries. Indices are trusted; one out of range reads as a
+/// qudit that has one level only, and only `probabilities` and `measure` test theirs. A state whose
 /// entries have all been dropped stays usable: it has empty tables, and its qudits report dimension 0.
 ///
 /// Every gate takes `controls`, the conditions under which it acts on an entry, and refuses a target that
@@ -102,67 +95,61 @@ public:
     virtual std::vector<int> measure(std::vector<int> qudits) = 0;
 
     /// Multiplies selected amplitudes by exp(i angle), with single-precision sine and cosine.
-    void phase_rotate(std::vector<Predicate> controls, float angle) {
+    virtual void phase_rotate(std::vector<Predicate> controls, float angle) {
         act({Gate::phase_rotate, angle, {}, controls});
     }
     /// Level v goes to (v + d - 1) mod d.
-    void shift(std::vector<int> targets, std::vector<Predicate> controls) {
+    virtual void shift(std::vector<int> targets, std::vector<Predicate> controls) {
         act({Gate::shift, 0, targets, controls});
     }
     /// A power of `shift`, by way of the Fourier basis.
-    void shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+    virtual void shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
         act({Gate::fractional_shift, fraction, targets, controls});
     }
     /// A power of `cycle`, by way of the Fourier basis.
-    void cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+    virtual void cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
         act({Gate::fractional_cycle, fraction, targets, controls});
     }
     /// Level v goes to (v + 1) mod d.
-    void cycle(std::vector<int> targets, std::vector<Predicate> controls) {
+    virtual void cycle(std::vector<int> targets, std::vector<Predicate> controls) {
         act({Gate::cycle, 0, targets, controls});
     }
     /// Multiplies by exp(2 pi i v / d).
-    void clock(std::vector<int> targets, std::vector<Predicate> controls) {
+    virtual void clock(std::vector<int> targets, std::vector<Predicate> controls) {
         act({Gate::clock, 0, targets, controls});
     }
     /// Multiplies by exp(2 pi i (v fraction) / d), with v fraction in single precision.
-    void clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+    virtual void clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
         act({Gate::fractional_clock, fraction, targets, controls});
     }
     /// Level v goes to the sum over k of exp(2 pi i (d - k) v / d) / sqrt(d) times level k.
-    void hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
+    virtual void hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
         act({Gate::hadamard, 0, targets, controls});
     }
     /// `hadamard` with the opposite sign of the exponent.
-    void inverse_hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
+    virtual void inverse_hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
         act({Gate::inverse_hadamard, 0, targets, controls});
     }
     /// Exchanges the dits of two qudits. @throws DifferentDimensions before any change
-    void swap(int first, int second, std::vector<Predicate> controls) {
+    virtual void swap(int first, int second, std::vector<Predicate> controls) {
         const std::array targets{first, second};
         act({Gate::swap, 0, targets, controls});
     }
     /// Levels (p, q), p != q, go to cos t (p, q) + i sin t (q, p) with t = fraction pi / 2.
     /// @throws DifferentDimensions before any change
-    void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) {
+    virtual void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) {
         const std::array targets{first, second};
         act({Gate::i_swap, fraction, targets, controls});
     }
 
-    /// The door of all gates, which the forms above go through.
-    virtual void act(const Gate& gate) = 0;
+    // Behind those operations, whose order is fixed, stand the doors that the layers above use: lists by
+    // value and an allocation for the levels of each entry would cost more than all the rest.
 
-    // The packed twins of three readouts. The layers above use them, since an allocation for the levels
-    // of each entry would cost more than all the rest.
+    /// The gates above as one operation, which they all go through.
+    virtual void act(const Gate& gate) = 0;
 
     /// basis_amplitudes(), still packed and still the state's own: good until the state changes.
     [[nodiscard]] virtual PackedEntries packed_amplitudes() const = 0;
-    /// probabilities(), still packed.
-    [[nodiscard]] virtual std::vector<PackedOutcome>
-    packed_probabilities(const std::vector<int>& qudits) const = 0;
-    /// reduced_density_matrix(), still packed.
-    [[nodiscard]] virtual std::vector<PackedElement>
-    packed_density_matrix(const std::vector<int>& qudits) const = 0;
 
 protected:
     IState() = default;

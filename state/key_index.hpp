@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <stdexcept>
 #include <vector>
 
 namespace vantel::qudit {
@@ -41,11 +43,14 @@ public:
 
     [[nodiscard]] std::size_t size() const noexcept { return keys_.size(); }
 
+    /// @throws std::bad_alloc; std::length_error for the 2^32nd distinct key
     std::size_t find_or_add(std::uint64_t key) {
         std::size_t slot = home(key);
         for (; slots_[slot] != 0; slot = (slot + 1) & (slots_.size() - 1))
             if (keys_[slots_[slot] - 1] == key)
                 return slots_[slot] - 1;
+        if (keys_.size() == std::numeric_limits<std::uint32_t>::max())
+            throw std::length_error("too many distinct basis states");
         keys_.push_back(key);
         slots_[slot] = static_cast<std::uint32_t>(keys_.size());
         if (2 * keys_.size() > slots_.size())

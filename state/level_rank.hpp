@@ -58,9 +58,9 @@ public:
     }
 
 private:
-    /// More than the size of any table. A list has fewer than 64 qudits before its table has no size at all,
-    /// so this does not overflow when it is summed.
-    static constexpr std::uint64_t none = std::uint64_t{1} << 58;
+    /// More than the size of any table that fits into memory. A word has no more than ten qudits with a level
+    /// above 0, so sums of this do not overflow.
+    static constexpr std::uint64_t none = std::uint64_t{1} << 60;
     static constexpr std::uint64_t nothing[1] = {0};
 
     /// What some neighbouring fields of a word add to the rank.
@@ -92,7 +92,7 @@ private:
                 const std::uint64_t added = level < dimension ? level * stride_ : none;
                 const std::size_t begin = block + (level << position);
                 for (std::size_t fields = begin; fields < begin + (std::size_t{1} << position); ++fields)
-                    ranks[fields] += added;
+                    ranks[fields] = std::min(ranks[fields] + added, none);
             }
     }
 

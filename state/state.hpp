@@ -36,10 +36,6 @@ public:
     void act(const Gate& gate) override;
 
     [[nodiscard]] PackedEntries packed_amplitudes() const override;
-    [[nodiscard]] std::vector<PackedOutcome>
-    packed_probabilities(const std::vector<int>& qudits) const override;
-    [[nodiscard]] std::vector<PackedElement>
-    packed_density_matrix(const std::vector<int>& qudits) const override;
 
     /// Makes a list sparse again, in place: sorts it by label, sums the amplitudes of equal labels, and
     /// drops each entry neither part of whose amplitude exceeds 2^-23 in size. The drop fills each hole

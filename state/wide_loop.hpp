@@ -24,11 +24,13 @@ template <class Vectors, class Loop> void run_loop(const Loop& loop) {
         loop(Vectors{});
 }
 
-#if defined(__x86_64__) && !defined(__AVX2__) && !defined(VANTEL_BASELINE_LOOPS)
+/// Whether the processor has what the wide form of a loop takes. It is asked each time, so that the library
+/// needs nothing at its start.
+bool has_wide_vectors() noexcept;
+
+#if defined(__x86_64__) && !defined(__AVX2__)
 
 /// What a loop is compiled for once more. Fused operations are not among it, so the bits stay the same.
-inline const bool has_wide_vectors = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
-
 template <class Loop>
 [[gnu::target("avx2,bmi2"), gnu::flatten, gnu::noinline]] void in_wide_vectors(const Loop& loop) {
     run_loop<WideVectors>(loop);
@@ -39,28 +41,19 @@ template <class Loop> [[gnu::noinline]] void in_plain_vectors(const Loop& loop) 
     run_loop<OwnVectors>(loop);
 }
 
-#else
-
-inline constexpr bool has_wide_vectors = false;
-
-template <class Loop> void in_wide_vectors(const Loop& loop) {
-    run_loop<OwnVectors>(loop);
-}
-
-template <class Loop> void in_plain_vectors(const Loop& loop) {
-    run_loop<OwnVectors>(loop);
-}
-
 #endif
 
 /// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor
 /// turns out to have them. What vectors of the compiler's own cannot say well is chosen by the tag that a
 /// loop may have as its parameter.
 template <class Loop> void wide_loop(const Loop& loop) {
-    if (has_wide_vectors)
-        in_wide_vectors(loop);
-    else
-        in_plain_vectors(loop);
+#if defined(__x86_64__) && !defined(__AVX2__)
+    if (has_wide_vectors())
+        return in_wide_vectors(loop);
+    in_plain_vectors(loop);
+#else
+    run_loop<OwnVectors>(loop);
+#endif
 }
 
 } // namespace vantel::qudit
