@@ -36,18 +36,17 @@ std::vector<int> results_of(unsigned seed) {
                                                : vantel_i_swap(q[0], q[1], fraction, &when, 1));
         }
         std::vector<int> levels(2);
-        std::vector<ProbabilityRecord> table(static_cast<std::size_t>(dimension * dimension),
-                                             {0.0F, levels.data()});
-        std::vector<float> parts[2]{std::vector<float>(table.size() * table.size()),
-                                    std::vector<float>(table.size() * table.size())};
+        const auto side = static_cast<std::size_t>(dimension * dimension);
+        std::vector<ProbabilityRecord> table(side, {0.0F, levels.data()});
+        std::vector<float> real(side * side), imaginary(side * side);
         results.push_back(vantel_probabilities(q.data(), 2, table.data()));
         results.push_back(
-            vantel_reduced_density_matrix(q.data(), 2, parts[0].data(), parts[1].data(), parts[0].size()));
+            vantel_reduced_density_matrix(q.data(), 2, real.data(), imaginary.data(), side * side));
         for (const ProbabilityRecord& record : table)
-            results.push_back(std::bit_cast<int>(record.probability));
-        for (const auto& column : parts)
-            for (const float part : column)
-                results.push_back(std::bit_cast<int>(part));
+            real.push_back(record.probability);
+        real.insert(real.end(), imaginary.begin(), imaginary.end());
+        for (const float number : real)
+            results.push_back(std::bit_cast<int>(number));
         const RandomSource source(static_cast<std::uint32_t>(dice()));
         results.push_back(vantel_measure(&q[1], 2, levels.data()));
         results.insert(results.end(), levels.begin(), levels.end());
