@@ -126,7 +126,7 @@ TEST(Preparation, OfAGhzStateOfMixedDimensions) {
         qudits.emplace_back(dimension);
     vantel::prepare_ghz(qudits);
     std::vector<std::complex<double>> amplitudes(30);
-    for (const std::size_t row : {0, 1 + 3 * 1 + 15 * 1, 2 + 3 * 2})
+    for (const std::size_t row : {0U, 1U + 3U + 15U, 2U + 6U})
         amplitudes[row] = std::sqrt(1.0 / 3);
     expect_state(vantel::reduced_density_matrix(qudits), amplitudes);
 }

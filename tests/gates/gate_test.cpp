@@ -38,7 +38,7 @@ TEST(Gates, GiveWorkedValuesInEveryBit) {
 /// Lists for which a shorter way than the literal one serves, and those like them for which it does not: that
 /// lack some labels, that have amplitudes of every kind, in which a label is repeated, or a level stands
 /// beyond its dimension, or where a label has no qudit; in which one label alone has other dimensions.
-enum Kind { complete, sparse, short_list, special, equal, repeated, beyond, one_level, first, middle, last };
+enum Kind { all, some, few, special, equal, repeated, beyond, one_level, beyond_one, first, middle, last };
 
 Entries list_of(Kind kind) {
     using wide = std::numeric_limits<double>;
@@ -49,7 +49,7 @@ Entries list_of(Kind kind) {
     std::vector<Term> terms;
     for (std::uint64_t i = 0; i < 72; ++i) {
         const std::uint64_t rank = 31 * i % 72; // in no order
-        if ((kind == sparse && rank % 7 < 3) || (kind == short_list && i > 2))
+        if ((kind == some && rank % 7 < 3) || (kind == few && i > 2))
             continue;
         const double x = kind == equal ? 0.25 : std::sin(static_cast<double>(i));
         terms.push_back({{rank % 2, rank / 2 % 3, rank / 6 % 3, rank / 18},
@@ -62,8 +62,8 @@ Entries list_of(Kind kind) {
         // A step makes one of two labels.
         if (kind == repeated || kind == beyond)
             entry.dits[1].value += entry.dits[1].value == 2 ? 1 : 0;
-        if (kind == one_level)
-            entry.dits.push_back({entry.dits[3].value == 1 ? 1U : 0U, 1});
+        if (kind == one_level || kind == beyond_one)
+            entry.dits.push_back({kind == beyond_one && entry.dits[3].value == 1 ? 1U : 0U, 1});
     }
     if (kind >= first)
         for (Dit& dit : entries[kind == first ? 0 : kind == middle ? 20 : entries.size() - 1].dits)
@@ -88,12 +88,12 @@ template <class State> void act(State& state, int gate, int target, const Contro
 }
 
 TEST(Gates, TreatListsOfEveryKindAsTheLiteralModelDoes) {
-    for (int kind = complete; kind <= last; ++kind)
+    for (int kind = all; kind <= last; ++kind) {
+        const Entries entries = list_of(static_cast<Kind>(kind));
         for (int gate = 0; gate < gates; ++gate)
-            for (int target = 0; target < 4; ++target)
-                for (const Controls& controls :
-                     {Controls{}, Controls{{(target + 1) % 4, 1, true}}, Controls{{3 - target, 0, false}}}) {
-                    const Entries entries = list_of(static_cast<Kind>(kind));
+            for (int target = 0; target < static_cast<int>(entries.front().dits.size()); ++target)
+                for (const Controls& controls : {Controls{}, Controls{{(target + 1) % 4, 1, true}},
+                                                 Controls{{(target + 3) % 4, 0, false}}}) {
                     const Factory::BasisConfig config{4, entries.front().dits.size()};
                     const auto state = Factory::make_unique_state(config, entries);
                     reference::LiteralState literal({config.dim, config.num_qudits}, entries);
@@ -109,6 +109,7 @@ TEST(Gates, TreatListsOfEveryKindAsTheLiteralModelDoes) {
                     EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes()))
                         << "kind " << kind << ", gate " << gate << ", target " << target;
                 }
+    }
 }
 
 TEST(Merge, TakesTheFirstProductOfARepeatedLabel) {
