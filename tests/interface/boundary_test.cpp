@@ -21,8 +21,8 @@ constexpr int untouched = -7;
 /// The caller's own, for three qudits that have a dozen combinations of levels at the most.
 struct Buffers {
     std::array<int, 36> levels;
+    std::array<float, 144> real, imaginary;
     std::array<ProbabilityRecord, 12> rows;
-    std::array<float, 145> real, imaginary;
 
     Buffers() {
         levels.fill(untouched);
@@ -32,11 +32,9 @@ struct Buffers {
             rows[i] = {untouched, &levels[3 * i]};
     }
     [[nodiscard]] bool are_untouched() const {
-        const auto is_own = [](auto number) { return number == untouched; };
-        return std::all_of(levels.begin(), levels.end(), is_own) &&
-               std::all_of(real.begin(), real.end(), is_own) &&
-               std::all_of(imaginary.begin(), imaginary.end(), is_own) &&
-               std::all_of(rows.begin(), rows.end(), [&](auto& row) { return is_own(row.probability); });
+        const Buffers fresh;
+        return levels == fresh.levels && real == fresh.real && imaginary == fresh.imaginary &&
+               std::all_of(rows.begin(), rows.end(), [](auto& r) { return r.probability == untouched; });
     }
 };
 
@@ -65,30 +63,23 @@ struct Relation {
     [[nodiscard]] bool are_together(std::size_t i, std::size_t j) const {
         return l[i]->shared_state == l[j]->shared_state;
     }
-    /// The size of a matrix of all listed, which has 2 * 2 * 2 rows or, with a three-level qudit, others.
-    [[nodiscard]] std::size_t places() const {
-        std::size_t side = 1;
-        for (std::size_t i = 0; i < std::min(n, l.size()); ++i)
-            side *= l[i]->shared_state->state->qudit_dimension(l[i]->index);
-        return side * side;
-    }
 };
 
 struct Function {
     const char* name;
     int (*call)(Relation& q, Buffers& b);
-    std::vector<int> codes;        ///< of the failures that it handles
-    const char* overlap = nullptr; ///< its words for a condition on a target
-    const char* different = nullptr;
-    const char* over = nullptr; ///< and for a state over the limit
-    bool joins_one = false;     ///< takes one more place in the joint state
+    std::vector<int> codes;      ///< of the failures that it handles
+    std::string overlap = "";    ///< its words for a condition on a target,
+    std::string dimensions = ""; ///< for two targets of different dimensions,
+    std::string size = "";       ///< and for a state over the limit
+    bool joins_one = false;      ///< takes one more place in the joint state
 };
 
 void PrintTo(const Function& function, std::ostream* out) {
     *out << function.name;
 }
 
-constexpr const char* size_exceeded = "State size exceeded maximum allowed size";
+const std::string over = "State size exceeded maximum allowed size";
 const std::vector<int> gate{vantel_target_control_overlap, vantel_state_size_exceeded};
 const std::vector<int> readout{vantel_bad_dimension, vantel_bad_qudit_number};
 const std::vector<int> exchange{vantel_target_control_overlap, vantel_different_dimensions,
@@ -103,73 +94,73 @@ template <auto form> int whole(Relation& q, Buffers&) {
 template <auto form> int part(Relation& q, Buffers&) {
     return form(q.l[0], 0.5F, &q.r[1], q.n - 1);
 }
+int phase_rotate(Relation& q, Buffers&) {
+    return vantel_phase_rotate(q.r.data(), q.n, 1.0F);
+}
+int swap(Relation& q, Buffers&) {
+    return vantel_swap(q.l[0], q.l[1], &q.r[2], q.n - 2);
+}
+int i_swap(Relation& q, Buffers&) {
+    return vantel_i_swap(q.l[0], q.l[1], 1.0F, &q.r[2], q.n - 2);
+}
+int measure(Relation& q, Buffers& b) {
+    return vantel_measure(q.l.data(), q.n, b.levels.data());
+}
+int projection(Relation& q, Buffers& b) {
+    return vantel_stochastic_projection(q.r.data(), q.n, b.levels.data());
+}
+int probabilities(Relation& q, Buffers& b) {
+    return vantel_probabilities(q.l.data(), q.n, b.rows.data());
+}
+int matrix(Relation& q, Buffers& b) {
+    return vantel_reduced_density_matrix(q.l.data(), q.n, b.real.data(), b.imaginary.data(), 64);
+}
 
 const Function functions[] = {
-    {"hadamard", plain<vantel_hadamard>, gate, "Hadamard operation has overlapping targets and controls",
-     nullptr, size_exceeded},
-    {"inverse_hadamard", plain<vantel_inverse_hadamard>, gate,
-     "inverse-Hadamard operation has overlapping targets and controls", nullptr, size_exceeded},
-    {"cycle", whole<vantel_cycle>, gate, "Cycle operation has overlapping targets and controls", nullptr,
-     size_exceeded},
-    {"fractional_cycle", part<vantel_cycle>, gate,
-     "Fractional cycle operation has overlapping targets and controls", nullptr, size_exceeded},
-    {"shift", whole<vantel_shift>, gate, "Shift operation has overlapping targets and controls", nullptr,
-     size_exceeded},
-    {"fractional_shift", part<vantel_shift>, gate,
-     "Fractional shift operation has overlap targets and controls", nullptr, size_exceeded},
-    {"clock", whole<vantel_clock>, gate, "Clock operation has overlapping targets and controls"},
-    {"fractional_clock", part<vantel_clock>, gate,
-     "Fractional Clock operation has overlapped targets and controls"},
-    {"phase_rotate", [](Relation& q, Buffers&) { return vantel_phase_rotate(q.r.data(), q.n, 1.0F); }, gate,
-     nullptr, nullptr, size_exceeded},
-    {"swap", [](Relation& q, Buffers&) { return vantel_swap(q.l[0], q.l[1], &q.r[2], q.n - 2); }, exchange,
-     "Swap operation has overlapping targets and controls",
-     "Targets of swap operation have different dimensions", size_exceeded},
-    {"i_swap", [](Relation& q, Buffers&) { return vantel_i_swap(q.l[0], q.l[1], 1.0F, &q.r[2], q.n - 2); },
-     exchange, "Fractional i-swap operation has overlapping targets and controls",
-     "Targets of fractional-i-swap operation have different dimensions",
-     "State size exceeds maximum allowed size"},
-    {"measure", [](Relation& q, Buffers& b) { return vantel_measure(q.l.data(), q.n, b.levels.data()); },
-     readout},
-    {"stochastic_projection",
-     [](Relation& q, Buffers& b) { return vantel_stochastic_projection(q.r.data(), q.n, b.levels.data()); },
-     readout, nullptr, nullptr, size_exceeded, true},
-    {"probabilities",
-     [](Relation& q, Buffers& b) { return vantel_probabilities(q.l.data(), q.n, b.rows.data()); }, readout},
-    {"density_matrix",
-     [](Relation& q, Buffers& b) {
-         return vantel_reduced_density_matrix(q.l.data(), q.n, b.real.data(), b.imaginary.data(), q.places());
-     },
-     {}},
+    {"hadamard", plain<vantel_hadamard>, gate, "Hadamard operation has overlapping", "", over},
+    {"inverse", plain<vantel_inverse_hadamard>, gate, "inverse-Hadamard operation has overlapping", "", over},
+    {"cycle", whole<vantel_cycle>, gate, "Cycle operation has overlapping", "", over},
+    {"cycle_in_part", part<vantel_cycle>, gate, "Fractional cycle operation has overlapping", "", over},
+    {"shift", whole<vantel_shift>, gate, "Shift operation has overlapping", "", over},
+    {"shift_in_part", part<vantel_shift>, gate, "Fractional shift operation has overlap", "", over},
+    {"clock", whole<vantel_clock>, gate, "Clock operation has overlapping"},
+    {"clock_in_part", part<vantel_clock>, gate, "Fractional Clock operation has overlapped"},
+    {"phase_rotate", phase_rotate, gate, "", "", over},
+    {"swap", swap, exchange, "Swap operation has overlapping", "Targets of swap", over},
+    {"i_swap", i_swap, exchange, "Fractional i-swap operation has overlapping",
+     "Targets of fractional-i-swap", "State size exceeds maximum allowed size"},
+    {"measure", measure, readout},
+    {"projection", projection, readout, "", "", over, true},
+    {"probabilities", probabilities, readout},
+    {"matrix", matrix, {}},
 };
 
-/// A failure of a call that relates three qudits: the second has joined the first by then or, where the
+/// A failure of a call that relates three qudits. The second has joined the first by then or, where the
 /// failure comes before all merges, has not, and the third is alone.
 struct Failing {
     const char* name;
     int code;
-    std::pair<std::string, std::string> passing; ///< its class and text; any text where that is empty
+    Passed passing; ///< of any text where that is empty
     bool stands;
     void (*prepare)(Relation& q, const Function& function);
-    const char* Function::*words = nullptr; ///< instead of the text
-    std::vector<int> dimensions = {2, 2, 2};
+    std::string Function::*words = nullptr; ///< of the function's own; it cannot fail so if it has none
+    const char* rest = "";                  ///< that follows them
 };
 
 const Failing failures[] = {
     {"overlap", vantel_target_control_overlap, failure<qudit::TargetControlOverlap>(""), true,
-     [](Relation& q, auto&) { q.r[2].property = q.l[0]; }, &Function::overlap},
-    {"different dimensions",
-     vantel_different_dimensions,
-     failure<qudit::DifferentDimensions>(""),
-     true,
-     [](Relation& q, auto&) { q.n = 2; },
-     &Function::different,
-     {2, 3, 2}},
+     [](Relation& q, auto&) { q.r[2].property = q.l[0]; }, &Function::overlap, " targets and controls"},
+    {"different dimensions", vantel_different_dimensions, failure<qudit::DifferentDimensions>(""), true,
+     [](Relation& q, auto&) {
+         q = Relation({2, 3, 2});
+         q.n = 2;
+     },
+     &Function::dimensions, " operation have different dimensions"},
     {"too many qudits", vantel_bad_qudit_number,
      failure<qudit::BadQuditNumber>("num_qudits must be <= MAX_QUDIT_NUM: 10"), true,
      [](Relation& q, auto& function) { q.join(0, function.joins_one ? 7 : 8, 2, false); }},
     {"too large, and of too many qudits", vantel_state_size_exceeded,
-     failure<qudit::StateSizeExceeded>(size_exceeded), true,
+     failure<qudit::StateSizeExceeded>(over.c_str()), true,
      [](Relation& q, auto&) {
          q.join(0, 3, 10, true);
          q.join(2, 7, 2, true);
@@ -182,76 +173,63 @@ const Failing failures[] = {
 
 class Boundary : public ::testing::TestWithParam<Function> {
 protected:
-    struct Outcome {
-        int status = -1;
-        std::pair<std::string, std::string> passed;
-        std::string text;
-    };
-    static Outcome outcome_of(Relation& q, Buffers& buffers) {
-        Outcome seen;
-        const Diagnostics diagnostics;
-        seen.passed = thrown_by([&] { seen.status = GetParam().call(q, buffers); });
-        seen.text = diagnostics.text();
-        return seen;
-    }
-    static void expect(Outcome seen, int code, std::pair<std::string, std::string> passing) {
+    /// Makes the call, which fails.
+    void expect(int code, Passed passing) {
         const auto& codes = GetParam().codes;
         const bool is_handled = std::count(codes.begin(), codes.end(), code) != 0;
+        const Diagnostics diagnostics;
+        int status = -1;
+        Passed passed = thrown_by([&] { status = GetParam().call(q, buffers); });
         if (passing.second.empty())
-            seen.passed.second.clear();
-        EXPECT_EQ(seen.status, is_handled ? code : -1);
-        EXPECT_EQ(seen.text, is_handled ? passing.second + "\n" : "");
-        EXPECT_EQ(seen.passed, is_handled ? thrown_by([] {}) : passing);
+            passed.second.clear();
+        EXPECT_EQ(status, is_handled ? code : -1);
+        EXPECT_EQ(diagnostics.text(), is_handled ? passing.second + "\n" : "");
+        EXPECT_EQ(passed, is_handled ? Passed() : passing);
+        EXPECT_TRUE(buffers.are_untouched());
     }
+
+    Relation q;
+    Buffers buffers;
 };
 
 TEST_P(Boundary, TurnsWhatItHandlesIntoACodeAndLetsTheRestPass) {
     for (const Failing& failing : failures) {
         SCOPED_TRACE(failing.name);
-        auto passing = failing.passing;
+        Passed passing = failing.passing;
         if (failing.words != nullptr) {
-            if (GetParam().*failing.words == nullptr)
+            if ((GetParam().*failing.words).empty())
                 continue;
-            passing.second = GetParam().*failing.words;
+            passing.second = GetParam().*failing.words + failing.rest;
         }
-        Relation q(failing.dimensions);
+        q = Relation();
         failing.prepare(q, GetParam());
-        Buffers buffers;
-        expect(outcome_of(q, buffers), failing.code, passing);
-        EXPECT_TRUE(buffers.are_untouched());
+        expect(failing.code, passing);
         EXPECT_EQ(q.are_together(0, 1), failing.stands);
         EXPECT_FALSE(q.are_together(0, 2));
     }
-}
-
-TEST_P(Boundary, ReportsAnOverlapBeforeDifferentDimensions) {
-    if (GetParam().different == nullptr)
+    if (GetParam().dimensions.empty())
         return;
-    Relation q({2, 3, 2});
+    q = Relation({2, 3, 2});
     q.r[2].property = q.l[1];
-    Buffers buffers;
-    expect(outcome_of(q, buffers), vantel_target_control_overlap,
-           failure<qudit::TargetControlOverlap>(GetParam().overlap));
+    expect(failures[0].code,
+           failure<qudit::TargetControlOverlap>((GetParam().overlap + failures[0].rest).c_str()));
 }
 
 TEST_P(Boundary, ReportsAStateOverTheLimitWhereItIsGuarded) {
-    Relation q;
     merge(q.l);
     List others;
     for (int i = 0; i < 6; ++i)
         others.push_back(q.join(0, 1, 7, false));
-    const Diagnostics unread;
+    const Diagnostics diagnostics;
     for (QuantumProperty* const other : others)
-        vantel_hadamard(other, nullptr, 0);
-    Buffers buffers;
-    const Outcome seen = outcome_of(q, buffers);
-    if (GetParam().over == nullptr) {
-        EXPECT_EQ(seen.status, vantel_ok);
-        EXPECT_EQ(seen.text, "");
+        EXPECT_EQ(vantel_hadamard(other, nullptr, 0), other == others.back() ? 9 : 0);
+    if (GetParam().size.empty()) {
+        EXPECT_EQ(GetParam().call(q, buffers), vantel_ok);
+        EXPECT_EQ(diagnostics.text(), over + "\n");
     } else {
-        expect(seen, vantel_state_size_exceeded, failure<qudit::StateSizeExceeded>(GetParam().over));
-        EXPECT_TRUE(buffers.are_untouched());
+        expect(vantel_state_size_exceeded, failure<qudit::StateSizeExceeded>(GetParam().size.c_str()));
     }
+    EXPECT_EXIT(q.owned.front().reset(), ::testing::KilledBySignal(SIGABRT), "");
     std::vector<int> levels(6);
     vantel_measure(others.data(), 6, levels.data()); // small again, and can be freed
 }

@@ -17,9 +17,11 @@ namespace {
 
 constexpr int untouched = -7;
 
+using Dimensions = std::vector<int>;
+
 /// Qudits, conditions on the second and the third of them, and a caller's buffers.
 struct World {
-    explicit World(const std::vector<int>& dimensions) {
+    explicit World(const Dimensions& dimensions) {
         for (const int dimension : dimensions)
             q.push_back(qudit_of(dimension));
         vantel_hadamard(q[0].get(), nullptr, 0);
@@ -29,6 +31,12 @@ struct World {
         read({2, 1});
     }
     QuantumProperty& operator[](std::size_t i) const { return *q[i]; }
+
+    World& merge_all() {
+        for (const Handle& handle : q)
+            merge({q[0].get(), handle.get()});
+        return *this;
+    }
 
     /// Makes room for the table of these qudits and, where it has not too many rows, for their matrix.
     World& read(const std::vector<std::size_t>& qudits) {
@@ -59,17 +67,14 @@ World separate() {
     return World({4, 3, 4});
 }
 World joint() {
-    World world = separate();
-    merge({world.q[0].get(), world.q[1].get(), world.q[2].get()});
-    return world;
+    return std::move(separate().merge_all());
 }
 /// 1458 entries whose labels lie close together.
 World large() {
     World world({9, 9, 9, 2});
     for (const std::size_t i : {1U, 3U})
-        vantel_hadamard(world.q[i].get(), nullptr, 0);
-    merge({world.q[0].get(), world.q[1].get(), world.q[2].get(), world.q[3].get()});
-    return world;
+        vantel_hadamard(&world[i], nullptr, 0);
+    return std::move(world.merge_all());
 }
 /// The same with labels far apart.
 World scattered() {
@@ -77,38 +82,19 @@ World scattered() {
     for (int i = 0; i < 2; ++i) {
         world.q.push_back(qudit_of(10));
         vantel_shift(world.q.back().get(), 1.0F, nullptr, 0);
-        merge({world.q.front().get(), world.q.back().get()});
     }
-    return world;
+    return std::move(world.merge_all());
 }
 
 /// Tables and matrices with many more places than there are entries: of the levels of some qudits, of more
 /// rows than are counted in a byte, of all of ten qudits, and beside more than a thousand entries.
-World sparse(const std::vector<int>& dimensions, const std::vector<std::size_t>& listed) {
+World sparse(const Dimensions& dimensions, const std::vector<std::size_t>& listed) {
     World world(dimensions);
-    std::vector<QuantumProperty*> all;
-    for (const Handle& handle : world.q)
-        all.push_back(handle.get());
-    merge(all);
-    world.read(listed);
-    return world;
-}
-World sparse_table() {
-    return sparse({10, 10, 10}, {2, 0, 1});
-}
-World sparse_matrix() {
-    return sparse({10, 10, 10}, {2, 1});
-}
-World many_rows() {
-    return sparse({7, 7, 7}, {1, 2, 0});
-}
-World many_qudits() {
-    return sparse(std::vector<int>(10, 2), {9, 8, 7, 6, 5, 4, 3, 2, 1, 0});
+    world.merge_all();
+    return std::move(world.read(listed));
 }
 World sparse_scattered() {
-    World world = scattered();
-    world.read({5, 2, 4, 1});
-    return world;
+    return std::move(scattered().read({5, 2, 4, 1}));
 }
 
 /// Separate qudits, of which the first has had so many guests that one more takes its list of handles to the
@@ -243,11 +229,27 @@ const Situation situations[] = {
     {"probabilities", separate, probabilities, {merges<2, 1>}},
     {"density_matrix", separate, density_matrix, {merges<2, 1>}},
     {"density_matrix_scattered", scattered, matrix_of_one},
-    {"sparse_table", sparse_table, probabilities},
-    {"sparse_table_of_many_qudits", many_qudits, probabilities},
+    {"sparse_table",
+     [] {
+         return sparse({10, 10, 10}, {2, 0, 1});
+     },
+     probabilities},
+    {"sparse_table_of_many",
+     [] {
+         return sparse(Dimensions(10, 2), {9, 8, 7, 6, 5, 4, 3, 2, 1, 0});
+     },
+     probabilities},
     {"sparse_table_scattered", sparse_scattered, probabilities},
-    {"sparse_matrix", sparse_matrix, density_matrix},
-    {"sparse_matrix_of_many_rows", many_rows, density_matrix},
+    {"sparse_matrix",
+     [] {
+         return sparse({10, 10, 10}, {2, 1});
+     },
+     density_matrix},
+    {"sparse_matrix_of_many_rows",
+     [] {
+         return sparse({7, 7, 7}, {1, 2, 0});
+     },
+     density_matrix},
     {"sparse_matrix_large", large, density_matrix},
     {"projection", separate, projection, {projection_broken_off<1>, projection_broken_off<2>}, true},
     {"projection_joint", joint, projection, {projection_broken_off<2>}, true},

@@ -1,5 +1,3 @@
-#include <csignal>
-#include <new>
 #include <optional>
 
 #include "interface/quantum_property.hpp"
@@ -49,22 +47,6 @@ TEST(Gate, HoldsMoreConditionsThanAJointStateHasQudits) {
     records.back() = {control.get(), 0, 1};
     ASSERT_EQ(vantel_cycle(target.get(), 1.0F, records.data(), records.size()), 0);
     EXPECT_TRUE(same_entries(entries_behind(target), entries_of({3, 2}, {{{1, 0}, 1.0}})));
-}
-
-TEST(Release, OfAStateOverTheLimitEndsTheProcess) {
-    std::vector<Handle> handles;
-    List list;
-    for (int i = 0; i < 6; ++i)
-        list.push_back(handles.emplace_back(qudit_of(7)).get());
-    merge(list);
-    for (int i = 0; i < 6; ++i) {
-        const Diagnostics diagnostics;
-        EXPECT_EQ(vantel_hadamard(list[static_cast<std::size_t>(i)], nullptr, 0), i < 5 ? 0 : 9);
-        EXPECT_EQ(diagnostics.text(), i < 5 ? "" : "State size exceeded maximum allowed size\n");
-    }
-    EXPECT_EXIT(handles.front().reset(), ::testing::KilledBySignal(SIGABRT), "");
-    std::vector<int> levels(list.size());
-    EXPECT_EQ(vantel_measure(list.data(), list.size(), levels.data()), 0); // small again, and can be freed
 }
 
 TEST(Release, OfTheOnlyHandleTakesNothingOutOfItsState) {

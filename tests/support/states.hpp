@@ -71,7 +71,8 @@ inline std::unique_ptr<qudit::IState> state_of(const Levels& dimensions, const s
 }
 
 /// What a call let pass: the class and the text of its exception, or nothing.
-inline std::pair<std::string, std::string> thrown_by(const std::function<void()>& call) {
+using Passed = std::pair<std::string, std::string>;
+inline Passed thrown_by(const std::function<void()>& call) {
     try {
         call();
     } catch (const std::exception& failure) {
@@ -79,7 +80,7 @@ inline std::pair<std::string, std::string> thrown_by(const std::function<void()>
     }
     return {};
 }
-template <class Failure> std::pair<std::string, std::string> failure(const char* text) {
+template <class Failure> Passed failure(const char* text) {
     return {typeid(Failure).name(), text};
 }
 
