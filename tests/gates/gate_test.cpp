@@ -49,14 +49,17 @@ Entries list_of(Kind kind) {
     std::vector<Term> terms;
     for (std::uint64_t i = 0; i < 72; ++i) {
         const std::uint64_t rank = 31 * i % 72; // in no order
-        if ((kind == some && rank % 7 < 3) || (kind == few && i > 2))
+        if ((kind == some && (rank % 7 < 3 || rank > 35)) || (kind == few && i > 2))
             continue;
         const double x = kind == equal ? 0.25 : std::sin(static_cast<double>(i));
         terms.push_back({{rank % 2, rank / 2 % 3, rank / 6 % 3, rank / 18},
                          kind == special && i % 3 == 0 ? odd[i / 3 % std::size(odd)] : Complex(x, 1 - x)});
     }
+    if (kind == some)
+        terms.push_back({{1, 2, 2, 3}, 0.5}); // alone with its highest level
     if (kind == last)
-        terms.pop_back(); // an odd number
+        terms.pop_back();
+    // Both make an odd number, so that the last entry has no neighbour.
     Entries entries = entries_of({2, 3, 3, 4}, terms);
     for (Entry& entry : entries) {
         // A step makes one of two labels.

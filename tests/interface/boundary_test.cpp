@@ -237,6 +237,21 @@ TEST_P(Boundary, ReportsAStateOverTheLimitWhereItIsGuarded) {
 INSTANTIATE_TEST_SUITE_P(Functions, Boundary, ::testing::ValuesIn(functions),
                          [](const auto& tested) { return tested.param.name; });
 
+TEST(Making, RefusesADimensionWithAStatusAndItsWords) {
+    const std::pair<int, std::string> refused[] = {{0, "dim must be >= 2\n"},
+                                                   {1, "dim must be >= 2\n"},
+                                                   {11, "dim must be <= MAX_QUDIT_DIMENSION: 10\n"},
+                                                   {-1, "dim must be <= MAX_QUDIT_DIMENSION: 10\n"}};
+    for (const auto& [dimension, text] : refused) {
+        const Diagnostics diagnostics;
+        int status = 77;
+        EXPECT_EQ(vantel_make_quantum_property(dimension, &status), nullptr);
+        EXPECT_EQ(status, vantel_bad_dimension);
+        EXPECT_EQ(diagnostics.text(), text);
+    }
+    EXPECT_EQ(vantel_free_quantum_property(nullptr), vantel_null_property);
+}
+
 TEST(Tables, ThatOverflowAreReportedAtOnceAndWrittenNowhere) {
     const Relation q(std::vector<int>(10, 10)), two({2});
     List list = q.l;
