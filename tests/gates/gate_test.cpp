@@ -68,9 +68,11 @@ Entries list_of(Kind kind) {
         if (kind == one_level || kind == beyond_one)
             entry.dits.push_back({kind == beyond_one && entry.dits[3].value == 1 ? 1U : 0U, 1});
     }
-    if (kind >= first)
-        for (Dit& dit : entries[kind == first ? 0 : kind == middle ? 20 : entries.size() - 1].dits)
+    if (kind >= first || kind == few) {
+        const std::size_t odd_one = kind == first ? 0 : kind == middle ? 20 : entries.size() - 1;
+        for (Dit& dit : entries[odd_one].dits)
             dit.dimension = 4;
+    }
     return entries;
 }
 
