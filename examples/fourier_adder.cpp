@@ -10,20 +10,20 @@ namespace {
 
 constexpr int base = 3;
 constexpr std::size_t digits = 3;
-constexpr int numbers = 27;
+constexpr std::size_t numbers = 27;
 using Number = std::vector<vantel::Qudit>; // lowest digit first
 
-Number make_number(int value) {
+Number make_number(std::size_t value) {
     Number number = vantel::make_register(digits, base);
     for (auto& digit : number) {
-        vantel::add(digit, value % base);
+        vantel::add(digit, static_cast<int>(value % base));
         value /= base;
     }
     return number;
 }
 
-int read(const std::vector<int>& levels) {
-    return levels[0] + base * (levels[1] + base * levels[2]);
+std::size_t read(const Number& number) {
+    return vantel::Shape(number).row(vantel::measure(number));
 }
 
 /// Takes |a, b> to |a, b + sign a mod 27>.
@@ -39,23 +39,27 @@ void add_number(const Number& a, Number& b, int sign = 1) {
     vantel::inverse_fourier_transform(b);
 }
 
+float at(const vantel::Outcomes& table, std::size_t a, std::size_t b) {
+    return table[a + numbers * b].probability;
+}
+
 } // namespace
 
 int main() {
     int sums = 0;
-    for (int left = 0; left < numbers; ++left)
-        for (int right = 0; right < numbers; ++right) {
+    for (std::size_t left = 0; left < numbers; ++left)
+        for (std::size_t right = 0; right < numbers; ++right) {
             const Number a = make_number(left);
             Number b = make_number(right);
             add_number(a, b);
-            check(read(vantel::measure(b)) == (left + right) % numbers, "the sum is read");
-            check(read(vantel::measure(a)) == left, "what was added is kept");
+            check(read(b) == (left + right) % numbers, "the sum is read");
+            check(read(a) == left, "what was added is kept");
             ++sums;
         }
     std::cout << sums << " sums modulo 27, each as it should be\n";
 
     // Every number at once, added to 14.
-    constexpr int right = 14;
+    constexpr std::size_t right = 14;
     Number a = make_number(0), b = make_number(right);
     for (auto& digit : a)
         vantel::hadamard(digit);
@@ -64,10 +68,10 @@ int main() {
     both.insert(both.end(), b.begin(), b.end());
     const auto table = vantel::probabilities(both);
     std::cout << " a   a + " << right << "   probability\n";
-    for (int left = 0; left < numbers; ++left)
-        for (int sum = 0; sum < numbers; ++sum) {
+    for (std::size_t left = 0; left < numbers; ++left)
+        for (std::size_t sum = 0; sum < numbers; ++sum) {
             const bool right_sum = sum == (left + right) % numbers;
-            const float seen = table[static_cast<std::size_t>(left + numbers * sum)].probability;
+            const float seen = at(table, left, sum);
             check(std::abs(seen - (right_sum ? 1.0 / numbers : 0.0)) < 1e-5, "each number has its own sum");
             if (right_sum && left % 5 == 0)
                 std::cout << std::setw(2) << left << std::setw(7) << sum << std::setw(15) << seen << '\n';
@@ -77,8 +81,7 @@ int main() {
     add_number(a, b, -1);
     for (auto& digit : a)
         vantel::inverse_hadamard(digit);
-    const auto undone = vantel::probabilities(both);
-    check(std::abs(undone[numbers * right].probability - 1) < 1e-5, "the subtraction undoes the sum");
-    std::cout << "subtracted again: 0 and 14 with probability " << undone[numbers * right].probability
-              << '\n';
+    const float undone = at(vantel::probabilities(both), 0, right);
+    check(std::abs(undone - 1) < 1e-5, "the subtraction undoes the sum");
+    std::cout << "subtracted again: 0 and " << right << " with probability " << undone << '\n';
 }
