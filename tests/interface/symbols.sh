@@ -3,8 +3,11 @@
 # Arguments: the library, the kept list.
 set -eu
 export LC_ALL=C
-nm -D --defined-only "$1" | awk '$2 != "A" { sub(/@.*/, "", $3); print $3 }' | sort | diff "$2" -
-needed=$(readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
-    grep -Ev '^(libstdc\+\+|libm|libgcc_s|libc|ld-linux-x86-64|libasan|libubsan)\.so') || exit 0
-echo "needs $needed"
-exit 1
+symbols=$(nm -D --defined-only "$1")
+echo "$symbols" | awk '$2 != "A" { sub(/@.*/, "", $3); print $3 }' | sort | diff "$2" -
+dynamic=$(readelf -d "$1")
+needed=$(echo "$dynamic" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+# Without any, the table was not read.
+[ -n "$needed" ] || { echo "nothing is told that $1 needs"; exit 1; }
+echo "$needed" | grep -Ev '^(libstdc\+\+|libm|libgcc_s|libc|ld-linux-x86-64|libasan|libubsan)\.so' &&
+    { echo "should not be needed by $1"; exit 1; } || [ $? = 1 ]
