@@ -70,8 +70,8 @@ Entries list_of(Kind kind) {
     }
     if (kind >= first || kind == few) {
         const std::size_t odd_one = kind == first ? 0 : kind == middle ? 20 : entries.size() - 1;
-        for (Dit& dit : entries[odd_one].dits)
-            dit.dimension = 4;
+        for (const std::size_t qudit : {0U, 1U})
+            entries[odd_one].dits[qudit].dimension = 4;
     }
     return entries;
 }

@@ -65,9 +65,11 @@ struct Relation {
     }
 };
 
+using Make = int (*)(Relation& q, Buffers& b);
+
 struct Function {
     const char* name;
-    int (*call)(Relation& q, Buffers& b);
+    Make call;
     std::vector<int> codes;      ///< of the failures that it handles
     std::string overlap = "";    ///< its words for a condition on a target,
     std::string dimensions = ""; ///< for two targets of different dimensions,
@@ -85,36 +87,24 @@ const std::vector<int> readout{vantel_bad_dimension, vantel_bad_qudit_number};
 const std::vector<int> exchange{vantel_target_control_overlap, vantel_different_dimensions,
                                 vantel_bad_qudit_number, vantel_state_size_exceeded};
 
-template <auto form> int plain(Relation& q, Buffers&) {
-    return form(q.l[0], &q.r[1], q.n - 1);
-}
-template <auto form> int whole(Relation& q, Buffers&) {
-    return form(q.l[0], 1.0F, &q.r[1], q.n - 1);
-}
-template <auto form> int part(Relation& q, Buffers&) {
-    return form(q.l[0], 0.5F, &q.r[1], q.n - 1);
-}
-int phase_rotate(Relation& q, Buffers&) {
-    return vantel_phase_rotate(q.r.data(), q.n, 1.0F);
-}
-int swap(Relation& q, Buffers&) {
-    return vantel_swap(q.l[0], q.l[1], &q.r[2], q.n - 2);
-}
-int i_swap(Relation& q, Buffers&) {
-    return vantel_i_swap(q.l[0], q.l[1], 1.0F, &q.r[2], q.n - 2);
-}
-int measure(Relation& q, Buffers& b) {
-    return vantel_measure(q.l.data(), q.n, b.levels.data());
-}
-int projection(Relation& q, Buffers& b) {
+template <auto form> constexpr Make plain = [](auto& q, auto&) { return form(q.l[0], &q.r[1], q.n - 1); };
+template <auto form>
+constexpr Make whole = [](auto& q, auto&) { return form(q.l[0], 1.0F, &q.r[1], q.n - 1); };
+template <auto form>
+constexpr Make part = [](auto& q, auto&) { return form(q.l[0], 0.5F, &q.r[1], q.n - 1); };
+constexpr Make rotate = [](auto& q, auto&) { return vantel_phase_rotate(q.r.data(), q.n, 1.0F); };
+constexpr Make swap = [](auto& q, auto&) { return vantel_swap(q.l[0], q.l[1], &q.r[2], q.n - 2); };
+constexpr Make i_swap = [](auto& q, auto&) { return vantel_i_swap(q.l[0], q.l[1], 1.0F, &q.r[2], q.n - 2); };
+constexpr Make measure = [](auto& q, auto& b) { return vantel_measure(q.l.data(), q.n, b.levels.data()); };
+constexpr Make projection = [](auto& q, auto& b) {
     return vantel_stochastic_projection(q.r.data(), q.n, b.levels.data());
-}
-int probabilities(Relation& q, Buffers& b) {
+};
+constexpr Make probabilities = [](auto& q, auto& b) {
     return vantel_probabilities(q.l.data(), q.n, b.rows.data());
-}
-int matrix(Relation& q, Buffers& b) {
+};
+constexpr Make density_matrix = [](auto& q, auto& b) {
     return vantel_reduced_density_matrix(q.l.data(), q.n, b.real.data(), b.imaginary.data(), 64);
-}
+};
 
 const Function functions[] = {
     {"hadamard", plain<vantel_hadamard>, gate, "Hadamard operation has overlapping", "", over},
@@ -125,14 +115,14 @@ const Function functions[] = {
     {"shift_in_part", part<vantel_shift>, gate, "Fractional shift operation has overlap", "", over},
     {"clock", whole<vantel_clock>, gate, "Clock operation has overlapping"},
     {"clock_in_part", part<vantel_clock>, gate, "Fractional Clock operation has overlapped"},
-    {"phase_rotate", phase_rotate, gate, "", "", over},
+    {"phase_rotate", rotate, gate, "", "", over},
     {"swap", swap, exchange, "Swap operation has overlapping", "Targets of swap", over},
     {"i_swap", i_swap, exchange, "Fractional i-swap operation has overlapping",
      "Targets of fractional-i-swap", "State size exceeds maximum allowed size"},
     {"measure", measure, readout},
     {"projection", projection, readout, "", "", over, true},
     {"probabilities", probabilities, readout},
-    {"matrix", matrix, {}},
+    {"matrix", density_matrix, {}},
 };
 
 /// A failure of a call that relates three qudits. The second has joined the first by then or, where the

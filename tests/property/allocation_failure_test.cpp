@@ -17,18 +17,15 @@ namespace {
 
 constexpr int untouched = -7;
 
-using Dimensions = std::vector<int>;
-
 /// Qudits, conditions on the second and the third of them, and a caller's buffers.
 struct World {
-    explicit World(const Dimensions& dimensions) {
+    explicit World(const std::vector<int>& dimensions) {
         for (const int dimension : dimensions)
             q.push_back(qudit_of(dimension));
         vantel_hadamard(q[0].get(), nullptr, 0);
         vantel_cycle(q[1].get(), 1.0F, nullptr, 0);
         vantel_hadamard(q[2].get(), nullptr, 0);
         conditions = {{q[1].get(), 1, 1}, {q[2].get(), 2, 0}};
-        read({2, 1});
     }
     QuantumProperty& operator[](std::size_t i) const { return *q[i]; }
 
@@ -40,14 +37,12 @@ struct World {
 
     /// Makes room for the table of these qudits and, where it has not too many rows, for their matrix.
     World& read(const std::vector<std::size_t>& qudits) {
-        list.clear();
         std::size_t side = 1;
         for (const std::size_t i : qudits) {
             list.push_back(q[i].get());
             side *= q[i]->shared_state->state->qudit_dimension(q[i]->index);
         }
         levels.assign(side * list.size(), untouched);
-        rows.clear();
         for (std::size_t i = 0; i < side; ++i)
             rows.push_back({untouched, &levels[i * list.size()]});
         real.assign(side < 400 ? side * side : 0, untouched);
@@ -86,15 +81,9 @@ World scattered() {
     return std::move(world.merge_all());
 }
 
-/// Tables and matrices with many more places than there are entries: of the levels of some qudits, of more
-/// rows than are counted in a byte, of all of ten qudits, and beside more than a thousand entries.
-World sparse(const Dimensions& dimensions, const std::vector<std::size_t>& listed) {
-    World world(dimensions);
-    world.merge_all();
-    return std::move(world.read(listed));
-}
-World sparse_scattered() {
-    return std::move(scattered().read({5, 2, 4, 1}));
+/// 4 to 100 entries, for tables and matrices with many more places.
+template <int dimension, int count> World joint_of() {
+    return std::move(World(std::vector<int>(count, dimension)).merge_all());
 }
 
 /// Separate qudits, of which the first has had so many guests that one more takes its list of handles to the
@@ -113,7 +102,7 @@ std::string told(const World& world) {
     std::ostringstream text;
     text << std::hexfloat;
     for (const Handle& handle : world.q) {
-        if (handle == nullptr)
+        if (handle == nullptr) // after a release
             continue;
         const QuantumProperty::SharedState& shared = *handle->shared_state;
         text << "\nindex " << handle->index << " among";
@@ -143,6 +132,7 @@ struct Situation {
     Step call;
     std::vector<Step> stages = {}; ///< what a failure may leave done
     bool can_end_process = false;
+    std::vector<std::size_t> listed = {2, 1}; ///< the qudits that a readout reads
 
     // By its bytes it would be printed with its padding, which valgrind takes for a fault.
     friend void PrintTo(const Situation& situation, std::ostream* out) { *out << situation.name; }
@@ -162,40 +152,24 @@ template <std::size_t Conditions> int projection_broken_off(World& w) {
     return 0;
 }
 
-int hadamard(World& w) {
-    return vantel_hadamard(&w[0], w.conditions.data(), 2);
-}
-int shift(World& w) {
-    return vantel_shift(&w[0], 0.5F, w.conditions.data(), 2);
-}
-int i_swap(World& w) {
-    return vantel_i_swap(&w[0], &w[2], 0.5F, w.conditions.data(), 1);
-}
-int measure(World& w) {
-    const RandomSource source(5);
+constexpr Step hadamard = [](auto& w) { return vantel_hadamard(&w[0], w.conditions.data(), 2); };
+constexpr Step shift = [](auto& w) { return vantel_shift(&w[0], 0.5F, w.conditions.data(), 2); };
+constexpr Step half_clock = [](auto& w) { return vantel_clock(&w[0], 0.5F, w.conditions.data(), 2); };
+constexpr Step i_swap = [](auto& w) { return vantel_i_swap(&w[0], &w[2], 0.5F, w.conditions.data(), 1); };
+constexpr Step measure = [](auto& w) {
     return vantel_measure(w.list.data(), w.list.size(), w.levels.data());
-}
-int probabilities(World& w) {
+};
+constexpr Step probabilities = [](auto& w) {
     return vantel_probabilities(w.list.data(), w.list.size(), w.rows.data());
-}
-int density_matrix(World& w) {
+};
+constexpr Step density_matrix = [](auto& w) {
     return vantel_reduced_density_matrix(w.list.data(), w.list.size(), w.real.data(), w.imaginary.data(),
                                          w.real.size());
-}
-int matrix_of_one(World& w) {
-    return vantel_reduced_density_matrix(&w.list[1], 1, w.real.data(), w.imaginary.data(), 81);
-}
-int projection(World& w) {
-    const RandomSource source(5);
+};
+constexpr Step projection = [](auto& w) {
     return vantel_stochastic_projection(w.conditions.data(), 2, w.levels.data());
-}
-int release(World& w) {
-    return vantel_free_quantum_property(w.q[0].release());
-}
-
-int half_clock(World& w) {
-    return vantel_clock(&w[0], 0.5F, w.conditions.data(), 2);
-}
+};
+constexpr Step release = [](auto& w) { return vantel_free_quantum_property(w.q[0].release()); };
 
 const std::vector<Step> related{merges<0, 1>, in_turn<merges<0, 1>, merges<0, 2>>};
 const std::vector<Step> exchange_related{merges<0, 2>, in_turn<merges<0, 2>, merges<0, 1>>};
@@ -207,19 +181,19 @@ const Situation situations[] = {
     {"make", separate, [](World&) { return qudit_of(5) ? 0 : -1; }},
     {"hadamard", separate, hadamard, related},
     {"inverse_hadamard", separate,
-     [](World& w) { return vantel_inverse_hadamard(&w[0], w.conditions.data(), 2); }, related},
+     [](auto& w) { return vantel_inverse_hadamard(&w[0], w.conditions.data(), 2); }, related},
     {"hadamard_after_many_guests", after_many_guests, hadamard, related},
     {"hadamard_large", large, hadamard},
     {"hadamard_scattered", scattered, hadamard},
-    {"cycle", separate, [](World& w) { return vantel_cycle(&w[0], 1.0F, w.conditions.data(), 2); }, related},
+    {"cycle", separate, [](auto& w) { return vantel_cycle(&w[0], 1.0F, w.conditions.data(), 2); }, related},
     {"fractional_shift", separate, shift, half_shifted},
     {"fractional_shift_scattered", scattered, shift, half_shifted},
     {"clock", separate, half_clock, related},
     {"phase_rotate",
      separate,
-     [](World& w) { return vantel_phase_rotate(w.conditions.data(), 2, 0.5F); },
+     [](auto& w) { return vantel_phase_rotate(w.conditions.data(), 2, 0.5F); },
      {merges<1, 2>}},
-    {"swap", separate, [](World& w) { return vantel_swap(&w[0], &w[2], w.conditions.data(), 1); },
+    {"swap", separate, [](auto& w) { return vantel_swap(&w[0], &w[2], w.conditions.data(), 1); },
      exchange_related},
     {"i_swap", separate, i_swap, exchange_related},
     {"i_swap_large", large, i_swap},
@@ -228,28 +202,12 @@ const Situation situations[] = {
     {"measure_large", large, measure},
     {"probabilities", separate, probabilities, {merges<2, 1>}},
     {"density_matrix", separate, density_matrix, {merges<2, 1>}},
-    {"density_matrix_scattered", scattered, matrix_of_one},
-    {"sparse_table",
-     [] {
-         return sparse({10, 10, 10}, {2, 0, 1});
-     },
-     probabilities},
-    {"sparse_table_of_many",
-     [] {
-         return sparse(Dimensions(10, 2), {9, 8, 7, 6, 5, 4, 3, 2, 1, 0});
-     },
-     probabilities},
-    {"sparse_table_scattered", sparse_scattered, probabilities},
-    {"sparse_matrix",
-     [] {
-         return sparse({10, 10, 10}, {2, 1});
-     },
-     density_matrix},
-    {"sparse_matrix_of_many_rows",
-     [] {
-         return sparse({7, 7, 7}, {1, 2, 0});
-     },
-     density_matrix},
+    {"density_matrix_scattered", scattered, density_matrix, {}, false, {1}},
+    {"sparse_table", joint_of<10, 3>, probabilities, {}, false, {2, 0, 1}},
+    {"sparse_table_of_many", joint_of<2, 10>, probabilities, {}, false, {9, 8, 7, 6, 5, 4, 3, 2, 1, 0}},
+    {"sparse_table_scattered", scattered, probabilities, {}, false, {5, 2, 4, 1}},
+    {"sparse_matrix", joint_of<10, 3>, density_matrix},
+    {"sparse_matrix_of_many_rows", joint_of<7, 3>, density_matrix, {}, false, {1, 2, 0}},
     {"sparse_matrix_large", large, density_matrix},
     {"projection", separate, projection, {projection_broken_off<1>, projection_broken_off<2>}, true},
     {"projection_joint", joint, projection, {projection_broken_off<2>}, true},
@@ -268,14 +226,17 @@ struct Attempt {
 class AllocationFailure : public ::testing::TestWithParam<Situation> {
 protected:
     AllocationFailure() {
-        standing.push_back(told(situation.begin()));
+        standing.push_back(told(begin()));
         for (const Step stage : situation.stages)
             standing.push_back(told_after(stage));
         done = told_after(situation.call);
     }
 
+    World begin() const { return std::move(situation.begin().read(situation.listed)); }
+
     std::string told_after(Step step) const {
-        World world = situation.begin();
+        World world = begin();
+        const RandomSource source(5);
         EXPECT_EQ(step(world), 0);
         return told(world);
     }
@@ -284,7 +245,8 @@ protected:
         const long before = live_allocations();
         Attempt made{not_told, false};
         {
-            World world = situation.begin();
+            World world = begin();
+            const RandomSource source(5);
             bool passed_out = false;
             int status = -1;
             fail_allocations_after(allowed, how);
