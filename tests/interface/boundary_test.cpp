@@ -1,5 +1,6 @@
 #include <array>
 #include <chrono>
+#include <locale>
 #include <new>
 #include <stdexcept>
 
@@ -257,7 +258,13 @@ TEST(Tables, ThatOverflowAreReportedAtOnceAndWrittenNowhere) {
     list.insert(list.end(), q.l.begin(), q.l.end()); // 10^20 combinations
     EXPECT_THROW(vantel_probabilities(list.data(), list.size(), nullptr), std::length_error);
     list.assign(31, two.l[0]);
+    struct Grouped : std::numpunct<char> {
+        std::string do_grouping() const override { return "\3"; }
+    };
+    const std::locale own =
+        std::locale::global(std::locale(std::locale(), new Grouped)); // not for these texts
     expect("permutations.size(): 2147483648 != output_size: -2147483648");
+    std::locale::global(own);
 }
 
 TEST(Matrices, AreHeldAgainstASizeThatWrapsIn32Bits) {

@@ -46,6 +46,13 @@ TEST(Label, KeepsEachSlotInAFieldOfItsOwn) {
     check_packing<10, 10>(4);
 }
 
+TEST(Label, IsWrittenThroughFromASlotOfAnother) {
+    DitArray<5, 2> label, other;
+    other[0] = Dit{3, 4};
+    label[1] = other[0];
+    EXPECT_EQ(Dit(label[1]), (Dit{3, 4}));
+}
+
 TEST(LabelDiagnostics, PrintAndEndTheProcessPastAnyHandler) {
     using testing::expect_end;
     DitArray<5, 3> label;
@@ -59,6 +66,11 @@ TEST(LabelDiagnostics, PrintAndEndTheProcessPastAnyHandler) {
             label[1] = Dit{7, 9};
         },
         "^DitArray::operator=: v\\.value \\(7\\) >= MAX_DIMENSION \\(5\\)\n");
+    expect_end(
+        [] {
+            make_basis_amplitude<5, 1>({{0, 2}, {5, 5}}, 1.0);
+        }, // though it has no place in the label
+        "^DitArray::operator=: v\\.value \\(5\\) >= MAX_DIMENSION \\(5\\)\n");
     expect_end([&] { label[1] = Dit{0, 6}; }, "^DitArray::operator=: v\\.dimension > MAX_DIMENSION\n");
     expect_end([&] { static_cast<void>(label[1] + 1); }, "^DitArray::operator\\+: v >= dimension\\(\\)\n");
 }
