@@ -52,6 +52,7 @@ endforeach()
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
 configure_file(interface/vantel.h include/vantel.h COPYONLY)
 configure_file(interface/vantel.hpp include/vantel.hpp COPYONLY)
+configure_file(interface/vantel_quantities.hpp include/vantel_quantities.hpp COPYONLY)
 configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
 add_library(vantel SHARED)

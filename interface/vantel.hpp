@@ -28,6 +28,11 @@
 #ifndef VANTEL_HPP
 #define VANTEL_HPP
 
+// The text before this test must be good in every C and C++, so that an old standard meets one clear error.
+#if !(defined(__cplusplus) && __cplusplus >= 202002L) && !(defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
+#error "vantel.hpp needs C++20: compile with -std=c++20 or later, or use the C interface, vantel.h."
+#else
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -40,6 +45,7 @@
 #include <ranges>
 #include <span>
 #include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -125,30 +131,40 @@ template <std::size_t N, std::size_t M>
     return joined;
 }
 
-/// What a gate takes as its conditions: a view that lives as long as the expression that it stands in.
+/// What a gate takes as its conditions. It owns its records, so that it can be named and kept.
 class Conditions {
 public:
     /// None: the gate acts on every basis state.
-    constexpr Conditions() noexcept = default;
+    Conditions() noexcept = default;
 
     /// What `==`, `!=` and `&&` made.
-    template <std::size_t N> constexpr Conditions(const AllOf<N>& all) noexcept : records_(all.records) {}
+    template <std::size_t N> Conditions(const AllOf<N>& all) : Conditions(all.records) {}
 
     /// A list in braces.
-    constexpr Conditions(const std::initializer_list<Condition>& list) noexcept
-        : records_(std::data(list), list.size()) {}
+    Conditions(std::initializer_list<Condition> list)
+        : Conditions(std::span<const Condition>(std::data(list), list.size())) {}
 
-    /// Conditions that were collected before.
+    /// Conditions that were collected before; they are copied.
     template <std::ranges::contiguous_range Range>
-    requires std::same_as<std::ranges::range_value_t<Range>, Condition>
-    constexpr Conditions(const Range& range) noexcept
-        : records_(std::ranges::data(range), std::ranges::size(range)) {}
+    requires std::same_as<std::ranges::range_value_t<Range>, Condition> Conditions(const Range& range) {
+        if (std::ranges::size(range) <= few_.size())
+            few_count_ = static_cast<std::size_t>(std::ranges::copy(range, few_.begin()).out - few_.begin());
+        else
+            many_.assign(std::ranges::begin(range), std::ranges::end(range));
+    }
 
-    [[nodiscard]] constexpr const Condition* data() const noexcept { return records_.data(); } ///< The first.
-    [[nodiscard]] constexpr std::size_t size() const noexcept { return records_.size(); }      ///< How many.
+    /// The first record; good as long as this object is.
+    [[nodiscard]] const Condition* data() const noexcept {
+        return many_.empty() ? few_.data() : many_.data();
+    }
+    /// How many there are.
+    [[nodiscard]] std::size_t size() const noexcept { return many_.empty() ? few_count_ : many_.size(); }
 
 private:
-    std::span<const Condition> records_;
+    // A gate with few conditions, as most are, asks for no memory.
+    std::array<Condition, 4> few_{};
+    std::size_t few_count_ = 0;
+    std::vector<Condition> many_;
 };
 
 /// One qudit, owned. Moving it moves the ownership; the qudit and what refers to it stay where they are. Of
@@ -220,6 +236,21 @@ const Qudit& > ;
     return qudits;
 }
 
+/// A qudit for each of `dimensions`, in their order and each in level 0.
+[[nodiscard]] inline std::vector<Qudit> make_register(std::span<const int> dimensions) {
+    return std::vector<Qudit>(dimensions.begin(), dimensions.end());
+}
+
+/// A qudit for each of the dimensions in braces: `make_register({2, 3, 5})`.
+[[nodiscard]] inline std::vector<Qudit> make_register(std::initializer_list<int> dimensions) {
+    return make_register(std::span<const int>(std::data(dimensions), dimensions.size()));
+}
+
+/// What a power of a gate can be: a number, whole or not. A truth value is none; it would be a condition
+/// whose qudit was forgotten.
+template <class Number>
+concept Fraction = std::floating_point<Number> ||(std::integral<Number> && !std::same_as<Number, bool>);
+
 /// @name The gates of vantel.h
 /// Each acts where `when` holds, takes its arguments in the order of the C function, and throws Error.
 /// @{
@@ -240,7 +271,7 @@ inline void cycle(Qudit& target, Conditions when = {}) {
 }
 
 /// The power `fraction` of cycle().
-template <std::floating_point Fraction> void cycle(Qudit& target, Fraction fraction, Conditions when = {}) {
+template <Fraction Number> void cycle(Qudit& target, Number fraction, Conditions when = {}) {
     detail::call(vantel_cycle, target.handle(), static_cast<float>(fraction), when.data(), when.size());
 }
 
@@ -250,7 +281,7 @@ inline void shift(Qudit& target, Conditions when = {}) {
 }
 
 /// The power `fraction` of shift().
-template <std::floating_point Fraction> void shift(Qudit& target, Fraction fraction, Conditions when = {}) {
+template <Fraction Number> void shift(Qudit& target, Number fraction, Conditions when = {}) {
     detail::call(vantel_shift, target.handle(), static_cast<float>(fraction), when.data(), when.size());
 }
 
@@ -260,7 +291,7 @@ inline void clock(Qudit& target, Conditions when = {}) {
 }
 
 /// The power `fraction` of clock().
-template <std::floating_point Fraction> void clock(Qudit& target, Fraction fraction, Conditions when = {}) {
+template <Fraction Number> void clock(Qudit& target, Number fraction, Conditions when = {}) {
     detail::call(vantel_clock, target.handle(), static_cast<float>(fraction), when.data(), when.size());
 }
 
@@ -274,9 +305,16 @@ inline void swap_levels(Qudit& first, Qudit& second, Conditions when = {}) {
     detail::call(vantel_swap, first.handle(), second.handle(), when.data(), when.size());
 }
 
-/// With t = fraction pi/2: levels (p, q), p != q, go to cos t (p, q) + i sin t (q, p); equal ones stay.
-inline void i_swap(Qudit& first, Qudit& second, float fraction = 1.0F, Conditions when = {}) {
-    detail::call(vantel_i_swap, first.handle(), second.handle(), fraction, when.data(), when.size());
+/// Levels (p, q), p != q, go to i (q, p); equal ones stay.
+inline void i_swap(Qudit& first, Qudit& second, Conditions when = {}) {
+    detail::call(vantel_i_swap, first.handle(), second.handle(), 1.0F, when.data(), when.size());
+}
+
+/// The power `fraction` of i_swap(). With t = fraction pi/2: levels (p, q), p != q, go to
+/// cos t (p, q) + i sin t (q, p); equal ones stay.
+template <Fraction Number> void i_swap(Qudit& first, Qudit& second, Number fraction, Conditions when = {}) {
+    detail::call(vantel_i_swap, first.handle(), second.handle(), static_cast<float>(fraction), when.data(),
+                 when.size());
 }
 /// @}
 
@@ -297,8 +335,12 @@ public:
     [[nodiscard]] std::size_t size() const noexcept { return size_; } ///< How many combinations there are.
     [[nodiscard]] std::size_t qudits() const noexcept { return dimensions_.size(); } ///< How many qudits.
 
-    /// Where a combination stands; one level per qudit, each in range.
-    [[nodiscard]] std::size_t row(std::span<const int> levels) const noexcept {
+    /// Where a combination stands. Throws std::out_of_range unless there is one level per qudit, each from
+    /// 0 to below the qudit's dimension; the text has the levels and the dimensions.
+    [[nodiscard]] std::size_t row(std::span<const int> levels) const {
+        if (!std::ranges::equal(levels, dimensions_, [](int v, int d) { return 0 <= v && v < d; }))
+            throw std::out_of_range("no row " + listed(levels) + " of qudits with dimensions " +
+                                    listed(dimensions_));
         std::size_t position = 0;
         for (std::size_t i = levels.size(); i-- > 0;)
             position =
@@ -307,6 +349,13 @@ public:
     }
 
 private:
+    static std::string listed(std::span<const int> numbers) {
+        std::string text = "(";
+        for (const int number : numbers)
+            text += (text.size() > 1 ? ", " : "") + std::to_string(number);
+        return text + ')';
+    }
+
     std::vector<int> dimensions_;
     std::size_t size_ = 1;
 };
@@ -357,15 +406,18 @@ public:
         return begin() + size_;
     } ///< Behind the last.
 
-    /// Row `row`.
+    /// Row `row`, below size(); not checked.
     [[nodiscard]] const ProbabilityRecord& operator[](std::size_t row) const noexcept {
         return records_[row];
     }
 
-    /// The probability of one combination, one level per qudit: `table(0, 2)`. The table must have rows.
-    template <std::convertible_to<int>... Levels>
-    [[nodiscard]] float operator()(Levels... levels) const noexcept {
-        return records_[shape_.row(std::array{static_cast<int>(levels)...})].probability;
+    /// The probability of one combination, one level per qudit: `table(0, 2)`. Throws std::out_of_range as
+    /// Shape::row() does, and where the table has no rows.
+    template <std::convertible_to<int>... Levels> [[nodiscard]] float operator()(Levels... levels) const {
+        const std::size_t row = shape_.row(std::array<int, sizeof...(levels)>{static_cast<int>(levels)...});
+        if (row >= size_)
+            throw std::out_of_range("the table of an empty joint state has no rows");
+        return records_[row].probability;
     }
 
     [[nodiscard]] const Shape& shape() const noexcept { return shape_; } ///< The order of the rows.
@@ -394,8 +446,11 @@ public:
 
     [[nodiscard]] std::size_t side() const noexcept { return shape_.size(); } ///< Rows, and columns.
 
-    /// The element in `row` and `column`.
-    [[nodiscard]] std::complex<float> operator()(std::size_t row, std::size_t column) const noexcept {
+    /// The element in `row` and `column`. Throws std::out_of_range unless both are below side().
+    [[nodiscard]] std::complex<float> operator()(std::size_t row, std::size_t column) const {
+        if (row >= side() || column >= side())
+            throw std::out_of_range("no element (" + std::to_string(row) + ", " + std::to_string(column) +
+                                    ") of a density matrix with side " + std::to_string(side()));
         return {real_[row * side() + column], imaginary_[row * side() + column]};
     }
 
@@ -410,7 +465,7 @@ private:
 };
 
 /// @name The readouts of vantel.h
-/// Each takes at least one qudit and throws Error.
+/// Each takes at least one qudit and throws Error. Who measures for the collapse alone says so: `(void)`.
 /// @{
 
 /// Measures the qudits of a range and collapses their joint state; one level per qudit, in their order.
@@ -422,7 +477,7 @@ template <QuditRange Range> [[nodiscard]] std::vector<int> measure(Range&& qudit
 }
 
 /// Measures one qudit.
-inline int measure(Qudit& qudit) {
+[[nodiscard]] inline int measure(Qudit& qudit) {
     QuantumProperty* handle = qudit.handle();
     int level = 0;
     detail::call(vantel_measure, &handle, std::size_t{1}, &level);
@@ -431,9 +486,9 @@ inline int measure(Qudit& qudit) {
 
 /// Measures several qudits: `auto [a, b] = measure(first, second)`.
 template <std::same_as<Qudit>... Rest>
-requires(sizeof...(Rest) > 0) std::array<int, sizeof...(Rest) + 1> measure(Qudit& first, Rest&... rest) {
-    std::array list{first.handle(), rest.handle()...};
-    std::array<int, sizeof...(Rest) + 1> levels{};
+[[nodiscard]] std::array<int, sizeof...(Rest) + 2> measure(Qudit& first, Qudit& second, Rest&... rest) {
+    std::array list{first.handle(), second.handle(), rest.handle()...};
+    std::array<int, sizeof...(Rest) + 2> levels{};
     detail::call(vantel_measure, list.data(), list.size(), levels.data());
     return levels;
 }
@@ -641,4 +696,5 @@ inline void prepare_bell(Qudit& first, Qudit& second, int phase = 0, int offset 
 
 } // namespace vantel
 
+#endif // C++20
 #endif
