@@ -323,45 +323,23 @@ private:
     void call(int which) {
         if (live_.empty() && which > 2 && which != 15)
             which = 1;
-        switch (which) {
-        case 0:
-            say("version");
-            static_cast<void>(vantel_version());
-            return;
-        case 1:
-            return make();
-        case 2:
-            return free();
-        case 3:
-            return plain("hadamard", vantel_hadamard, &Library::hadamard);
-        case 4:
-            return plain("inverse_hadamard", vantel_inverse_hadamard, &Library::inverse_hadamard);
-        case 5:
-            return power("cycle", vantel_cycle, &Library::cycle, true);
-        case 6:
-            return power("shift", vantel_shift, &Library::shift, true);
-        case 7:
-            return power("clock", vantel_clock, &Library::clock, false);
-        case 8:
-            return phase_rotate();
-        case 9:
-        case 10:
-            return exchange(which == 10);
-        case 11:
-            return measure();
-        case 12:
-            return stochastic_projection();
-        case 13:
-            return probabilities();
-        case 14:
-            return reduced_density_matrix();
-        case 15:
-            return make_joint_state();
-        case 16:
-            return gate_from_inside();
-        default:
-            return readout_from_inside();
-        }
+        return which == 0    ? static_cast<void>(vantel_version())
+               : which == 1  ? make()
+               : which == 2  ? free()
+               : which == 3  ? plain("hadamard", vantel_hadamard, &Library::hadamard)
+               : which == 4  ? plain("inverse_hadamard", vantel_inverse_hadamard, &Library::inverse_hadamard)
+               : which == 5  ? power("cycle", vantel_cycle, &Library::cycle, true)
+               : which == 6  ? power("shift", vantel_shift, &Library::shift, true)
+               : which == 7  ? power("clock", vantel_clock, &Library::clock, false)
+               : which == 8  ? phase_rotate()
+               : which < 11  ? exchange(which == 10)
+               : which == 11 ? measure()
+               : which == 12 ? stochastic_projection()
+               : which == 13 ? probabilities()
+               : which == 14 ? reduced_density_matrix()
+               : which == 15 ? make_joint_state()
+               : which == 16 ? gate_from_inside()
+                             : readout_from_inside();
     }
 
     bool crowded(std::size_t more) {
@@ -620,26 +598,15 @@ private:
         if (!can_pay(work))
             return;
         both(live, [&](auto& s, bool) {
-            switch (gate) {
-            case 0:
-                return s.shift(targets, f, controls);
-            case 1:
-                return s.cycle(targets, f, controls);
-            case 2:
-                return s.hadamard(targets, controls);
-            case 3:
-                return s.inverse_hadamard(targets, controls);
-            case 4:
-                return s.shift(targets, controls);
-            case 5:
-                return s.cycle(targets, controls);
-            case 6:
-                return s.clock(targets, controls);
-            case 7:
-                return s.clock(targets, f, controls);
-            default:
-                return s.phase_rotate(controls, f);
-            }
+            return gate == 0   ? s.shift(targets, f, controls)
+                   : gate == 1 ? s.cycle(targets, f, controls)
+                   : gate == 2 ? s.hadamard(targets, controls)
+                   : gate == 3 ? s.inverse_hadamard(targets, controls)
+                   : gate == 4 ? s.shift(targets, controls)
+                   : gate == 5 ? s.cycle(targets, controls)
+                   : gate == 6 ? s.clock(targets, controls)
+                   : gate == 7 ? s.clock(targets, f, controls)
+                               : s.phase_rotate(controls, f);
         });
     }
 
