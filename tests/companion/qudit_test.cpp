@@ -83,25 +83,15 @@ TEST(ConditionList, CanBeWrittenInEachForm) {
     }
 }
 
-TEST(ConditionList, OwnsItsRecords) {
-    auto q = vantel::make_register({2, 3, 4});
-    const vantel::Conditions two{q[0] == 0, q[1] == 0};
-    const vantel::Conditions five{q[0] == 0, q[1] != 1, q[0] != 1, q[1] != 2, q[1] == 0};
-    vantel::cycle(q[2], two);
-    vantel::cycle(q[2], five);
-    EXPECT_EQ(vantel::measure(q), (std::vector{0, 0, 2}));
-}
-
-TEST(GatePower, CanBeAnInteger) {
-    auto q = vantel::make_register(3, 5);
-    vantel::cycle(q[0], 4);
-    vantel::shift(q[0], 2);
-    vantel::hadamard(q[1]);
-    vantel::clock(q[1], -1);
-    vantel::hadamard(q[1]);
-    EXPECT_EQ(vantel::measure(q), (std::vector{2, 4, 0}));
-    vantel::i_swap(q[1], q[2], q[0] == 2);
-    EXPECT_EQ(vantel::measure(q), (std::vector{2, 0, 4}));
+TEST(Gate, TakesANamedListOfConditionsAndAnIntegerPower) {
+    auto q = vantel::make_register({2, 3, 5, 5});
+    const vantel::Conditions when{q[0] == 0, q[1] != 1, q[0] != 1, q[1] != 2, q[1] == 0};
+    vantel::cycle(q[2], 3, when);
+    vantel::hadamard(q[2]);
+    vantel::clock(q[2], -1);
+    vantel::inverse_hadamard(q[2]);
+    vantel::i_swap(q[2], q[3], q[1] == 0);
+    EXPECT_EQ(vantel::measure(q), (std::vector{0, 0, 0, 4}));
 }
 
 TEST(Failure, ArrivesAsOneClassWhicheverWayItCame) {
@@ -139,16 +129,9 @@ TEST(Readout, KeepsItsTableWhenMoved) {
 
 TEST(Readout, RefusesWhatIsNotInItsTable) {
     auto q = vantel::make_register({2, 3});
-    const auto table = vantel::probabilities(q);
-    EXPECT_THROW((void)table(0), std::out_of_range);
-    EXPECT_THROW((void)table(0, -1), std::out_of_range);
+    EXPECT_THROW((void)vantel::probabilities(q)(0), std::out_of_range);
+    EXPECT_THROW((void)vantel::probabilities(q)(2, 0), std::out_of_range);
     EXPECT_THROW((void)vantel::reduced_density_matrix(q)(0, 6), std::out_of_range);
-    try {
-        (void)table(2, 0);
-        FAIL();
-    } catch (const std::out_of_range& failure) {
-        EXPECT_STREQ(failure.what(), "no row (2, 0) of qudits with dimensions (2, 3)");
-    }
 }
 
 TEST(Readout, ProjectsOntoTheAnswer) {
