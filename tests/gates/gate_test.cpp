@@ -76,20 +76,14 @@ Entries list_of(Kind kind) {
     return entries;
 }
 
-constexpr int gates = 6;
+constexpr int gates = 7;
 template <class State> void act(State& state, int gate, int target, const Controls& controls) {
-    switch (gate) {
-    case 0:
-        return state.hadamard({target}, controls);
-    case 1:
-        return state.inverse_hadamard({target}, controls);
-    case 2:
-        return state.clock({target}, 0.3F, controls);
-    case 3:
-        return state.swap(1, 2, controls);
-    default:
-        return state.i_swap(1, 2, gate == 4 ? 0.3F : 1.0F, controls);
-    }
+    return gate == 0   ? state.hadamard({target}, controls)
+           : gate == 1 ? state.inverse_hadamard({target}, controls)
+           : gate == 2 ? state.clock({target}, 0.3F, controls)
+           : gate == 3 ? state.swap(1, 2, controls)
+           : gate == 4 ? state.shift({target}, controls)
+                       : state.i_swap(1, 2, gate == 5 ? 0.3F : 1.0F, controls);
 }
 
 TEST(Gates, TreatListsOfEveryKindAsTheLiteralModelDoes) {

@@ -1,6 +1,7 @@
 #include <random>
 
 #include "readout/first_words.hpp"
+#include "readout/ranked.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
 
@@ -66,6 +67,15 @@ TEST(Measure, TakesTheFirstRunningSumStrictlyAboveTheNumber) {
     EXPECT_EQ(state_of({4}, terms)->measure({0}), Ints{2});
     terms[1].amplitude = std::sqrt(static_cast<double>(std::nextafter(weights[1], 1.0F)));
     EXPECT_EQ(state_of({4}, terms)->measure({0}), Ints{1});
+}
+
+// A sum begins with its first product and not with a zero that is added to it.
+TEST(DensityMatrix, KeepsTheSignOfAProductThatIsANegativeZero) {
+    for (const std::uint64_t dimension : {2U, 3U}) { // a complete list, and one that is not
+        const auto state = state_of({dimension}, {{{0}, {-0.5, 0.0}}, {{1}, {0.0, -1.0}}});
+        const auto matrix = ranked_density_matrix(*state, {0}, qudit::ValuePermutations({dimension}));
+        EXPECT_TRUE(same_bits(matrix.all[1], {-0.0, -0.5})) << dimension;
+    }
 }
 
 TEST(FirstWords, AreThoseOfTheEngine) {
