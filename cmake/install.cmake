@@ -12,6 +12,7 @@ install(FILES
     ${PROJECT_BINARY_DIR}/include/vantel.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_quantities.hpp
+    ${PROJECT_BINARY_DIR}/include/vantel_sampling.hpp
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 # find_package(vantel 1 CONFIG). The library needs no other package, so the exported targets are all of it.

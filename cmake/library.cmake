@@ -53,6 +53,7 @@ endforeach()
 configure_file(interface/vantel.h include/vantel.h COPYONLY)
 configure_file(interface/vantel.hpp include/vantel.hpp COPYONLY)
 configure_file(interface/vantel_quantities.hpp include/vantel_quantities.hpp COPYONLY)
+configure_file(interface/vantel_sampling.hpp include/vantel_sampling.hpp COPYONLY)
 configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
 add_library(vantel SHARED)
