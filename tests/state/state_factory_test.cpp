@@ -1,5 +1,6 @@
 #include <chrono>
 #include <limits>
+#include <random>
 
 #include "state/field_groups.hpp"
 #include "state/key_index.hpp"
