@@ -22,9 +22,9 @@
  * - **Accuracy**: the probabilities have the precision of `float`, and so have the shares of the shots.
  * - **Cost**: one call of vantel::probabilities() and time and memory for each row of its table; then a shot
  *   takes the same time, however many rows there are.
- * - **Failures**: vantel::Error as from vantel::probabilities(); std::length_error for a list whose table has
- *   more than #vantel::most_sampled_rows rows; std::domain_error for a table without rows, as that of an
- * empty joint state is, or without a positive and finite sum.
+ * - **Failures**: vantel::Error as from vantel::probabilities(); std::invalid_argument for an empty list;
+ * std::length_error for a list whose table has more than #vantel::most_sampled_rows rows; std::domain_error
+ * for a table without rows, as that of an empty joint state is, or without a positive and finite sum.
  */
 #ifndef VANTEL_SAMPLING_HPP
 #define VANTEL_SAMPLING_HPP
@@ -262,6 +262,8 @@ private:
     }
 
     static Outcomes table_of(const QuditList& qudits) {
+        if (qudits.begin() == qudits.end())
+            throw std::invalid_argument("outcomes of no qudits");
         check_rows(Shape(qudits).size());
         return probabilities(qudits);
     }

@@ -1,39 +1,44 @@
-// Shots: what one generator gives by hand, and how often many give what.
+// Shots: what a generator that counts gives by hand, and how often many give what.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <vantel_sampling.hpp>
 
 namespace {
 
-/// Counts in steps, from `Min` to what `Max` allows and again.
-template <std::uint64_t Min, std::uint64_t Max, std::uint64_t Step> struct Counter {
-    static constexpr std::uint64_t min() { return Min; }
-    static constexpr std::uint64_t max() { return Max; }
-    std::uint64_t operator()() { return std::exchange(next, next + Step > Max ? Min : next + Step); }
-    std::uint64_t next = Min;
-};
-
-TEST(Sampling, DrawsWhatTheGeneratorSaysByHand) {
-    // Pairs of bits 0, 1, 2, 3, and a 4 that is dropped.
-    EXPECT_EQ(vantel::uniform_number(Counter<1, 5, 1>()), (0x1B1B1B1B1B1B1B1B >> 11) * 0x1p-53);
-    vantel::Qudit a(3);
-    vantel::cycle(a, 0.5); // 4/9, 4/9, 1/9: column 2 keeps 1/3, its alias 1 then 2/3, whose alias is 0
-    const std::vector<std::vector<int>> shots{{0}, {1}, {1}, {0}, {0}, {2}, {0}, {0}};
-    EXPECT_EQ(vantel::sample(a, 8, Counter<0, ~0ULL, 3ULL << 60>()),
-              shots); // u, v, u ... are 0, 3/16, 6/16 ... 2/16
+std::string refusal(auto qudits) try {
+    return std::to_string(vantel::OutcomeSampler(std::move(qudits)).size());
+} catch (const std::logic_error& failure) {
+    return failure.what();
 }
 
-TEST(Sampling, FindsTheSharesOfAnEntangledPairAndLeavesIt) {
+TEST(Sampling, OfAnEntangledPairByItsRuleAndWhatIsRefused) {
     vantel::Qudit a(3), b(2);
     vantel::cycle(a, 0.5);
-    vantel::cycle(b, a == 1);
-    constexpr std::size_t shots = 100000;
-    const auto found = vantel::counts({b, a}, shots, std::mt19937(1));
-    EXPECT_EQ(found.size(), 3U);                        // and none of the impossible three
-    for (const auto& row : vantel::probabilities(b, a)) // Hoeffding: 2 exp(-2 shots t^2), six times, is 1e-9
-        EXPECT_NEAR(static_cast<double>(found(row.qudit_values[0], row.qudit_values[1])) / shots,
-                    row.probability, std::sqrt(std::log(12e9) / 2 / shots));
+    vantel::cycle(b, a == 1); // 4/9 of (0, 0), 1/9 of (2, 0) and 4/9 of (1, 1), in the rows 0, 2 and 4 of 6
+    // 0, 3/16, 6/16 ...: columns 0, 2, 4, 0 and 3. Column 2 keeps 2/3, as does 4; 3 is filled up by 4
+    // and the others by 0.
+    using Counter = std::linear_congruential_engine<std::uint64_t, 1, 3ULL << 60, 0>;
+    const std::vector<std::vector<int>> shots{{0, 0}, {2, 0}, {0, 0}, {0, 0}, {1, 1}};
+    EXPECT_EQ(vantel::sample({a, b}, 5, Counter(13ULL << 60)), shots);
+    EXPECT_EQ(testing::PrintToString(vantel::counts({a, b}, 3, Counter(13ULL << 60))),
+              "0 0  2  " + std::string(40, '#') + "\n2 0  1  " + std::string(20, '#') + '\n');
+    const auto found = vantel::counts({b, a}, 100000, std::mt19937(1));
+    EXPECT_EQ(found.size(), 3U); // and none of the impossible three
+    // Hoeffding: off by t or more at most 2 exp(-2 shots t^2) of the time; six rows together 1e-9. The table
+    // is asked for again, so that a state that was measured shows.
+    for (const auto& row : vantel::probabilities(b, a))
+        EXPECT_NEAR(double(found(row.qudit_values[0], row.qudit_values[1])), 1e5 * row.probability, 1080);
+
+    // 3, 2, 6, 4, 5 and 1 in turn: above 1 they are 2, 1, 5, 3, 4 and 0, and 5 and 4, of more than two bits,
+    // are dropped.
+    std::linear_congruential_engine<std::uint64_t, 3, 0, 7> narrow(1);
+    EXPECT_EQ(vantel::uniform_number(narrow), (0x9C9C9C9C9C9C9C9C >> 11) * 0x1p-53);
+
+    auto list = vantel::make_register(8, 10);
+    EXPECT_TRUE(refusal(vantel::QuditList(list)).ends_with("ask for fewer qudits at a time"));
+    EXPECT_TRUE(refusal(vantel::probabilities(std::vector<vantel::Qudit>())).ends_with("is empty"));
+    vantel::phase_rotate(list[0] == 0, NAN);
+    EXPECT_TRUE(refusal(vantel::probabilities(list[0])).ends_with("add up to nan"));
 }
 
 } // namespace
