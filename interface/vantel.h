@@ -116,16 +116,17 @@ VANTEL_API QuantumProperty* vantel_make_quantum_property(int dimension, int* sta
  * Of basis states that differed only in this qudit, the one stored first stays and the others go with
  * their amplitudes. Measure a qudit that is not in a definite level before freeing it. The qudit that
  * stood last in the joint state takes the freed place. A failure on the way ends the process: that is
- * memory that runs out, and a joint state of more than 100000 basis states, which must be measured down first.
- * Neither can happen to a qudit that is alone in its joint state.
+ * memory that runs out, and a joint state of more than 100000 basis states, which must be measured down
+ * first. Neither can happen to a qudit that is alone in its joint state.
  *
  * Freed best are the qudit that joined its joint state last, or all qudits of a joint state together. Of
  * any other, the joint state keeps the last comer's handle in two places; when it is later merged *behind*
  * another joint state, that handle counts its new place twice and then names another qudit, or none. A handle
  * that names none reads as a qudit of one level, in level 0, which no gate changes; but measuring it and
- * vantel_probabilities() raise `std::out_of_range`, and a whole vantel_cycle() of it ends the process. The joint
- * state may still be merged *in front*: a gate's target, a readout's first qudit or vantel_phase_rotate()'s first condition
- * stands in front, and what is named after it is merged behind it in that order.
+ * vantel_probabilities() raise `std::out_of_range`, and a whole vantel_cycle() of it ends the process. The
+ * joint state may still be merged *in front*: a gate's target, a readout's first qudit or
+ * vantel_phase_rotate()'s first condition stands in front, and what is named after it is merged behind it in
+ * that order.
  * @param property  a live handle, or null.
  * @return #vantel_ok, or #vantel_null_property for null.
  */
@@ -167,8 +168,8 @@ VANTEL_API int vantel_inverse_hadamard(QuantumProperty* target, const PredicateR
  * @param predicates       conditions, `predicate_count` records.
  * @param predicate_count  number of conditions; 0 for none.
  * @return As vantel_hadamard(), with what passes out of it. A fractional form that exceeds the size in
- *         mid-course stays in the Fourier basis. Ends the process if `fraction` is exactly 1, the handle names
- *         no qudit any more (see vantel_free_quantum_property()) and the conditions hold for some basis state.
+ *         mid-course stays in the Fourier basis. Ends the process if `fraction` is exactly 1, the handle
+ * names no qudit any more (see vantel_free_quantum_property()) and the conditions hold for some basis state.
  */
 VANTEL_API int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                             size_t predicate_count);
@@ -267,8 +268,8 @@ VANTEL_API int vantel_measure(QuantumProperty** properties, size_t property_coun
  *
  * The conditions' qudits are merged, and one place among the ten is needed for the time of the call.
  * That place is taken in front and freed, so that the joint state must not be merged behind another one
- * afterwards, which a second call on it would do: its qudits then go by wrong handles, and what follows is another
- * program than the one that was written. See vantel_free_quantum_property().
+ * afterwards, which a second call on it would do: its qudits then go by wrong handles, and what follows is
+ * another program than the one that was written. See vantel_free_quantum_property().
  * @param predicates       conditions, `predicate_count` records; without any the answer is 1.
  * @param predicate_count  number of conditions; 0 for none.
  * @param result           receives 1 where all conditions hold now, 0 where they do not all hold.

@@ -1,5 +1,5 @@
-/* A joint state that gates have left far over the limit, of more entries than 24 bits can count, is still read
-   out right. Takes a gigabyte or two for a second. */
+/* A joint state that gates have left far over the limit, of more entries than 24 bits can count, is still
+   read out right. Takes a gigabyte or two for a second. */
 #include <math.h>
 #include <stdio.h>
 
@@ -32,6 +32,7 @@ int main(void) {
     for (int i = 0; i < qudits; ++i)
         wrong += vantel_free_quantum_property(all[i]) != vantel_ok;
     if (wrong != 0)
-        printf("%d answers are wrong; the matrix begins with %g %g\n", wrong, (double)real[0], (double)real[1]);
+        printf("%d answers are wrong; the matrix begins with %g %g\n", wrong, (double)real[0],
+               (double)real[1]);
     return wrong != 0;
 }
