@@ -36,6 +36,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -51,7 +52,7 @@
 
 namespace vantel {
 
-/// The most rows that a table to draw from can have: 2^24, which is all levels of 24 two-level qudits.
+/// The most rows that a table to draw from can have: 2^24, as eight qudits of eight levels have.
 inline constexpr std::size_t most_sampled_rows = std::size_t{1} << 24;
 
 /// A source of random bits: one of `<random>`'s generators, or a reference to one. Its numbers have at most
