@@ -36,6 +36,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -51,7 +52,7 @@
 
 namespace vantel {
 
-/// The most rows that a table to draw from can have: 2^24, which is all levels of 24 two-level qudits.
+/// The most rows that a table to draw from can have: 2^24, as eight qudits of eight levels have.
 inline constexpr std::size_t most_sampled_rows = std::size_t{1} << 24;
 
 /// A source of random bits: one of `<random>`'s generators, or a reference to one. Its numbers have at most
@@ -174,15 +175,12 @@ public:
         // The share of each row in columns; what has less than one column is filled up from what has more.
         const double columns = static_cast<double>(table_.size()) / total;
         std::vector<std::uint32_t> less, more;
-        std::uint32_t largest = 0;
         thresholds_.resize(table_.size());
         for (std::uint32_t row = 0; row < table_.size(); ++row) {
             thresholds_[row] = table_[row].probability * columns;
             (thresholds_[row] < 1 ? less : more).push_back(row);
-            if (table_[row].probability > table_[largest].probability)
-                largest = row;
         }
-        aliases_.assign(table_.size(), largest);
+        aliases_.resize(table_.size());
         while (!less.empty() && !more.empty()) {
             const std::uint32_t from = more.back(), filled = less.back();
             less.pop_back();
@@ -193,10 +191,10 @@ public:
                 less.push_back(from);
             }
         }
-        // But for rounding, what is left fills its column alone. An impossible row never does: it is left to
-        // the alias that it has from the start.
+        // But for rounding, what is left fills its column alone. An impossible row is never among it: up to
+        // most_sampled_rows, all rounding together is less than a tenth of a column.
         for (const std::uint32_t row : less)
-            thresholds_[row] = table_[row].probability > 0 ? 1 : 0;
+            thresholds_[row] = 1;
     }
 
     [[nodiscard]] std::size_t size() const noexcept { return table_.size(); } ///< How many rows there are.
