@@ -100,7 +100,8 @@ TEST(Gates, TreatListsOfEveryKindAsTheLiteralModelDoes) {
                         return thrown_by([&] {
                             if (kind == repeated)
                                 either.cycle({1}, {});
-                            for (int again = 0; again < 2; ++again)
+                            for (int times = gate == 3 ? 1 : 2; times > 0;
+                                 --times) // a second swap hides a half one
                                 act(either, gate, target, controls);
                         });
                     };
