@@ -23,7 +23,7 @@
  * - **Cost**: one call of vantel::probabilities() and time and memory for each row of its table; then a shot
  *   takes the same time, however many rows there are.
  * - **Failures**: vantel::Error as from vantel::probabilities(); std::invalid_argument for an empty list;
- * std::length_error for a list whose table has more than #vantel::most_sampled_rows rows; std::domain_error
+ * std::length_error for a list whose table has more than most_sampled_rows rows; std::domain_error
  * for a table without rows, as that of an empty joint state is, or without a positive and finite sum.
  */
 #ifndef VANTEL_SAMPLING_HPP
