@@ -286,7 +286,7 @@ TEST(Matrices, AreHeldAgainstASizeThatWrapsIn32Bits) {
     EXPECT_EQ(diagnostics.text(), "permutations.size(): 50000 < output_size: 2500000000\n");
     EXPECT_THROW(matrix(static_cast<std::size_t>(static_cast<int>(wrapped))), std::length_error);
     EXPECT_FALSE(negative.are_together(0, 1));
-    list.assign(20, list[0]);
+    list.assign(20, negative.l[0]);
     EXPECT_THROW(matrix(0), std::length_error);
 }
 
