@@ -1,13 +1,13 @@
 # The library: one set of objects for the shared library and for the unit tests.
 
 add_library(vantel_objects OBJECT
+    algorithms/radix_sort.cpp
     gates/act.cpp
     gates/clock.cpp
-    gates/complete_fourier.cpp
     gates/cycle.cpp
-    gates/exchange_sums.cpp
-    gates/fractional_shift.cpp
+    gates/fourier_groups.cpp
     gates/fourier_sums.cpp
+    gates/fractional_step.cpp
     gates/frame.cpp
     gates/hadamard.cpp
     gates/i_swap.cpp
@@ -22,24 +22,24 @@ add_library(vantel_objects OBJECT
     property/merge.cpp
     property/readouts.cpp
     property/release.cpp
+    readout/density_matrix.cpp
     readout/draw.cpp
+    readout/matrix_by_rank.cpp
     readout/measure.cpp
+    readout/outcomes.cpp
     readout/partners.cpp
     readout/probabilities.cpp
-    readout/reduced_density_matrix.cpp
-    state/complete_list.cpp
     state/distinct_labels.cpp
     state/dit_array.cpp
-    state/entries_by_rank.cpp
     state/exceptions.cpp
-    state/field_groups.cpp
-    state/radix_sort.cpp
+    state/label_groups.cpp
+    state/position_table.cpp
     state/reduction.cpp
     state/state.cpp
     state/state_factory.cpp
     state/tensor_product.cpp)
 # The question to the processor, apart, so that one test can answer it and try both forms of every loop.
-add_library(vantel_processor OBJECT state/processor.cpp)
+add_library(vantel_processor OBJECT algorithms/processor.cpp)
 foreach(part vantel_objects vantel_processor)
     set_target_properties(${part} PROPERTIES
         POSITION_INDEPENDENT_CODE ON

@@ -1,4 +1,4 @@
-#include "readout/single_precision_sum.hpp"
+#include "algorithms/single_precision_sum.hpp"
 
 #include <cmath>
 #include <functional>
