@@ -9,7 +9,8 @@ namespace vantel {
 
 /// Calls `use` with the count as a constant. @param count  from `least` to `most`
 /// @return what `use` returns
-template <std::size_t least, std::size_t most, class Use> auto with_constant(std::size_t count, Use use) {
+template <std::size_t least, std::size_t most, class Use>
+[[gnu::always_inline]] inline auto with_constant(std::size_t count, Use use) {
     if constexpr (least < most)
         if (count > least)
             return with_constant<least + 1, most>(count, use);

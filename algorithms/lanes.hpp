@@ -84,14 +84,16 @@ inline bool any_highest(std::uint64_t word) noexcept {
 
 #ifdef __x86_64__
 
-// For wide loops alone: what no compiler makes one instruction of is asked for by name.
+// For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a vector by
+// value.
 
 [[gnu::target("avx2")]] inline bool any_wide(const FourWords& mask) noexcept {
     return __builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(mask)) != 0;
 }
-[[gnu::target("avx2")]] inline FourParts select_wide(const FourWords& mask, const FourParts& chosen,
-                                                     const FourParts& other) noexcept {
-    return __builtin_ia32_blendvpd256(other, chosen, reinterpret_cast<const FourParts&>(mask));
+/// Puts `chosen` where the mask is set.
+[[gnu::target("avx2")]] inline void put_wide(const FourWords& mask, const FourParts& chosen,
+                                             FourParts& other) noexcept {
+    other = __builtin_ia32_blendvpd256(other, chosen, reinterpret_cast<const FourParts&>(mask));
 }
 
 #endif

@@ -30,8 +30,16 @@ bool has_wide_vectors() noexcept;
 
 #if defined(__x86_64__) && !defined(__AVX2__)
 
+/// Keeps a function as its type says. g++ would take a loop apart and hand the vectors in it over in registers that the
+/// caller, which is compiled for less, does not have.
+#ifdef __clang__
+#define VANTEL_APART gnu::noinline
+#else
+#define VANTEL_APART gnu::noinline, gnu::noipa
+#endif
+
 /// What a loop is compiled for once more. Fused operations are not among it, so the bits stay the same.
-template <class Loop> [[gnu::target("avx2,bmi2"), gnu::flatten, gnu::noinline]] auto in_wide_vectors(Loop loop) {
+template <class Loop> [[gnu::target("avx2,bmi2"), gnu::flatten, VANTEL_APART]] auto in_wide_vectors(Loop loop) {
     return run_loop<WideVectors>(loop);
 }
 
@@ -39,6 +47,8 @@ template <class Loop> [[gnu::target("avx2,bmi2"), gnu::flatten, gnu::noinline]] 
 template <class Loop> [[gnu::noinline]] auto in_plain_vectors(Loop loop) {
     return run_loop<OwnVectors>(loop);
 }
+
+#undef VANTEL_APART
 
 #endif
 

@@ -113,7 +113,7 @@ template <std::size_t d, bool full> class GroupAdder {
 public:
     GroupAdder(PackedEntries entries, SlotLayout layout, int target, const ControlTest& controls_hold,
                const FourierFactors& factors, const FourierSums& sums)
-        : entries_(entries.data()), field_(layout.field(target)), controls_hold_(controls_hold),
+        : entries_(entries.data()), field_(layout.field(target)), controls_hold_(controls_hold.is_empty() ? nullptr : &controls_hold),
           rows_(factors.rows()), groups_(sums.groups()), sums_(sums.sums()) {}
 
     [[gnu::always_inline]] void add(const std::uint32_t* row) {
@@ -126,7 +126,7 @@ public:
         ++count_;
         group.others = values & ~field_;
         group.run = members.size();
-        if (!controls_hold_(values)) {
+        if (controls_hold_ != nullptr && !(*controls_hold_)(values)) {
             group.run = 0;
             keep(group, row, sums);
         } else if (transform(members, sums)) {
@@ -134,7 +134,7 @@ public:
         } else {
             kept_ += recover(members, sums);
         }
-        same_run_ &= group.run != 0 && group.run == groups_[0].run;
+        same_run_ &= group.run != 0 && (full || group.run == groups_[0].run);
     }
 
     void give(FourierSums& sums) const { sums.set_added(count_, kept_, same_run_); }
@@ -188,7 +188,7 @@ private:
 
     const PackedAmplitude* entries_;
     std::uint64_t field_;
-    const ControlTest& controls_hold_;
+    const ControlTest* controls_hold_; ///< none where there are no controls
     const FourierFactors::Row* rows_;
     Group* groups_;
     Parts* sums_;
@@ -200,10 +200,11 @@ private:
 /// All groups of a list that has a table with the target's level varying fastest.
 template <std::size_t d, bool full>
 void add_groups(FourierSums& sums, const GroupAdder<d, full>& adder, std::span<const std::uint32_t> positions) {
-    wide_loop([adder = adder, positions]() mutable __attribute__((always_inline)) {
+    wide_loop([adder, positions]() __attribute__((always_inline)) {
+        GroupAdder<d, full> own = adder;
         for (std::size_t rank = 0; rank < positions.size(); rank += d)
-            adder.add(&positions[rank]);
-        return adder;
+            own.add(&positions[rank]);
+        return own;
     }).give(sums);
 }
 
@@ -212,7 +213,8 @@ template <std::size_t d>
 bool add_groups(FourierSums& sums, const GroupAdder<d, false>& adder, const LabelGroups& groups, PackedEntries entries,
                 unsigned position, std::uint64_t mask) {
     bool regular = true;
-    wide_loop([=, adder = adder, &groups, &regular]() mutable __attribute__((always_inline)) {
+    wide_loop([=, &groups, &regular]() __attribute__((always_inline)) {
+        GroupAdder<d, false> own = adder;
         groups.for_each([&](std::span<const std::uint32_t> members) __attribute__((always_inline)) {
             std::array<std::uint32_t, d> row{};
             for (const std::uint32_t member : members) {
@@ -220,9 +222,9 @@ bool add_groups(FourierSums& sums, const GroupAdder<d, false>& adder, const Labe
                 regular &= level < d && row[std::min(level, d - 1)] == 0;
                 row[std::min(level, d - 1)] = member + 1;
             }
-            adder.add(row.data());
+            own.add(row.data());
         });
-        return adder;
+        return own;
     }).give(sums);
     return regular;
 }

@@ -15,7 +15,8 @@ FourierSums::FourierSums(std::size_t most, SlotLayout layout, int target, const 
 
 /// Calls `visit(begin, end)` for neighbouring groups whose k-th sums are neighbours too, as labels are ordered: by
 /// the levels above the target's first, then by the target's, then by those below.
-template <class Visit> void FourierSums::for_each_stretch(Visit visit) const noexcept {
+template <class Visit>
+[[gnu::always_inline]] inline void FourierSums::for_each_stretch(Visit visit) const noexcept {
     for (std::size_t begin = 0, end = 0; begin < count_; begin = end) {
         const std::uint64_t above = groups_[begin].others >> position_;
         while (end < count_ && groups_[end].others >> position_ == above)
@@ -24,16 +25,18 @@ template <class Visit> void FourierSums::for_each_stretch(Visit visit) const noe
     }
 }
 
-void FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept {
+[[gnu::always_inline]] inline void FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept {
     constexpr std::size_t tile = 64; // groups, whose sums stay at hand while they are written level by level
     const std::size_t run = groups_[0].run;
-    // `first` is the number of a stretch's first sum.
-    for_each_stretch([=, own = *this, order = UniformOrder(kept_, run), first = std::size_t{0}](
-                         std::size_t begin, std::size_t end) mutable {
-        const auto write_tile = [&](UniformOrder& places, std::uint64_t k, std::size_t from, std::size_t count) {
+    UniformOrder order(kept_, run);
+    std::size_t first = 0; // the number of a stretch's first sum
+    for_each_stretch([&, own = *this](
+                         std::size_t begin, std::size_t end) __attribute__((always_inline)) {
+        const auto write_tile = [&](UniformOrder& places, std::uint64_t k, std::size_t from,
+                                    std::size_t count) __attribute__((always_inline)) {
             const Group* const group = own.groups_ + from;
             const Parts* const sum = own.sums_ + from * own.dimension_ + k;
-            places.take(count, [&](std::size_t i, std::size_t place) {
+            places.take(count, [&](std::size_t i, std::size_t place) __attribute__((always_inline)) {
                 PackedAmplitude& entry = list[place];
                 entry.values = group[i].others | k << own.position_;
                 entry.dimensions = own.dimensions_;
@@ -59,7 +62,7 @@ void FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept 
 
 void FourierSums::write(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept {
     if (same_run_ && kept_ == count_ * dimension_)
-        return write_uniform(list);
+        return wide_loop([list, own = *this]() __attribute__((always_inline)) { own.write_uniform(list); });
     for_each_stretch([own = *this, order = ReducedOrder(list, dimensions_, holes)](std::size_t begin,
                                                                                    std::size_t end) mutable {
         for (std::uint64_t k = 0; k < own.dimension_; ++k)

@@ -18,6 +18,9 @@ class ControlTest {
 public:
     ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept;
 
+    /// Whether there are no controls, so that they hold for every label.
+    [[nodiscard]] bool is_empty() const noexcept { return fields_ == 0 && wanted_ == 0 && refusals_ == 0; }
+
     /// Whether every control holds for a label of these levels.
     [[nodiscard]] bool operator()(std::uint64_t values) const noexcept { return mask(values) != 0; }
 
@@ -39,10 +42,10 @@ public:
             run(All{*this});
         else if (refusals_ == 1)
             run(WantedAndOneRefused{{fields_, wanted_}, refused_[0]});
-        else if (fields_ != 0 || wanted_ != 0)
-            run(Wanted{fields_, wanted_});
-        else
+        else if (is_empty())
             run(Any{});
+        else
+            run(Wanted{fields_, wanted_});
     }
 
 private:

@@ -87,17 +87,26 @@ public:
         });
     }
 
-    /// Writes the sums, as if `list.size()` of them stay. @return how many do
+    /// Writes the sums, as if `list.size()` of them stay. For a `complete` list, also as if no product had an infinity
+    /// to recover: such a one is NaN and so is its sum, which is dropped.
+    /// @return how many stay
+    template <bool complete>
     [[nodiscard]] std::size_t write(std::span<PackedAmplitude> list, std::uint64_t dimensions,
                                     std::uint32_t* holes) const {
-        return wide_loop([own = *this, list, dimensions, holes]() __attribute__((always_inline)) {
-            ReducedOrder order(list, dimensions, holes);
-            std::size_t kept = 0;
+        std::size_t kept = 0;
+        controls_hold_.walk(list, [own = *this, dimensions, holes, &kept](std::span<PackedAmplitude> written,
+                                                                          auto holds, auto)
+                                      __attribute__((always_inline)) {
+            ReducedOrder order(written, dimensions, holes);
+            std::size_t count = 0;
             for (std::size_t rank = 0; rank < own.positions_.size(); ++rank)
-                if (const std::uint32_t position = own.positions_[rank]; position != 0)
-                    kept += own.add(order, rank, position) ? 1 : 0;
-            return kept;
+                if constexpr (complete)
+                    count += own.add_complete(order, rank, holds) ? 1 : 0;
+                else if (const std::uint32_t position = own.positions_[rank]; position != 0)
+                    count += own.add(order, rank, position, holds) ? 1 : 0;
+            kept = count;
         });
+        return kept;
     }
 
 private:
@@ -108,20 +117,35 @@ private:
         return positions_[rank + exchange_.ahead(values) * stride_];
     }
 
-    [[gnu::always_inline]] bool add(ReducedOrder& order, std::size_t rank, std::uint32_t position) const {
+    // Controls are on other qudits, so they hold for both partners or for neither.
+
+    template <class Holds>
+    [[gnu::always_inline]] bool add(ReducedOrder& order, std::size_t rank, std::uint32_t position,
+                                    const Holds& holds) const {
         const Copy& entry = entries_[(position & ~of_partner) - 1];
         const std::uint64_t values = entry.values;
         const Parts amplitude = parts_of(entry.amplitude);
         if (position >= of_partner)
             return order.add(values ^ exchange_.difference(values), shares_.crossing(amplitude), 1);
-        // Controls are on other qudits, so they hold for both partners or for neither.
         const std::uint32_t partner = partner_of(rank, values);
-        if (partner == position || !controls_hold_(values))
+        if (partner == position || holds(values) == 0)
             return order.add(values, amplitude, 1);
         if (partner >= of_partner)
             return order.add(values, shares_.staying(amplitude), 1);
         const Parts share = shares_.crossing(parts_of(entries_[partner - 1].amplitude));
         return order.add(values, shares_.staying(amplitude) + share, 2);
+    }
+
+    /// The same without a branch on what an entry is.
+    template <class Holds>
+    [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank, const Holds& holds) const {
+        const std::uint64_t values = entries_[rank].values;
+        const std::uint64_t ahead = exchange_.ahead(values);
+        const std::uint64_t shared = ~equal(ahead, 0) & holds(values);
+        const Parts amplitude = parts_of(entries_[rank].amplitude);
+        const Parts met = shares_.staying.unrecovered(amplitude) +
+                          shares_.crossing.unrecovered(parts_of(entries_[rank + ahead * stride_].amplitude));
+        return order.add(values, select(shared, met, amplitude), 1 + (shared & 1));
     }
 
     std::span<std::uint32_t> positions_;
@@ -166,10 +190,12 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
     const std::size_t reached = table.is_complete() ? 0 : shared.note_reached();
     std::uint32_t* const holes = scratch.take<std::uint32_t>(size + reached + 1);
     list.resize(size + reached);
+    if (table.is_complete() && shared.write<true>(list.entries(), dimensions, holes) == size)
+        return true;
     // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once more.
-    if (const std::size_t kept = shared.write(list.entries(), dimensions, holes); kept < list.entries().size()) {
+    if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes); kept < list.entries().size()) {
         list.resize(kept);
-        static_cast<void>(shared.write(list.entries(), dimensions, holes));
+        static_cast<void>(shared.write<false>(list.entries(), dimensions, holes));
     }
     return true;
 }

@@ -40,7 +40,7 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
         PackedAmplitude* const end = entry + walked.size();
         if constexpr (std::is_same_v<decltype(vectors), WideVectors>)
             for (; end - entry >= 4; entry += 4) {
-                const FourRecords four(entry);
+                FourRecords four(entry);
                 const FourWords selected = holds(four.first);
                 if (!any_wide(selected))
                     continue;
@@ -60,8 +60,9 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
                         rephase(each);
                     continue;
                 }
-                store_numbers(select_wide(selected, real, four.real),
-                              select_wide(selected, imaginary, four.imaginary),
+                put_wide(selected, real, four.real);
+                put_wide(selected, imaginary, four.imaginary);
+                store_numbers(four.real, four.imaginary,
                               {&entry[0].amplitude, &entry[1].amplitude, &entry[2].amplitude,
                                &entry[3].amplitude});
             }

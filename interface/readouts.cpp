@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 #include <stdexcept>
 #include <string>
 
@@ -37,21 +38,22 @@ int check_matrix_size(std::uint64_t permutations, std::size_t output_size) {
     return required > output_size ? vantel_output_too_small : vantel_output_size_mismatch;
 }
 
-/// Copies levels, four at a time where there are so many, the last four once more.
-void write_levels(const std::vector<int>& levels, int* written) {
+/// Writes a level and those behind levels[0], four at a time where there are so many, the last four once more.
+void write_levels(int first, std::span<const int> levels, int* written) {
     using Four [[gnu::vector_size(16), gnu::aligned(4), gnu::may_alias]] = int;
     const auto write_four = [&](std::size_t i) {
         *reinterpret_cast<Four*>(&written[i]) = *reinterpret_cast<const Four*>(&levels[i]);
     };
     const std::size_t count = levels.size();
-    if (count < 4) {
-        for (std::size_t i = 0; i < count; ++i)
+    if (count >= 4) {
+        for (std::size_t i = 0; i + 4 < count; i += 4)
+            write_four(i);
+        write_four(count - 4);
+    } else {
+        for (std::size_t i = 1; i < count; ++i)
             written[i] = levels[i];
-        return;
     }
-    for (std::size_t i = 0; i + 4 < count; i += 4)
-        write_four(i);
-    write_four(count - 4);
+    written[0] = first;
 }
 
 } // namespace
@@ -80,8 +82,8 @@ int vantel_probabilities(QuantumProperty** properties, size_t property_count, Pr
     if (status != vantel_ok)
         return status;
     refuse_overflow(table.permutations());
-    table.for_each([next = records](const std::vector<int>& levels, double probability) mutable {
-        write_levels(levels, next->qudit_values);
+    table.for_each([next = records](int first, std::span<const int> levels, double probability) mutable {
+        write_levels(first, levels, next->qudit_values);
         (next++)->probability = static_cast<float>(probability);
     });
     return vantel_ok;

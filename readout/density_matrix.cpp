@@ -9,6 +9,7 @@
 #include "algorithms/crossovers.hpp"
 #include "algorithms/gathered_bits.hpp"
 #include "algorithms/key_index.hpp"
+#include "algorithms/wide_loop.hpp"
 #include "readout/matrix_by_rank.hpp"
 #include "readout/outcomes.hpp"
 #include "readout/partners.hpp"
@@ -51,19 +52,21 @@ std::vector<PackedElement> elements_of(PackedEntries entries, std::uint64_t kept
     const Partners partners(entries, traced_fields);
     const auto bits = static_cast<unsigned>(std::bit_width(kept.size * kept.size));
     return with_key_index(bits, entries.size(), [&](auto& seen) {
-        std::vector<PackedElement> elements;
-        for (std::uint32_t a = 0; a < entries.size(); ++a) {
-            const Factor amplitude(entries[a].amplitude);
-            partners.for_each_of(a, [&](std::uint32_t b) {
-                const Parts product = amplitude(conjugate(parts_of(entries[b].amplitude)));
-                const std::size_t position = seen.find_or_add(kept.of[a] * kept.size + kept.of[b]);
-                if (position == elements.size())
-                    elements.push_back({entries[a].values, entries[b].values, complex_of(product)});
-                else
-                    store(parts_of(elements[position].element) + product, elements[position].element);
-            });
-        }
-        return elements;
+        return wide_loop([&, entries]() __attribute__((always_inline)) {
+            std::vector<PackedElement> elements;
+            for (std::uint32_t a = 0; a < entries.size(); ++a) {
+                const Factor amplitude(entries[a].amplitude);
+                partners.for_each_of(a, [&](std::uint32_t b) __attribute__((always_inline)) {
+                    const Parts product = amplitude(conjugate(parts_of(entries[b].amplitude)));
+                    const std::size_t position = seen.find_or_add(kept.of[a] * kept.size + kept.of[b]);
+                    if (position == elements.size()) [[unlikely]]
+                        elements.push_back({entries[a].values, entries[b].values, complex_of(product)});
+                    else
+                        store(parts_of(elements[position].element) + product, elements[position].element);
+                });
+            }
+            return elements;
+        });
     });
 }
 
@@ -83,12 +86,12 @@ DensityMatrix::DensityMatrix(const IState& state, const std::vector<int>& qudits
         return;
     refuse_too_many(entries);
     const SlotLayout layout = SlotLayout::of(state.dimension());
-    const LevelRank rank(layout, qudits, permutations.dimensions(), entries.size());
     if (side_ <= crossover::matrix_rows_by_rank && crossover::is_close_to(entries.size(), side_ * side_)) {
-        all_ = matrix_by_rank(entries, layout, qudits, permutations.dimensions(), rank);
+        all_ = matrix_by_rank(entries, layout, qudits, permutations.dimensions(), side_);
         if (!all_.empty())
             return;
     }
+    const LevelRank rank(layout, qudits, permutations.dimensions(), entries.size());
     const std::uint64_t kept = layout.fields(qudits);
     const std::uint64_t all = layout.fields_below(static_cast<int>(state.num_qudits()));
     for (const PackedElement& element : elements_of(entries, kept, all & ~kept)) {

@@ -16,95 +16,113 @@ namespace {
 
 using Matrix = std::vector<std::complex<double>>;
 
-/// The entries by row, those of a row in stored order. Groups, which are the entries that differ in the listed qudits
-/// alone, are neighbours in the table, with the columns in order.
-class Rows {
-public:
-    Rows(PackedEntries entries, const PositionTable& table, const LevelRank& row_of)
-        : side_(row_of.size()), positions_(table.positions()), amplitudes_(new Parts[table.size() + 1]),
-          ranks_(new std::uint32_t[table.size()]), ends_(side_) {
-        for (std::size_t row = 0; row < side_; ++row)
-            ends_[row] = ranks_.get() + begin_of(row);
+/// A list in the order of its table. Groups, which are the entries that differ in the listed qudits alone, are
+/// neighbours there, with the columns in order.
+struct Ranked {
+    std::unique_ptr<Parts[]> amplitudes;    ///< by rank, and one place more
+    std::unique_ptr<std::uint32_t[]> ranks; ///< in stored order
+
+    Ranked(PackedEntries entries, const PositionTable& table)
+        : amplitudes(new Parts[table.size() + 1]), ranks(new std::uint32_t[entries.size()]) {
         table.rank().cheapest([&](auto rank_of) {
-            row_of.cheapest([&](auto row_of_label) {
-                wide_loop([=, ends = ends_.data(), amplitudes = amplitudes_.get()]() __attribute__((always_inline)) {
-                    for (const PackedAmplitude& entry : entries) {
-                        const std::uint64_t rank = rank_of(entry.values);
-                        *ends[row_of_label(entry.values)]++ = static_cast<std::uint32_t>(rank);
-                        amplitudes[rank] = parts_of(entry.amplitude);
-                    }
-                });
+            wide_loop([=, by_rank = amplitudes.get(), next = ranks.get()]() __attribute__((always_inline)) {
+                for (std::size_t i = 0; i < entries.size(); ++i) {
+                    next[i] = static_cast<std::uint32_t>(rank_of(entries[i].values));
+                    by_rank[next[i]] = parts_of(entries[i].amplitude);
+                }
             });
         });
-        amplitudes_[table.size()] = Parts{};
+        amplitudes[table.size()] = Parts{};
+    }
+};
+
+/// Sums of some columns of one row. A sum that starts from negative zero has the bits of its first product.
+template <std::size_t columns> struct RowSums {
+    static constexpr std::size_t pairs = (columns + 1) / 2;
+    FourParts sums[pairs];
+
+    [[gnu::always_inline]] RowSums() {
+        unrolled<pairs>([this](auto pair) __attribute__((always_inline)) { sums[pair] = -FourParts{}; });
     }
 
-    /// The sums, for a list that has every combination of levels, as if no product had an infinity to recover.
-    void add_complete(Matrix& matrix) const {
-        constexpr std::size_t most = 10; // columns, whose sums stand in registers
-        for (std::size_t row = 0; row < side_; ++row)
-            for (std::size_t column = 0; column < side_; column += most)
-                with_constant<1, most>(std::min(most, side_ - column), [&](auto columns) {
-                    add_columns<columns>(row, column, &matrix[row * side_ + column]);
-                });
-    }
-
-    /// The same for any list, with the product of the standard where `recovering`.
-    template <bool recovering> void add(Matrix& matrix) const {
-        for (std::size_t row = 0; row < side_; ++row) {
-            std::vector<bool> reached(side_, false);
-            std::complex<double>* const sums = &matrix[row * side_];
-            for (const std::uint32_t rank : ranks_of(row)) {
-                const Factor factor(amplitudes_[rank]);
-                for (std::size_t column = 0; column < side_; ++column) {
-                    const std::size_t partner = rank - row + column;
-                    if (positions_[partner] == 0)
-                        continue;
-                    const Parts number = conjugate(amplitudes_[partner]);
-                    const Parts product = recovering ? factor(number) : factor.unrecovered(number);
-                    store(reached[column] ? parts_of(sums[column]) + product : product, sums[column]);
-                    reached[column] = true;
-                }
-            }
-        }
-    }
-
-private:
-    /// Each row has room for an entry of each group.
-    [[nodiscard]] std::size_t begin_of(std::size_t row) const { return row * (positions_.size() / side_); }
-    [[nodiscard]] std::span<const std::uint32_t> ranks_of(std::size_t row) const {
-        return {ranks_.get() + begin_of(row), ends_[row]};
-    }
-
-    /// A number times the conjugate of another is taken by turning signs of the first: both have the same bits.
-    template <std::size_t columns>
-    void add_columns(std::size_t row, std::size_t first, std::complex<double>* written) const {
-        wide_loop([=, ranks = ranks_of(row), amplitudes = amplitudes_.get()]() __attribute__((always_inline)) {
-            constexpr std::size_t pairs = (columns + 1) / 2;
-            FourParts sums[pairs];
-            // A sum that starts from negative zero has the bits of its first product.
-            std::fill(sums, sums + pairs, -FourParts{});
-            for (const std::uint32_t rank : ranks) {
-                const Parts amplitude = amplitudes[rank];
-                const Parts real = negated<1>(__builtin_shufflevector(amplitude, amplitude, 0, 0));
-                const Parts imaginary = __builtin_shufflevector(amplitude, amplitude, 1, 1);
-                const Parts* const partners = amplitudes + (rank - row + first);
-                unrolled<pairs>([&](auto pair) __attribute__((always_inline)) {
-                    const FourParts both = *reinterpret_cast<const StoredFourParts*>(&partners[2 * pair]);
-                    sums[pair] += both * joined(real, real) + exchanged(both) * joined(imaginary, imaginary);
-                });
-            }
-            for (std::size_t column = 0; column < columns; ++column)
-                store(column % 2 == 0 ? low_half(sums[column / 2]) : high_half(sums[column / 2]), written[column]);
+    /// Adds the products of an amplitude with the conjugates of its partners. Their signs are those of the amplitude's
+    /// parts, turned instead, which gives the same bits.
+    [[gnu::always_inline]] void add(Parts amplitude, const Parts* partners) {
+        const Parts real = negated<1>(__builtin_shufflevector(amplitude, amplitude, 0, 0));
+        const Parts imaginary = __builtin_shufflevector(amplitude, amplitude, 1, 1);
+        unrolled<pairs>([&](auto pair) __attribute__((always_inline)) {
+            const FourParts both = *reinterpret_cast<const StoredFourParts*>(&partners[2 * pair]);
+            sums[pair] += both * joined(real, real) + exchanged(both) * joined(imaginary, imaginary);
         });
     }
 
-    std::size_t side_;
-    std::span<const std::uint32_t> positions_;
-    std::unique_ptr<Parts[]> amplitudes_;  ///< by rank, and one place more
-    std::unique_ptr<std::uint32_t[]> ranks_; ///< of all entries, row by row
-    std::vector<std::uint32_t*> ends_;       ///< of each row's ranks
+    [[gnu::always_inline]] void write(std::complex<double>* elements) const {
+        unrolled<columns>([&](auto column) __attribute__((always_inline)) {
+            store(column % 2 == 0 ? low_half(sums[column / 2]) : high_half(sums[column / 2]), elements[column]);
+        });
+    }
 };
+
+constexpr std::size_t few_rows = 4;      // whose sums are all at hand, so that entries are taken as they stand
+constexpr std::size_t most_columns = 10; // whose sums are in registers
+
+void add_few_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::size_t side) {
+    with_constant<1, few_rows>(side, [&](auto rows) {
+        wide_loop([=, amplitudes = list.amplitudes.get(), ranks = list.ranks.get(),
+                   elements = matrix.data()]() __attribute__((always_inline)) {
+            RowSums<rows> sums[rows];
+            for (std::size_t i = 0; i < size; ++i) {
+                const std::uint32_t row = ranks[i] % rows;
+                sums[row].add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row]);
+            }
+            for (std::size_t row = 0; row < rows; ++row)
+                sums[row].write(elements + row * rows);
+        });
+    });
+}
+
+/// Row by row: the sums of a row are those of its entries in stored order.
+void add_many_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::size_t side) {
+    const std::size_t groups = size / side;
+    const std::unique_ptr<std::uint32_t[]> by_row(new std::uint32_t[size]);
+    std::vector<std::uint32_t*> ends(side);
+    for (std::size_t row = 0; row < side; ++row)
+        ends[row] = by_row.get() + row * groups;
+    for (std::size_t i = 0; i < size; ++i)
+        *ends[list.ranks[i] % static_cast<std::uint32_t>(side)]++ = list.ranks[i];
+    wide_loop([=, ranks = by_row.get(), amplitudes = list.amplitudes.get(),
+               elements = matrix.data()]() __attribute__((always_inline)) {
+        for (std::size_t row = 0; row < side; ++row)
+            for (std::size_t first = 0; first < side; first += most_columns)
+                with_constant<1, most_columns>(
+                    std::min(most_columns, side - first), [=](auto columns) __attribute__((always_inline)) {
+                        RowSums<columns> sums;
+                        for (std::size_t i = row * groups; i < (row + 1) * groups; ++i)
+                            sums.add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row + first]);
+                        sums.write(&elements[row * side + first]);
+                    });
+    });
+}
+
+/// The same for any list, with the product of the standard where `recovering`.
+template <bool recovering>
+void add_any(Matrix& matrix, const Ranked& list, const PositionTable& table, std::size_t size, std::size_t side) {
+    std::vector<bool> reached(matrix.size(), false);
+    for (std::size_t i = 0; i < size; ++i) {
+        const std::size_t row = list.ranks[i] % side;
+        const Factor factor(list.amplitudes[list.ranks[i]]);
+        for (std::size_t column = 0; column < side; ++column) {
+            const std::size_t partner = list.ranks[i] - row + column;
+            if (table.positions()[partner] == 0)
+                continue;
+            const Parts number = conjugate(list.amplitudes[partner]);
+            const Parts product = recovering ? factor(number) : factor.unrecovered(number);
+            std::complex<double>& sum = matrix[row * side + column];
+            store(reached[row * side + column] ? parts_of(sum) + product : product, sum);
+            reached[row * side + column] = true;
+        }
+    }
+}
 
 bool has_nan(const Matrix& matrix) {
     return std::any_of(matrix.begin(), matrix.end(), [](const std::complex<double>& element) {
@@ -115,7 +133,7 @@ bool has_nan(const Matrix& matrix) {
 } // namespace
 
 Matrix matrix_by_rank(PackedEntries entries, SlotLayout layout, std::span<const int> qudits,
-                      std::span<const std::uint64_t> dimensions, const LevelRank& row_of) {
+                      std::span<const std::uint64_t> dimensions, std::size_t side) {
     const Survey survey(entries);
     if (!survey.same_dimensions)
         return {};
@@ -129,16 +147,18 @@ Matrix matrix_by_rank(PackedEntries entries, SlotLayout layout, std::span<const 
     if (!table.is_close() || !table.fill(entries, scratch))
         return {};
 
-    const Rows rows(entries, table, row_of);
-    Matrix matrix(row_of.size() * row_of.size());
-    if (table.is_complete())
-        rows.add_complete(matrix);
+    const Ranked list(entries, table);
+    Matrix matrix(side * side);
+    if (!table.is_complete())
+        add_any<false>(matrix, list, table, entries.size(), side);
+    else if (side <= few_rows)
+        add_few_rows(matrix, list, entries.size(), side);
     else
-        rows.add<false>(matrix);
+        add_many_rows(matrix, list, entries.size(), side);
     // A product with an infinity to recover leaves NaN.
     if (has_nan(matrix)) {
         std::fill(matrix.begin(), matrix.end(), std::complex<double>());
-        rows.add<true>(matrix);
+        add_any<true>(matrix, list, table, entries.size(), side);
     }
     return matrix;
 }

@@ -7,18 +7,17 @@
 #include <vector>
 
 #include "state/entries.hpp"
-#include "state/level_rank.hpp"
 
 namespace vantel::qudit {
 
 /// @param entries     at least one
 /// @param dimensions  of the listed qudits, by which rows and columns are ranked
-/// @param row_of      the rank of a label among their combinations
+/// @param side        how many combinations of their levels there are
 /// @return the elements row by row; none where no table of the labels can be made, or the qudits have other dimensions
 ///         by now
 /// @throws std::bad_alloc
 std::vector<std::complex<double>> matrix_by_rank(PackedEntries entries, SlotLayout layout,
                                                  std::span<const int> qudits,
-                                                 std::span<const std::uint64_t> dimensions, const LevelRank& row_of);
+                                                 std::span<const std::uint64_t> dimensions, std::size_t side);
 
 } // namespace vantel::qudit

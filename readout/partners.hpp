@@ -20,7 +20,7 @@ public:
     Partners(PackedEntries entries, std::uint64_t traced);
 
     /// Calls `visit(partner)` for each partner of an entry.
-    template <class Visit> void for_each_of(std::uint32_t entry, Visit visit) const {
+    template <class Visit> [[gnu::always_inline]] void for_each_of(std::uint32_t entry, Visit visit) const {
         const std::uint32_t group = group_of_[entry];
         if (group == alone) {
             visit(entry);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "readout/value_permutations.hpp"
@@ -21,17 +22,18 @@ public:
 
     [[nodiscard]] const ValuePermutations& permutations() const noexcept { return permutations_; }
 
-    /// Calls write(levels, probability) for each combination, in order. Of the levels, the first changes from one
-    /// call to the next, and the others mostly stay.
+    /// Calls write(first, levels, probability) for each combination, in order. The level of the first qudit, which
+    /// changes each time, comes apart, and levels[0] means nothing.
     template <class Write> void for_each(Write write) const {
         std::vector<int> levels(permutations_.dimensions().size(), 0);
         auto shown = some_.begin();
-        for (std::uint64_t i = 0; i < permutations_.size(); ++i, permutations_.advance(levels)) {
-            double probability = all_.empty() ? 0.0 : all_[i];
-            if (shown != some_.end() && shown->rank == i)
-                probability = (shown++)->probability;
-            write(levels, probability);
-        }
+        for (std::uint64_t i = 0; i < permutations_.size(); permutations_.advance_others(levels))
+            for (int first = 0; first < static_cast<int>(permutations_.dimensions()[0]); ++first, ++i) {
+                double probability = all_.empty() ? 0.0 : all_[i];
+                if (shown != some_.end() && shown->rank == i)
+                    probability = (shown++)->probability;
+                write(first, std::span<const int>(levels), probability);
+            }
     }
 
 private:

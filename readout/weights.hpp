@@ -126,11 +126,11 @@ template <class Weight, class PlaceOf, class SumAt, class Note>
 template <class Weight, class PlaceOf, class SumAt, class Note>
 void sum_up(PackedEntries entries, std::uint64_t listed, PlaceOf place_of, SumAt sum_at, Note note) {
     if (is_mixed(entries, listed))
-        wide_loop([=]() mutable __attribute__((always_inline)) {
+        wide_loop([=]() __attribute__((always_inline)) {
             sum_up_each<Weight>(entries, place_of, sum_at, note);
         });
     else
-        wide_loop([=]() mutable __attribute__((always_inline)) {
+        wide_loop([=]() __attribute__((always_inline)) {
             sum_up_two_at_hand<Weight>(entries, listed, place_of, sum_at, note);
         });
 }
