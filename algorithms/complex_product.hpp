@@ -30,35 +30,35 @@ class Factor {
 public:
     Factor() = default;
     explicit Factor(const std::complex<double>& factor) noexcept : Factor(parts_of(factor)) {}
-    /// The vector is put together from vectors: a store of its parts would have to reach memory first.
+    /// Put together from vectors: a store of the parts would have to reach memory first.
     explicit Factor(Parts factor) noexcept
         : Factor(__builtin_shufflevector(factor, factor, 0, 0),
                  negated<0>(__builtin_shufflevector(factor, factor, 1, 1))) {}
     /// From real() and crossed() of a factor.
-    Factor(Parts real, Parts crossed) noexcept : parts_(__builtin_shufflevector(real, crossed, 0, 1, 2, 3)) {}
+    Factor(Parts real, Parts crossed) noexcept : real_(real), crossed_(crossed) {}
 
     /// Real part a f - b g and imaginary part b f + a g, each product rounded by itself. Where both parts come
     /// out NaN, the standard's own product, which recovers infinities, is taken.
     [[nodiscard]] Parts operator()(Parts number) const noexcept {
         const Parts product = unrecovered(number);
         if (std::isunordered(product[0], product[1])) [[unlikely]]
-            return parts_of(complex_of(number) * std::complex<double>(parts_[0], parts_[3]));
+            return parts_of(complex_of(number) * std::complex<double>(real_[0], crossed_[1]));
         return product;
     }
 
     /// The same without the recovery, for whoever looks for is_lost() later.
     [[nodiscard]] Parts unrecovered(Parts number) const noexcept {
-        const FourParts products = __builtin_shufflevector(number, number, 0, 1, 1, 0) * parts_;
-        return low_half(products) + high_half(products);
+        return number * real_ + exchanged(number) * crossed_;
     }
 
     /// The real part, twice.
-    [[nodiscard]] Parts real() const noexcept { return low_half(parts_); }
+    [[nodiscard]] Parts real() const noexcept { return real_; }
     /// The imaginary part negated, and as it is.
-    [[nodiscard]] Parts crossed() const noexcept { return high_half(parts_); }
+    [[nodiscard]] Parts crossed() const noexcept { return crossed_; }
 
 private:
-    FourParts parts_; ///< real() and crossed()
+    Parts real_;
+    Parts crossed_;
 };
 
 } // namespace vantel

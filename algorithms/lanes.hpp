@@ -6,7 +6,10 @@
 
 #include <cmath>
 #include <complex>
+#include <cstddef>
 #include <cstdint>
+
+#include "algorithms/wide_loop.hpp"
 
 namespace vantel {
 
@@ -45,6 +48,9 @@ inline std::complex<double> complex_of(Parts parts) noexcept {
     return __builtin_shufflevector(both, both, 2, 3);
 }
 /// Each number with its parts exchanged.
+inline Parts exchanged(Parts number) noexcept {
+    return __builtin_shufflevector(number, number, 1, 0);
+}
 [[gnu::always_inline]] inline FourParts exchanged(FourParts both) noexcept {
     return __builtin_shufflevector(both, both, 1, 0, 3, 2);
 }
@@ -67,14 +73,16 @@ inline std::uint64_t equal(std::uint64_t a, std::uint64_t b) noexcept {
 inline bool any_highest(std::uint64_t word) noexcept {
     return word >> 63 != 0;
 }
-[[gnu::always_inline]] inline bool any_highest(FourWords words) noexcept {
-    const Words either =
-        __builtin_shufflevector(words, words, 0, 1) | __builtin_shufflevector(words, words, 2, 3);
+inline bool any_highest(Words words) noexcept {
 #ifdef __SSE2__
-    return __builtin_ia32_movmskpd(reinterpret_cast<Parts>(either)) != 0; // at once, and not word by word
+    return __builtin_ia32_movmskpd(reinterpret_cast<Parts>(words)) != 0; // at once, and not word by word
 #else
-    return any_highest(either[0] | either[1]);
+    return any_highest(words[0] | words[1]);
 #endif
+}
+[[gnu::always_inline]] inline bool any_highest(FourWords words) noexcept {
+    return any_highest(__builtin_shufflevector(words, words, 0, 1) |
+                       __builtin_shufflevector(words, words, 2, 3));
 }
 
 /// `chosen` where the mask is set, `other` elsewhere.
@@ -97,6 +105,28 @@ inline bool any_highest(std::uint64_t word) noexcept {
 }
 
 #endif
+
+/// How many numbers a register holds, in a loop of plain vectors and in one of wide ones.
+template <class Vectors> struct Numbers {
+    static constexpr std::size_t count = 1;
+    using Register = Parts;
+    using Stored = StoredParts;
+    using Mask = Words;
+
+    static Register all(Parts number) noexcept { return number; }
+    template <std::size_t i> static Parts at(Register numbers) noexcept { return numbers; }
+};
+template <> struct Numbers<WideVectors> {
+    static constexpr std::size_t count = 2;
+    using Register = FourParts;
+    using Stored = StoredFourParts;
+    using Mask = FourWords;
+
+    [[gnu::always_inline]] static Register all(Parts number) noexcept { return joined(number, number); }
+    template <std::size_t i> [[gnu::always_inline]] static Parts at(Register numbers) noexcept {
+        return i == 0 ? low_half(numbers) : high_half(numbers);
+    }
+};
 
 /// Four records of two words and a complex number each: every lane holds the same element of all four.
 struct FourRecords {

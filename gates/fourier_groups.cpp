@@ -16,47 +16,53 @@ namespace vantel::qudit {
 
 namespace {
 
-/// The d sums of a group in registers, two levels in each.
-template <std::size_t d> class LevelSums {
+/// The d sums of a group in registers.
+template <std::size_t d, class Vectors> class LevelSums {
+    using In = Numbers<Vectors>;
+    using Register = typename In::Register;
+
 public:
     [[gnu::always_inline]] void start(const FourierFactors::Row& row, Parts amplitude) {
-        each_child(row, amplitude, [this](auto pair, FourParts child) __attribute__((always_inline)) {
-            sums_[pair] = child;
+        each_child(row, amplitude, [this](auto i, Register child) __attribute__((always_inline)) {
+            sums_[i] = child;
         });
     }
     [[gnu::always_inline]] void add(const FourierFactors::Row& row, Parts amplitude) {
-        each_child(row, amplitude, [this](auto pair, FourParts child) __attribute__((always_inline)) {
-            sums_[pair] += child;
+        each_child(row, amplitude, [this](auto i, Register child) __attribute__((always_inline)) {
+            sums_[i] += child;
         });
     }
 
     /// @return whether all of them exceed the threshold, and so none has an infinity to recover
     [[gnu::always_inline]] bool store(Parts* sums) const {
-        FourWords exceed = ~FourWords{};
-        unrolled<pairs>([&](auto pair) __attribute__((always_inline)) {
-            constexpr bool whole = 2 * pair + 1 < d;
-            exceed &= exceed_threshold(sums_[pair]) | FourWords{0, 0, whole ? 0 : ~0ULL, whole ? 0 : ~0ULL};
-            sums[2 * pair] = low_half(sums_[pair]);
-            if constexpr (whole)
-                sums[2 * pair + 1] = high_half(sums_[pair]);
+        auto exceed = ~typename In::Mask{};
+        unrolled<registers>([&](auto i) __attribute__((always_inline)) {
+            auto of_register = exceed_threshold<Vectors>(sums_[i]);
+            if constexpr (In::count * (i + 1) > d) // half of the last register
+                of_register |= FourWords{0, 0, ~0ULL, ~0ULL};
+            exceed &= of_register;
+        });
+        unrolled<d>([&](auto k) __attribute__((always_inline)) {
+            sums[k] = In::template at<k % In::count>(sums_[k / In::count]);
         });
         return !any_highest(~exceed);
     }
 
 private:
-    static constexpr std::size_t pairs = (d + 1) / 2;
+    static constexpr std::size_t registers = (d + In::count - 1) / In::count;
 
     template <class Use>
     [[gnu::always_inline]] static void each_child(const FourierFactors::Row& row, Parts amplitude, Use use) {
-        const FourParts twice = joined(amplitude, amplitude);
-        const FourParts crossed = exchanged(twice);
-        unrolled<pairs>([&](auto pair) __attribute__((always_inline)) {
-            use(pair, twice * *reinterpret_cast<const StoredFourParts*>(&row.real[2 * pair]) +
-                          crossed * *reinterpret_cast<const StoredFourParts*>(&row.crossed[2 * pair]));
+        const Register all = In::all(amplitude);
+        const Register crossed = exchanged(all);
+        unrolled<registers>([&](auto i) __attribute__((always_inline)) {
+            using Stored = typename In::Stored;
+            use(i, all * *reinterpret_cast<const Stored*>(&row.real[In::count * i]) +
+                       crossed * *reinterpret_cast<const Stored*>(&row.crossed[In::count * i]));
         });
     }
 
-    FourParts sums_[pairs];
+    Register sums_[registers];
 };
 
 /// The entries of a group, in stored order. Where it is `full`, it has one of each level.
@@ -116,7 +122,8 @@ public:
         : entries_(entries.data()), field_(layout.field(target)), controls_hold_(controls_hold.is_empty() ? nullptr : &controls_hold),
           rows_(factors.rows()), groups_(sums.groups()), sums_(sums.sums()) {}
 
-    [[gnu::always_inline]] void add(const std::uint32_t* row) {
+    /// @param row  by level, positions counted from 1; 0 where there is no entry
+    template <class Vectors> [[gnu::always_inline]] void add(const std::uint32_t* row, Vectors) {
         const Members members(row);
         if (members.size() == 0)
             return;
@@ -127,22 +134,22 @@ public:
         group.others = values & ~field_;
         group.run = members.size();
         if (controls_hold_ != nullptr && !(*controls_hold_)(values)) {
-            group.run = 0;
             keep(group, row, sums);
-        } else if (transform(members, sums)) {
+        } else if (transform<Vectors>(members, sums)) {
             kept_ += d;
         } else {
             kept_ += recover(members, sums);
         }
-        same_run_ &= group.run != 0 && (full || group.run == groups_[0].run);
+        same_run_ &= group.run != 0 && group.run == groups_[0].run;
     }
 
     void give(FourierSums& sums) const { sums.set_added(count_, kept_, same_run_); }
 
 private:
     /// Each sum over the children of all members, in stored order. @return whether all stay
+    template <class Vectors>
     [[gnu::always_inline]] bool transform(const Members& members, Parts* sums) const {
-        LevelSums<d> of_group;
+        LevelSums<d, Vectors> of_group;
         of_group.start(rows_[members.level(0)], amplitude(members.position(0)));
         if constexpr (full)
             unrolled<d - 1>([&](auto i) __attribute__((always_inline)) {
@@ -174,6 +181,7 @@ private:
 
     /// A group that the controls leave out: each entry is a sum of its own.
     void keep(Group& group, const std::uint32_t* row, Parts* sums) {
+        group.run = full ? 1 : 0;
         group.present = 0;
         for (std::uint64_t level = 0; level < d; ++level) {
             if (row[level] == 0)
@@ -200,10 +208,10 @@ private:
 /// All groups of a list that has a table with the target's level varying fastest.
 template <std::size_t d, bool full>
 void add_groups(FourierSums& sums, const GroupAdder<d, full>& adder, std::span<const std::uint32_t> positions) {
-    wide_loop([adder, positions]() __attribute__((always_inline)) {
+    wide_loop([adder, positions](auto vectors) __attribute__((always_inline)) {
         GroupAdder<d, full> own = adder;
         for (std::size_t rank = 0; rank < positions.size(); rank += d)
-            own.add(&positions[rank]);
+            own.add(&positions[rank], vectors);
         return own;
     }).give(sums);
 }
@@ -213,7 +221,7 @@ template <std::size_t d>
 bool add_groups(FourierSums& sums, const GroupAdder<d, false>& adder, const LabelGroups& groups, PackedEntries entries,
                 unsigned position, std::uint64_t mask) {
     bool regular = true;
-    wide_loop([=, &groups, &regular]() __attribute__((always_inline)) {
+    wide_loop([=, &groups, &regular](auto vectors) __attribute__((always_inline)) {
         GroupAdder<d, false> own = adder;
         groups.for_each([&](std::span<const std::uint32_t> members) __attribute__((always_inline)) {
             std::array<std::uint32_t, d> row{};
@@ -222,7 +230,7 @@ bool add_groups(FourierSums& sums, const GroupAdder<d, false>& adder, const Labe
                 regular &= level < d && row[std::min(level, d - 1)] == 0;
                 row[std::min(level, d - 1)] = member + 1;
             }
-            own.add(row.data());
+            own.add(row.data(), vectors);
         });
         return own;
     }).give(sums);

@@ -24,8 +24,8 @@ public:
     /// What is known of the sums of a group.
     struct Group {
         std::uint64_t others; ///< the levels of all qudits but the target
-        std::uint32_t run;    ///< of how many children each sum is; 0 where the controls leave the group out
-        std::uint32_t present; ///< a bit for each level that such a group has an entry of, which is its sum
+        std::uint32_t run;    ///< of how many children each sum is; 0 where that is one or none
+        std::uint32_t present; ///< a bit for each level of which such a group has a child
     };
 
     /// How many entries the reduction leaves.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 
+#include "algorithms/crossovers.hpp"
 #include "algorithms/lanes.hpp"
 #include "algorithms/wide_loop.hpp"
 #include "state/istate.hpp"
@@ -35,6 +36,9 @@ public:
     /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of
     /// mask() that has the same answers and `vectors` is the loop's tag.
     template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
+        // A few entries cost less than the way into a wide loop.
+        if (entries.size() < crossover::entries_walked_wide)
+            return loop(entries, All{*this}, PlainVectors{});
         const auto run = [=](auto holds) {
             wide_loop([=](auto vectors) __attribute__((always_inline)) { loop(entries, holds, vectors); });
         };

@@ -33,8 +33,8 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
     controls_hold.walk(entries, [gate](std::span<PackedAmplitude> walked, auto holds,
                                        auto vectors) __attribute__((always_inline)) {
         const auto rephase = [=](PackedAmplitude& entry) __attribute__((always_inline)) {
-            const Parts amplitude = parts_of(entry.amplitude);
-            store(select(holds(entry.values), gate.any_factor(entry)(amplitude), amplitude), entry.amplitude);
+            if (holds(entry.values) != 0)
+                store(gate.any_factor(entry)(parts_of(entry.amplitude)), entry.amplitude);
         };
         PackedAmplitude* entry = walked.data();
         PackedAmplitude* const end = entry + walked.size();

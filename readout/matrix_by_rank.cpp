@@ -37,30 +37,36 @@ struct Ranked {
 };
 
 /// Sums of some columns of one row. A sum that starts from negative zero has the bits of its first product.
-template <std::size_t columns> struct RowSums {
-    static constexpr std::size_t pairs = (columns + 1) / 2;
-    FourParts sums[pairs];
+template <std::size_t columns, class Vectors> class RowSums {
+    using In = Numbers<Vectors>;
+    using Register = typename In::Register;
 
+public:
     [[gnu::always_inline]] RowSums() {
-        unrolled<pairs>([this](auto pair) __attribute__((always_inline)) { sums[pair] = -FourParts{}; });
+        unrolled<registers>([this](auto i) __attribute__((always_inline)) { sums_[i] = -Register{}; });
     }
 
     /// Adds the products of an amplitude with the conjugates of its partners. Their signs are those of the amplitude's
     /// parts, turned instead, which gives the same bits.
     [[gnu::always_inline]] void add(Parts amplitude, const Parts* partners) {
-        const Parts real = negated<1>(__builtin_shufflevector(amplitude, amplitude, 0, 0));
-        const Parts imaginary = __builtin_shufflevector(amplitude, amplitude, 1, 1);
-        unrolled<pairs>([&](auto pair) __attribute__((always_inline)) {
-            const FourParts both = *reinterpret_cast<const StoredFourParts*>(&partners[2 * pair]);
-            sums[pair] += both * joined(real, real) + exchanged(both) * joined(imaginary, imaginary);
+        const Register real = In::all(negated<1>(__builtin_shufflevector(amplitude, amplitude, 0, 0)));
+        const Register imaginary = In::all(__builtin_shufflevector(amplitude, amplitude, 1, 1));
+        unrolled<registers>([&](auto i) __attribute__((always_inline)) {
+            const Register some = *reinterpret_cast<const typename In::Stored*>(&partners[In::count * i]);
+            sums_[i] += some * real + exchanged(some) * imaginary;
         });
     }
 
     [[gnu::always_inline]] void write(std::complex<double>* elements) const {
         unrolled<columns>([&](auto column) __attribute__((always_inline)) {
-            store(column % 2 == 0 ? low_half(sums[column / 2]) : high_half(sums[column / 2]), elements[column]);
+            store(In::template at<column % In::count>(sums_[column / In::count]), elements[column]);
         });
     }
+
+private:
+    static constexpr std::size_t registers = (columns + In::count - 1) / In::count;
+
+    Register sums_[registers];
 };
 
 constexpr std::size_t few_rows = 4;      // whose sums are all at hand, so that entries are taken as they stand
@@ -69,8 +75,8 @@ constexpr std::size_t most_columns = 10; // whose sums are in registers
 void add_few_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::size_t side) {
     with_constant<1, few_rows>(side, [&](auto rows) {
         wide_loop([=, amplitudes = list.amplitudes.get(), ranks = list.ranks.get(),
-                   elements = matrix.data()]() __attribute__((always_inline)) {
-            RowSums<rows> sums[rows];
+                   elements = matrix.data()](auto vectors) __attribute__((always_inline)) {
+            RowSums<rows, decltype(vectors)> sums[rows];
             for (std::size_t i = 0; i < size; ++i) {
                 const std::uint32_t row = ranks[i] % rows;
                 sums[row].add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row]);
@@ -91,12 +97,12 @@ void add_many_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::si
     for (std::size_t i = 0; i < size; ++i)
         *ends[list.ranks[i] % static_cast<std::uint32_t>(side)]++ = list.ranks[i];
     wide_loop([=, ranks = by_row.get(), amplitudes = list.amplitudes.get(),
-               elements = matrix.data()]() __attribute__((always_inline)) {
+               elements = matrix.data()](auto vectors) __attribute__((always_inline)) {
         for (std::size_t row = 0; row < side; ++row)
             for (std::size_t first = 0; first < side; first += most_columns)
                 with_constant<1, most_columns>(
                     std::min(most_columns, side - first), [=](auto columns) __attribute__((always_inline)) {
-                        RowSums<columns> sums;
+                        RowSums<columns, decltype(vectors)> sums;
                         for (std::size_t i = row * groups; i < (row + 1) * groups; ++i)
                             sums.add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row + first]);
                         sums.write(&elements[row * side + first]);

@@ -22,12 +22,15 @@ inline bool exceeds_threshold(Parts amplitude) noexcept {
     return std::abs(amplitude[0]) > DROP_THRESHOLD || std::abs(amplitude[1]) > DROP_THRESHOLD;
 }
 
-/// The same for two amplitudes, as a mask of both words of each.
-[[gnu::always_inline]] inline FourWords exceed_threshold(FourParts amplitudes) noexcept {
+/// The same for a register of amplitudes, as a mask of both words of each.
+template <class Vectors>
+[[gnu::always_inline]] inline auto exceed_threshold(typename Numbers<Vectors>::Register amplitudes) noexcept {
+    using Register = typename Numbers<Vectors>::Register;
+    using Mask = typename Numbers<Vectors>::Mask;
     constexpr std::uint64_t unsigned_bits = ~std::uint64_t{0} >> 1;
-    const auto sizes = reinterpret_cast<FourParts>(reinterpret_cast<FourWords>(amplitudes) & unsigned_bits);
-    const auto exceed = reinterpret_cast<FourParts>(sizes > DROP_THRESHOLD);
-    return reinterpret_cast<FourWords>(exceed) | reinterpret_cast<FourWords>(exchanged(exceed));
+    const auto sizes = reinterpret_cast<Register>(reinterpret_cast<Mask>(amplitudes) & unsigned_bits);
+    const auto exceed = reinterpret_cast<Register>(sizes > DROP_THRESHOLD);
+    return reinterpret_cast<Mask>(exceed) | reinterpret_cast<Mask>(exchanged(exceed));
 }
 
 /// Makes a list sparse again: sorts it by label, sums the amplitudes of equal labels in the order in which they
