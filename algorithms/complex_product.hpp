@@ -37,8 +37,8 @@ public:
     /// From real() and crossed() of a factor.
     Factor(Parts real, Parts crossed) noexcept : real_(real), crossed_(crossed) {}
 
-    /// Real part a f - b g and imaginary part b f + a g, each product rounded by itself. Where both parts come
-    /// out NaN, the standard's own product, which recovers infinities, is taken.
+    /// Real part a f - b g and imaginary part b f + a g, each product rounded by itself. Where both parts
+    /// come out NaN, the standard's own product, which recovers infinities, is taken.
     [[nodiscard]] Parts operator()(Parts number) const noexcept {
         const Parts product = unrecovered(number);
         if (std::isunordered(product[0], product[1])) [[unlikely]]

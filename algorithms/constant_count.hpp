@@ -21,7 +21,8 @@ template <std::size_t least, std::size_t most, class Use>
 template <std::size_t count, class Use> [[gnu::always_inline]] inline void unrolled(Use use) {
     [&]<std::size_t... i>(std::index_sequence<i...>) __attribute__((always_inline)) {
         (use(std::integral_constant<std::size_t, i>()), ...);
-    }(std::make_index_sequence<count>());
+    }
+    (std::make_index_sequence<count>());
 }
 
 } // namespace vantel

@@ -13,7 +13,7 @@ namespace vantel {
 /// the seed comes from.
 template <std::size_t count> std::array<std::uint32_t, count> first_words(std::uint32_t seed) noexcept {
     using Engine = std::mt19937;
-    static_assert(Engine::shift_size + count <= Engine::state_size, "later words hang on earlier ones");
+    static_assert(Engine::shift_size + count <= Engine::state_size, "later words depend on earlier ones");
     constexpr auto low_bits = (std::uint32_t{1} << Engine::mask_bits) - 1;
     constexpr auto multiplier = static_cast<std::uint32_t>(Engine::initialization_multiplier);
     constexpr auto xor_mask = static_cast<std::uint32_t>(Engine::xor_mask);

@@ -85,7 +85,8 @@ private:
 /// Calls `use` with an index for keys below 2^bits, about `expected` of them distinct: the direct one where
 /// its slots are few.
 template <class Use> auto with_key_index(unsigned bits, std::size_t expected, Use use) {
-    if (bits < 32 && std::size_t{1} << bits <= crossover::direct_keys + crossover::direct_keys_each * expected) {
+    if (bits < 32 &&
+        std::size_t{1} << bits <= crossover::direct_keys + crossover::direct_keys_each * expected) {
         DirectKeyIndex index(std::size_t{1} << bits);
         return use(index);
     }

@@ -55,8 +55,8 @@ inline Parts exchanged(Parts number) noexcept {
     return __builtin_shufflevector(both, both, 1, 0, 3, 2);
 }
 
-// A mask has all bits of a word set or none. What follows is written alike for one word and for several, so that
-// a kernel says once what it does to each.
+// A mask has all bits of a word set or none. What follows is written alike for one word and for several, so
+// that a kernel says once what it does to each.
 
 /// A mask of where a and b are equal.
 inline std::uint64_t equal(std::uint64_t a, std::uint64_t b) noexcept {
@@ -92,8 +92,8 @@ inline bool any_highest(Words words) noexcept {
 
 #ifdef __x86_64__
 
-// For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a vector by
-// value.
+// For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a
+// vector by value.
 
 [[gnu::target("avx2")]] inline bool any_wide(const FourWords& mask) noexcept {
     return __builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(mask)) != 0;

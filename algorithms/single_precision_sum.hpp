@@ -16,7 +16,7 @@ namespace vantel {
 /// While the sum stays below the next power of two, it is a multiple of one step, the last place of such a
 /// float. Each addition then rounds to the next multiple of the step, so it adds the weight's own next
 /// multiple, whatever the sum is up to then; and multiples of one step add up exactly in double precision, in
-/// any order. Only where a weight lies half a step between two multiples does it hang on the sum which of
+/// any order. Only where a weight lies half a step between two multiples does it depend on the sum which of
 /// them is taken, and where it lies within the error of the sum in double precision from there, on that
 /// error. Such weights, and those that carry the sum across a power of two, are added literally.
 class SinglePrecisionSum {

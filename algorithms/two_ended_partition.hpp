@@ -1,4 +1,4 @@
-/// The division of a list that both the drop of `reduce` and the projection of `measure` are told by.
+/// The division of a list by which its holes are filled from the tail.
 #pragma once
 
 #include <algorithm>

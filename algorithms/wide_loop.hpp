@@ -17,8 +17,8 @@ using OwnVectors = PlainVectors;
 #endif
 
 /// Calls the loop, with the tag if it wants that.
-template <class Vectors, class Loop> [[gnu::always_inline]] inline auto run_loop(Loop& loop) {
-    if constexpr (std::is_invocable_v<Loop&>)
+template <class Vectors, class Loop> [[gnu::always_inline]] inline auto run_loop(const Loop& loop) {
+    if constexpr (std::is_invocable_v<const Loop&>)
         return loop();
     else
         return loop(Vectors{});
@@ -30,8 +30,8 @@ bool has_wide_vectors() noexcept;
 
 #if defined(__x86_64__) && !defined(__AVX2__)
 
-/// Keeps a function as its type says. g++ would take a loop apart and hand the vectors in it over in registers that the
-/// caller, which is compiled for less, does not have.
+/// Keeps a function as its type says. g++ would take a loop apart and hand the vectors in it over in
+/// registers that the caller, which is compiled for less, does not have.
 #ifdef __clang__
 #define VANTEL_APART gnu::noinline
 #else
@@ -39,7 +39,8 @@ bool has_wide_vectors() noexcept;
 #endif
 
 /// What a loop is compiled for once more. Fused operations are not among it, so the bits stay the same.
-template <class Loop> [[gnu::target("avx2,bmi2"), gnu::flatten, VANTEL_APART]] auto in_wide_vectors(Loop loop) {
+template <class Loop>
+[[gnu::target("avx2,bmi2"), gnu::flatten, VANTEL_APART]] auto in_wide_vectors(Loop loop) {
     return run_loop<WideVectors>(loop);
 }
 
@@ -56,10 +57,10 @@ template <class Loop> [[gnu::noinline]] auto in_plain_vectors(Loop loop) {
 /// turns out to have them. What is written differently for wide vectors is chosen by the tag that a loop may
 /// have as its parameter.
 ///
-/// A loop is an always_inline lambda that captures by value: then no store that it makes can be thought to change
-/// what it reads, and every compiler puts all of it into both forms.
+/// A loop is an always_inline lambda that captures by value: then no store that it makes can be thought to
+/// change what it reads, and every compiler puts all of it into both forms.
 /// @return what the loop returns
-template <class Loop> auto wide_loop(Loop loop) {
+template <class Loop> auto wide_loop(const Loop& loop) {
 #if defined(__x86_64__) && !defined(__AVX2__)
     if (has_wide_vectors())
         return in_wide_vectors(loop);

@@ -13,8 +13,8 @@ FourierSums::FourierSums(std::size_t most, SlotLayout layout, int target, const 
       dimensions_(first.dimensions), groups_(scratch.take<Group>(most)),
       sums_(scratch.take<Parts>(most * dimension_)) {}
 
-/// Calls `visit(begin, end)` for neighbouring groups whose k-th sums are neighbours too, as labels are ordered: by
-/// the levels above the target's first, then by the target's, then by those below.
+/// Calls `visit(begin, end)` for neighbouring groups whose k-th sums are neighbours too, as labels are
+/// ordered: by the levels above the target's first, then by the target's, then by those below.
 template <class Visit>
 [[gnu::always_inline]] inline void FourierSums::for_each_stretch(Visit visit) const noexcept {
     for (std::size_t begin = 0, end = 0; begin < count_; begin = end) {
@@ -25,23 +25,24 @@ template <class Visit>
     }
 }
 
-[[gnu::always_inline]] inline void FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept {
+[[gnu::always_inline]] inline void
+FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept {
     constexpr std::size_t tile = 64; // groups, whose sums stay at hand while they are written level by level
     const std::size_t run = groups_[0].run;
     UniformOrder order(kept_, run);
     std::size_t first = 0; // the number of a stretch's first sum
-    for_each_stretch([&, own = *this](
-                         std::size_t begin, std::size_t end) __attribute__((always_inline)) {
-        const auto write_tile = [&](UniformOrder& places, std::uint64_t k, std::size_t from,
+    for_each_stretch([&, own = *this ](std::size_t begin, std::size_t end) __attribute__((always_inline)) {
+        const auto write_tile = [&](UniformOrder & places, std::uint64_t k, std::size_t from,
                                     std::size_t count) __attribute__((always_inline)) {
             const Group* const group = own.groups_ + from;
             const Parts* const sum = own.sums_ + from * own.dimension_ + k;
-            places.take(count, [&](std::size_t i, std::size_t place) __attribute__((always_inline)) {
-                PackedAmplitude& entry = list[place];
-                entry.values = group[i].others | k << own.position_;
-                entry.dimensions = own.dimensions_;
-                store(sum[i * own.dimension_], entry.amplitude);
-            });
+            places.take(
+                count, [&](std::size_t i, std::size_t place) __attribute__((always_inline)) {
+                    PackedAmplitude& entry = list[place];
+                    entry.values = group[i].others | k << own.position_;
+                    entry.dimensions = own.dimensions_;
+                    store(sum[i * own.dimension_], entry.amplitude);
+                });
         };
         const std::size_t count = end - begin;
         if (count <= tile) {
@@ -60,11 +61,10 @@ template <class Visit>
     });
 }
 
-void FourierSums::write(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept {
-    if (same_run_ && kept_ == count_ * dimension_)
-        return wide_loop([list, own = *this]() __attribute__((always_inline)) { own.write_uniform(list); });
-    for_each_stretch([own = *this, order = ReducedOrder(list, dimensions_, holes)](std::size_t begin,
-                                                                                   std::size_t end) mutable {
+[[gnu::always_inline]] inline void FourierSums::write_each(std::span<PackedAmplitude> list,
+                                                           std::uint32_t* holes) const noexcept {
+    ReducedOrder order(list, dimensions_, holes);
+    for_each_stretch([&, own = *this ](std::size_t begin, std::size_t end) __attribute__((always_inline)) {
         for (std::uint64_t k = 0; k < own.dimension_; ++k)
             for (std::size_t i = begin; i < end; ++i) {
                 const Group& group = own.groups_[i];
@@ -75,6 +75,14 @@ void FourierSums::write(std::span<PackedAmplitude> list, std::uint32_t* holes) c
                     order.add(group.others | k << own.position_, sum, 1);
             }
     });
+}
+
+void FourierSums::write(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept {
+    if (same_run_ && kept_ == count_ * dimension_)
+        wide_loop([ list, own = *this ]() __attribute__((always_inline)) { own.write_uniform(list); });
+    else
+        wide_loop([ list, holes, own = *this ]()
+                      __attribute__((always_inline)) { own.write_each(list, holes); });
 }
 
 } // namespace vantel::qudit

@@ -3,9 +3,9 @@
 
 namespace vantel::qudit {
 
-// Powers of `shift` and `cycle` are the clock seen from the Fourier basis, and only the sign of the fraction tells
-// them apart. The three steps are whole gates: where the first leaves a list over the limit, the state stays in the
-// Fourier basis, deliberately.
+// Powers of `shift` and `cycle` are the clock seen from the Fourier basis, and only the sign of the fraction
+// tells them apart. The three steps are whole gates: where the first leaves a list over the limit, the state
+// stays in the Fourier basis, deliberately.
 
 void fractional_step(EntryList& list, SlotLayout layout, const Gate& gate) {
     const bool is_cycle = gate.kind == Gate::fractional_cycle;

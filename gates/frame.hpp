@@ -39,7 +39,7 @@ public:
         // A few entries cost less than the way into a wide loop.
         if (entries.size() < crossover::entries_walked_wide)
             return loop(entries, All{*this}, PlainVectors{});
-        const auto run = [=](auto holds) {
+        const auto run = [&](auto holds) {
             wide_loop([=](auto vectors) __attribute__((always_inline)) { loop(entries, holds, vectors); });
         };
         if (refusals_ > 1)

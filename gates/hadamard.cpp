@@ -25,8 +25,8 @@ std::size_t count_children(PackedEntries input, const ControlTest& controls_hold
     return count;
 }
 
-/// One pass of the gate as it is defined: each selected entry becomes one child for each level k of the target,
-/// ascending, and every other one stays.
+/// One pass of the gate as it is defined: each selected entry becomes one child for each level k of the
+/// target, ascending, and every other one stays.
 /// @param output  room for all of them. @return their end
 PackedAmplitude* branch(PackedEntries input, SlotLayout layout, int target, const ControlTest& controls_hold,
                         double sign, PackedAmplitude* output) {
@@ -40,7 +40,8 @@ PackedAmplitude* branch(PackedEntries input, SlotLayout layout, int target, cons
         const FourierFactors::Row& row = factors.from(layout.level(entry.values, target));
         for (std::uint64_t k = 0; k < factors.dimension(); ++k, ++output) {
             // By two whole registers, since entries are read by such when they are sorted.
-            *reinterpret_cast<StoredWords*>(output) = Words{others | k << layout.position(target), entry.dimensions};
+            *reinterpret_cast<StoredWords*>(output) =
+                Words{others | k << layout.position(target), entry.dimensions};
             store(row[k](parts_of(entry.amplitude)), output->amplitude);
         }
     }
@@ -66,7 +67,8 @@ void replace(EntryList& list, PackedEntries kept) {
 }
 
 /// For so few children that they need no memory. Nothing clears theirs first.
-void transform_few(EntryList& list, SlotLayout layout, int target, const ControlTest& controls_hold, double sign) {
+void transform_few(EntryList& list, SlotLayout layout, int target, const ControlTest& controls_hold,
+                   double sign) {
     alignas(PackedAmplitude) std::byte memory[crossover::children_on_stack * sizeof(PackedAmplitude)];
     PackedAmplitude* const children = reinterpret_cast<PackedAmplitude*>(memory);
     PackedAmplitude* const end = branch(list.entries(), layout, target, controls_hold, sign, children);
@@ -87,13 +89,14 @@ void hadamard(EntryList& list, SlotLayout layout, const Gate& gate, double sign)
         if (transform_by_groups(list, layout, target, controls_hold, sign))
             return guard_size(list.entries().size());
     }
-    std::vector<PackedAmplitude> working = branched(list.entries(), layout, gate.targets, controls_hold, sign);
+    std::vector<PackedAmplitude> working =
+        branched(list.entries(), layout, gate.targets, controls_hold, sign);
     replace(list, std::span(working).first(reduce_entries(working)));
     guard_size(list.entries().size());
 }
 
-void hadamard_no_reduce(PackedEntries input, SlotLayout layout, int target, std::span<const Predicate> controls,
-                        double sign, EntryList& output) {
+void hadamard_no_reduce(PackedEntries input, SlotLayout layout, int target,
+                        std::span<const Predicate> controls, double sign, EntryList& output) {
     const ControlTest controls_hold(controls, layout);
     output.resize(count_children(input, controls_hold, dimension_of(input, layout, target)));
     branch(input, layout, target, controls_hold, sign, output.entries().data());

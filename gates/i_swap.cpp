@@ -17,8 +17,8 @@ namespace vantel::qudit {
 
 namespace {
 
-/// An amplitude of an entry whose two levels differ is shared out: cos(theta) of it stays, and i sin(theta) goes to
-/// the exchanged levels, with theta = fraction pi / 2.
+/// An amplitude of an entry whose two levels differ is shared out: cos(theta) of it stays, and i sin(theta)
+/// goes to the exchanged levels, with theta = fraction pi / 2.
 struct Shares {
     Factor staying;
     Factor crossing;
@@ -32,7 +32,8 @@ struct Shares {
 };
 
 /// The gate as it is defined: the crossing shares are appended, and the list is reduced.
-void share_out(EntryList& list, const ControlTest& controls_hold, const Exchange& exchange, const Shares& shares) {
+void share_out(EntryList& list, const ControlTest& controls_hold, const Exchange& exchange,
+               const Shares& shares) {
     const std::size_t size = list.entries().size();
     list.resize(2 * size);
     PackedAmplitude* appended = list.entries().data() + size;
@@ -49,17 +50,19 @@ void share_out(EntryList& list, const ControlTest& controls_hold, const Exchange
     list.resize(reduce_entries(list.entries()));
 }
 
-/// An entry without its dimensions, which are those of all, on its way to its new place. Copies stand by rank.
+/// An entry without its dimensions, which are those of all, on its way to its new place. Copies stand by
+/// rank.
 struct Copy {
     std::uint64_t values;
     std::complex<double> amplitude;
 };
 
-/// The gate together with its reduction: at most two shares meet in a label, what stays of its own entry and what
-/// crosses from its partner, and both are found by rank.
+/// The gate together with its reduction: at most two shares meet in a label, what stays of its own entry and
+/// what crosses from its partner, and both are found by rank.
 class SharedByRank {
 public:
-    /// @param positions  by rank, and by how much a rank rises with a level of the lower target and of the higher
+    /// @param positions  by rank, and by how much a rank rises with a level of the lower target and of the
+    /// higher
     /// @param entries    copies, since the list is written over
     SharedByRank(std::span<std::uint32_t> positions, std::uint64_t low_stride, std::uint64_t high_stride,
                  const Copy* entries, const ControlTest& controls_hold, const Exchange& exchange,
@@ -87,25 +90,25 @@ public:
         });
     }
 
-    /// Writes the sums, as if `list.size()` of them stay. For a `complete` list, also as if no product had an infinity
-    /// to recover: such a one is NaN and so is its sum, which is dropped.
+    /// Writes the sums, as if `list.size()` of them stay. For a `complete` list, also as if no product had an
+    /// infinity to recover: such a one is NaN and so is its sum, which is dropped.
     /// @return how many stay
     template <bool complete>
     [[nodiscard]] std::size_t write(std::span<PackedAmplitude> list, std::uint64_t dimensions,
                                     std::uint32_t* holes) const {
         std::size_t kept = 0;
-        controls_hold_.walk(list, [own = *this, dimensions, holes, &kept](std::span<PackedAmplitude> written,
-                                                                          auto holds, auto)
-                                      __attribute__((always_inline)) {
-            ReducedOrder order(written, dimensions, holes);
-            std::size_t count = 0;
-            for (std::size_t rank = 0; rank < own.positions_.size(); ++rank)
-                if constexpr (complete)
-                    count += own.add_complete(order, rank, holds) ? 1 : 0;
-                else if (const std::uint32_t position = own.positions_[rank]; position != 0)
-                    count += own.add(order, rank, position, holds) ? 1 : 0;
-            kept = count;
-        });
+        controls_hold_.walk(
+            list, [ own = *this, dimensions, holes, &kept ](std::span<PackedAmplitude> written, auto holds,
+                                                            auto) __attribute__((always_inline)) {
+                ReducedOrder order(written, dimensions, holes);
+                std::size_t count = 0;
+                for (std::size_t rank = 0; rank < own.positions_.size(); ++rank)
+                    if constexpr (complete)
+                        count += own.add_complete(order, rank, holds) ? 1 : 0;
+                    else if (const std::uint32_t position = own.positions_[rank]; position != 0)
+                        count += own.add(order, rank, position, holds) ? 1 : 0;
+                kept = count;
+            });
         return kept;
     }
 
@@ -138,7 +141,8 @@ private:
 
     /// The same without a branch on what an entry is.
     template <class Holds>
-    [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank, const Holds& holds) const {
+    [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank,
+                                             const Holds& holds) const {
         const std::uint64_t values = entries_[rank].values;
         const std::uint64_t ahead = exchange_.ahead(values);
         const std::uint64_t shared = ~equal(ahead, 0) & holds(values);
@@ -192,8 +196,10 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
     list.resize(size + reached);
     if (table.is_complete() && shared.write<true>(list.entries(), dimensions, holes) == size)
         return true;
-    // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once more.
-    if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes); kept < list.entries().size()) {
+    // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once
+    // more.
+    if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes);
+        kept < list.entries().size()) {
         list.resize(kept);
         static_cast<void>(shared.write<false>(list.entries(), dimensions, holes));
     }

@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
+#include "algorithms/short_list.hpp"
 #include "state/istate.hpp"
 #include "state/limits.hpp"
-#include "algorithms/short_list.hpp"
 
 namespace vantel {
 
@@ -45,7 +45,7 @@ struct QuantumProperty::SharedState {
     std::unique_ptr<qudit::IState> state;
 
     /// The handles, not owned. A release compacts the list and does not shorten it, so that a handle can
-    /// stand in it twice, and the pointer of a handle that is gone can remain. That is meant: a merge
+    /// stand in it twice, and the pointer of a handle that is gone can remain. That is deliberate: a merge
     /// moves the qudit index of a handle once for each time it stands here.
     ShortList<QuantumProperty*, qudit::MAX_QUDIT_NUM> properties;
 

@@ -38,7 +38,8 @@ int check_matrix_size(std::uint64_t permutations, std::size_t output_size) {
     return required > output_size ? vantel_output_too_small : vantel_output_size_mismatch;
 }
 
-/// Writes a level and those behind levels[0], four at a time where there are so many, the last four once more.
+/// Writes a level and those behind levels[0], four at a time where there are so many, the last four once
+/// more.
 void write_levels(int first, std::span<const int> levels, int* written) {
     using Four [[gnu::vector_size(16), gnu::aligned(4), gnu::may_alias]] = int;
     const auto write_four = [&](std::size_t i) {

@@ -2,9 +2,9 @@
 #include <array>
 #include <initializer_list>
 
+#include "algorithms/short_list.hpp"
 #include "property/operations.hpp"
 #include "state/limits.hpp"
-#include "algorithms/short_list.hpp"
 
 namespace vantel {
 

@@ -44,7 +44,7 @@ qudit::ProbabilityTable probabilities(Properties properties) {
 }
 
 qudit::DensityMatrix reduced_density_matrix(Properties properties,
-                                           const qudit::ValuePermutations& permutations) {
+                                            const qudit::ValuePermutations& permutations) {
     if (properties.empty())
         return {};
     const qudit::IState& state = *tensor_state(properties);

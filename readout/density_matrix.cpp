@@ -21,13 +21,20 @@ namespace vantel::qudit {
 
 namespace {
 
-/// The number of each entry's levels in some fields, in first-seen order.
+/// A number for each entry's levels in some fields.
 struct Numbering {
     std::vector<std::uint32_t> of; ///< of each entry
-    std::size_t size;              ///< distinct ones
+    std::size_t size;              ///< above all of them
 
     Numbering(PackedEntries entries, std::uint64_t fields) : of(entries.size()) {
         const GatheredBits levels(fields);
+        if (levels.bits() <= 8) { // levels so few that they are numbers themselves
+            std::transform(entries.begin(), entries.end(), of.begin(), [&](const PackedAmplitude& entry) {
+                return static_cast<std::uint32_t>(levels(entry.values));
+            });
+            size = std::size_t{1} << levels.bits();
+            return;
+        }
         size = with_key_index(levels.bits(), entries.size(), [&](auto& seen) {
             for (std::size_t i = 0; i < entries.size(); ++i)
                 of[i] = static_cast<std::uint32_t>(seen.find_or_add(levels(entries[i].values)));
@@ -44,26 +51,27 @@ struct PackedElement {
     std::complex<double> element;
 };
 
-/// The sum over all pairs of entries that agree in the traced fields of a times the conjugate of b, one for each pair
-/// of levels in the kept fields, in first-seen order.
+/// The sum over all pairs of entries that agree in the traced fields of a times the conjugate of b, one for
+/// each pair of levels in the kept fields, in first-seen order.
 std::vector<PackedElement> elements_of(PackedEntries entries, std::uint64_t kept_fields,
                                        std::uint64_t traced_fields) {
     const Numbering kept(entries, kept_fields);
     const Partners partners(entries, traced_fields);
     const auto bits = static_cast<unsigned>(std::bit_width(kept.size * kept.size));
     return with_key_index(bits, entries.size(), [&](auto& seen) {
-        return wide_loop([&, entries]() __attribute__((always_inline)) {
+        return wide_loop([&, entries ]() __attribute__((always_inline)) {
             std::vector<PackedElement> elements;
             for (std::uint32_t a = 0; a < entries.size(); ++a) {
                 const Factor amplitude(entries[a].amplitude);
-                partners.for_each_of(a, [&](std::uint32_t b) __attribute__((always_inline)) {
-                    const Parts product = amplitude(conjugate(parts_of(entries[b].amplitude)));
-                    const std::size_t position = seen.find_or_add(kept.of[a] * kept.size + kept.of[b]);
-                    if (position == elements.size()) [[unlikely]]
-                        elements.push_back({entries[a].values, entries[b].values, complex_of(product)});
-                    else
-                        store(parts_of(elements[position].element) + product, elements[position].element);
-                });
+                partners.for_each_of(
+                    a, [&](std::uint32_t b) __attribute__((always_inline)) {
+                        const Parts product = amplitude(conjugate(parts_of(entries[b].amplitude)));
+                        const std::size_t position = seen.find_or_add(kept.of[a] * kept.size + kept.of[b]);
+                        if (position == elements.size()) [[unlikely]]
+                            elements.push_back({entries[a].values, entries[b].values, complex_of(product)});
+                        else
+                            store(parts_of(elements[position].element) + product, elements[position].element);
+                    });
             }
             return elements;
         });

@@ -16,8 +16,8 @@ namespace {
 
 using Matrix = std::vector<std::complex<double>>;
 
-/// A list in the order of its table. Groups, which are the entries that differ in the listed qudits alone, are
-/// neighbours there, with the columns in order.
+/// A list in the order of its table. Groups, which are the entries that differ in the listed qudits alone,
+/// are neighbours there, with the columns in order.
 struct Ranked {
     std::unique_ptr<Parts[]> amplitudes;    ///< by rank, and one place more
     std::unique_ptr<std::uint32_t[]> ranks; ///< in stored order
@@ -25,7 +25,7 @@ struct Ranked {
     Ranked(PackedEntries entries, const PositionTable& table)
         : amplitudes(new Parts[table.size() + 1]), ranks(new std::uint32_t[entries.size()]) {
         table.rank().cheapest([&](auto rank_of) {
-            wide_loop([=, by_rank = amplitudes.get(), next = ranks.get()]() __attribute__((always_inline)) {
+            wide_loop([ =, by_rank = amplitudes.get(), next = ranks.get() ]() __attribute__((always_inline)) {
                 for (std::size_t i = 0; i < entries.size(); ++i) {
                     next[i] = static_cast<std::uint32_t>(rank_of(entries[i].values));
                     by_rank[next[i]] = parts_of(entries[i].amplitude);
@@ -46,8 +46,8 @@ public:
         unrolled<registers>([this](auto i) __attribute__((always_inline)) { sums_[i] = -Register{}; });
     }
 
-    /// Adds the products of an amplitude with the conjugates of its partners. Their signs are those of the amplitude's
-    /// parts, turned instead, which gives the same bits.
+    /// Adds the products of an amplitude with the conjugates of its partners. Their signs are those of the
+    /// amplitude's parts, turned instead, which gives the same bits.
     [[gnu::always_inline]] void add(Parts amplitude, const Parts* partners) {
         const Register real = In::all(negated<1>(__builtin_shufflevector(amplitude, amplitude, 0, 0)));
         const Register imaginary = In::all(__builtin_shufflevector(amplitude, amplitude, 1, 1));
@@ -69,21 +69,22 @@ private:
     Register sums_[registers];
 };
 
-constexpr std::size_t few_rows = 4;      // whose sums are all at hand, so that entries are taken as they stand
+constexpr std::size_t few_rows = 4; // whose sums are all at hand, so that entries are taken as they stand
 constexpr std::size_t most_columns = 10; // whose sums are in registers
 
 void add_few_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::size_t side) {
     with_constant<1, few_rows>(side, [&](auto rows) {
-        wide_loop([=, amplitudes = list.amplitudes.get(), ranks = list.ranks.get(),
-                   elements = matrix.data()](auto vectors) __attribute__((always_inline)) {
-            RowSums<rows, decltype(vectors)> sums[rows];
-            for (std::size_t i = 0; i < size; ++i) {
-                const std::uint32_t row = ranks[i] % rows;
-                sums[row].add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row]);
-            }
-            for (std::size_t row = 0; row < rows; ++row)
-                sums[row].write(elements + row * rows);
-        });
+        wide_loop(
+            [ =, amplitudes = list.amplitudes.get(), ranks = list.ranks.get(),
+              elements = matrix.data() ](auto vectors) __attribute__((always_inline)) {
+                RowSums<rows, decltype(vectors)> sums[rows];
+                for (std::size_t i = 0; i < size; ++i) {
+                    const std::uint32_t row = ranks[i] % rows;
+                    sums[row].add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row]);
+                }
+                for (std::size_t row = 0; row < rows; ++row)
+                    sums[row].write(elements + row * rows);
+            });
     });
 }
 
@@ -96,8 +97,8 @@ void add_many_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::si
         ends[row] = by_row.get() + row * groups;
     for (std::size_t i = 0; i < size; ++i)
         *ends[list.ranks[i] % static_cast<std::uint32_t>(side)]++ = list.ranks[i];
-    wide_loop([=, ranks = by_row.get(), amplitudes = list.amplitudes.get(),
-               elements = matrix.data()](auto vectors) __attribute__((always_inline)) {
+    wide_loop([ =, ranks = by_row.get(), amplitudes = list.amplitudes.get(),
+                elements = matrix.data() ](auto vectors) __attribute__((always_inline)) {
         for (std::size_t row = 0; row < side; ++row)
             for (std::size_t first = 0; first < side; first += most_columns)
                 with_constant<1, most_columns>(
@@ -112,7 +113,8 @@ void add_many_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::si
 
 /// The same for any list, with the product of the standard where `recovering`.
 template <bool recovering>
-void add_any(Matrix& matrix, const Ranked& list, const PositionTable& table, std::size_t size, std::size_t side) {
+void add_any(Matrix& matrix, const Ranked& list, const PositionTable& table, std::size_t size,
+             std::size_t side) {
     std::vector<bool> reached(matrix.size(), false);
     for (std::size_t i = 0; i < size; ++i) {
         const std::size_t row = list.ranks[i] % side;

@@ -13,7 +13,8 @@ namespace vantel::qudit {
 /// @param entries     at least one
 /// @param dimensions  of the listed qudits, by which rows and columns are ranked
 /// @param side        how many combinations of their levels there are
-/// @return the elements row by row; none where no table of the labels can be made, or the qudits have other dimensions
+/// @return the elements row by row; none where no table of the labels can be made, or the qudits have other
+/// dimensions
 ///         by now
 /// @throws std::bad_alloc
 std::vector<std::complex<double>> matrix_by_rank(PackedEntries entries, SlotLayout layout,

@@ -2,15 +2,15 @@
 #include <array>
 #include <cmath>
 
+#include "algorithms/gathered_bits.hpp"
+#include "algorithms/single_precision_sum.hpp"
+#include "algorithms/two_ended_partition.hpp"
+#include "algorithms/wide_loop.hpp"
 #include "readout/draw.hpp"
 #include "readout/outcomes.hpp"
 #include "readout/weights.hpp"
 #include "state/builds.hpp"
 #include "state/state.hpp"
-#include "algorithms/gathered_bits.hpp"
-#include "algorithms/single_precision_sum.hpp"
-#include "algorithms/two_ended_partition.hpp"
-#include "algorithms/wide_loop.hpp"
 
 namespace vantel::qudit {
 
@@ -48,18 +48,21 @@ namespace {
 /// Divides every amplitude by the norm of the list. Sum and root are single precision on purpose, so the
 /// state's norm is 1 to that precision only.
 void renormalise(std::span<PackedAmplitude> entries) {
-    wide_loop([=]() __attribute__((always_inline)) { divide(entries, static_cast<double>(std::sqrt(squared_norm(entries)))); });
+    wide_loop([=]() __attribute__((always_inline)) {
+        divide(entries, static_cast<double>(std::sqrt(squared_norm(entries))));
+    });
 }
 
 /// Moves the entries that show an outcome in the listed fields to the front. @return how many they are
 std::size_t project(std::span<PackedAmplitude> entries, std::uint64_t listed, std::uint64_t outcome,
                     const OutcomeNumbers& numbers) {
     if (numbers)
-        return wide_loop([=, &numbers, number = GatheredBits(listed)(outcome)]() __attribute__((always_inline)) {
-            return partition_two_ended(entries, [&](std::size_t first, std::size_t count) {
-                return numbers.showing(number, first, count);
+        return wide_loop(
+            [ =, &numbers, number = GatheredBits(listed)(outcome) ]() __attribute__((always_inline)) {
+                return partition_two_ended(entries, [&](std::size_t first, std::size_t count) {
+                    return numbers.showing(number, first, count);
+                });
             });
-        });
     return partition_two_ended(entries, judged_by(entries, [=](const PackedAmplitude& entry) {
                                    return ((entry.values ^ outcome) & listed) == 0;
                                }));

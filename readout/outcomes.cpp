@@ -15,8 +15,8 @@ constexpr auto unnoted = [](std::size_t) {};
 
 /// Outcomes that are so few in kind that each has a place from the beginning.
 template <class Weight, class Note>
-std::vector<PackedOutcome> few_outcomes(PackedEntries entries, std::uint64_t listed, const GatheredBits& number_of,
-                                        Note note) {
+std::vector<PackedOutcome> few_outcomes(PackedEntries entries, std::uint64_t listed,
+                                        const GatheredBits& number_of, Note note) {
     const std::size_t kinds = std::size_t{1} << number_of.bits();
     std::vector<double> sums(kinds, 0.0);
     std::vector<unsigned char> seen(kinds, 0);
@@ -32,16 +32,15 @@ std::vector<PackedOutcome> few_outcomes(PackedEntries entries, std::uint64_t lis
             return number;
         };
         sum_up<Weight>(
-            entries, listed, place_of, [sums = sums.data()](std::size_t place) -> double& { return sums[place]; },
-            note);
+            entries, listed, place_of,
+            [sums = sums.data()](std::size_t place) -> double& { return sums[place]; }, note);
     });
     for (PackedOutcome& outcome : outcomes)
         outcome.probability = sums[number_of(outcome.values)];
     return outcomes;
 }
 
-template <class Weight>
-std::vector<PackedOutcome> outcomes_by(PackedEntries entries, std::uint64_t listed) {
+template <class Weight> std::vector<PackedOutcome> outcomes_by(PackedEntries entries, std::uint64_t listed) {
     const GatheredBits key_of(listed);
     if (key_of.bits() <= OutcomeNumbers::bits)
         return few_outcomes<Weight>(entries, listed, key_of, unnoted);

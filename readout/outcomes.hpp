@@ -49,8 +49,8 @@ public:
         std::uint64_t showing = 0;
         for (std::size_t i = 0; i < count; i += sizeof(FourWords)) {
             const Bytes some = *reinterpret_cast<const Bytes*>(&numbers_[first + i]);
-            FourWords eights =
-                reinterpret_cast<FourWords>(some == static_cast<unsigned char>(number)) & own_bit_of_each_byte;
+            FourWords eights = reinterpret_cast<FourWords>(some == static_cast<unsigned char>(number)) &
+                               own_bit_of_each_byte;
             eights |= eights >> 32;
             eights |= eights >> 16;
             eights |= eights >> 8;

@@ -16,7 +16,7 @@ class Hashed {
 public:
     Hashed(PackedEntries entries, std::uint64_t fields)
         : place_of_(fields, entries.size()), words_(place_of_.end() / 64) {
-        wide_loop([entries, place_of = place_of_, words = words_.data()]() __attribute__((always_inline)) {
+        wide_loop([ entries, place_of = place_of_, words = words_.data() ]() __attribute__((always_inline)) {
             for (const PackedAmplitude& entry : entries) {
                 const std::uint64_t place = place_of(entry.values);
                 std::uint64_t& word = words[place / 64];
@@ -29,17 +29,18 @@ public:
     /// The positions of the others, and of a few that are alone but have the hash of another.
     [[nodiscard]] std::vector<std::uint32_t> crowded(PackedEntries entries) const {
         std::vector<std::uint32_t> positions(entries.size());
-        positions.resize(wide_loop([entries, place_of = place_of_, words = words_.data(),
-                                    begin = positions.data()]() __attribute__((always_inline)) {
-            std::uint32_t* end = begin;
-            std::uint32_t position = 0;
-            for (const PackedAmplitude& entry : entries) {
-                const std::uint64_t place = place_of(entry.values);
-                *end = position++; // no branch depends on the hash: what is not crowded is overwritten
-                end += words[place / 64] >> place % 64 >> 1 & 1;
-            }
-            return static_cast<std::size_t>(end - begin);
-        }));
+        positions.resize(
+            wide_loop([ entries, place_of = place_of_, words = words_.data(),
+                        begin = positions.data() ]() __attribute__((always_inline)) {
+                std::uint32_t* end = begin;
+                std::uint32_t position = 0;
+                for (const PackedAmplitude& entry : entries) {
+                    const std::uint64_t place = place_of(entry.values);
+                    *end = position++; // no branch depends on the hash: what is not crowded is overwritten
+                    end += words[place / 64] >> place % 64 >> 1 & 1;
+                }
+                return static_cast<std::size_t>(end - begin);
+            }));
         return positions;
     }
 
@@ -50,7 +51,9 @@ private:
     class Place {
     public:
         Place(std::uint64_t fields, std::size_t entries) noexcept
-            : fields_(fields), shift_(63 - static_cast<unsigned>(std::bit_width(spacious * std::max<std::size_t>(entries, 8)))) {}
+            : fields_(fields),
+              shift_(63 -
+                     static_cast<unsigned>(std::bit_width(spacious * std::max<std::size_t>(entries, 8)))) {}
 
         std::uint64_t operator()(std::uint64_t values) const noexcept {
             constexpr std::uint64_t golden = 0x9E3779B97F4A7C15U; // 2^64 over the golden ratio

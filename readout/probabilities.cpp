@@ -22,7 +22,9 @@ std::vector<double> sums_by_rank(PackedEntries entries, std::uint64_t listed, co
     rank.cheapest([&](auto rank_of) {
         sum_up<Weight>(
             entries, listed,
-            [rank_of, beyond = rank.size()](std::uint64_t values) { return std::min(rank_of(values), beyond); },
+            [rank_of, beyond = rank.size()](std::uint64_t values) {
+                return std::min(rank_of(values), beyond);
+            },
             [sums = sums.data()](std::size_t place) -> double& { return sums[place]; }, [](std::size_t) {});
     });
     sums.pop_back();

@@ -10,8 +10,8 @@
 
 namespace vantel::qudit {
 
-/// The sums of IState::probabilities for every combination of levels, whether an entry shows it or not. Where the
-/// combinations are many more than the entries, only those are held that some entry shows.
+/// The sums of IState::probabilities for every combination of levels, whether an entry shows it or not. Where
+/// the combinations are many more than the entries, only those are held that some entry shows.
 class ProbabilityTable {
 public:
     /// No combinations.
@@ -22,8 +22,8 @@ public:
 
     [[nodiscard]] const ValuePermutations& permutations() const noexcept { return permutations_; }
 
-    /// Calls write(first, levels, probability) for each combination, in order. The level of the first qudit, which
-    /// changes each time, comes apart, and levels[0] means nothing.
+    /// Calls write(first, levels, probability) for each combination, in order. The level of the first qudit,
+    /// which changes each time, comes apart, and levels[0] means nothing.
     template <class Write> void for_each(Write write) const {
         std::vector<int> levels(permutations_.dimensions().size(), 0);
         auto shown = some_.begin();

@@ -15,7 +15,8 @@ namespace vantel::qudit {
 /// are counted by arithmetic and never stored, however many there are; LevelRank numbers them.
 class ValuePermutations {
 public:
-    /// @param dimensions  of each listed qudit; a qudit of an empty joint state has no levels, and an empty list no
+    /// @param dimensions  of each listed qudit; a qudit of an empty joint state has no levels, and an empty
+    /// list no
     ///                    combinations
     /// @throws std::length_error where there are 2^64 combinations or more
     ValuePermutations() : ValuePermutations(std::vector<std::uint64_t>()) {}

@@ -25,8 +25,8 @@ struct SquaredModulus {
     }
 };
 
-/// The same, but NaN where that is infinite beside a part that is NaN: for whoever takes SquaredModulus where a sum
-/// comes out NaN.
+/// The same, but NaN where that is infinite beside a part that is NaN: for whoever takes SquaredModulus where
+/// a sum comes out NaN.
 struct PlainSquare {
     double operator()(const std::complex<double>& amplitude) const noexcept {
         const Parts squares = parts_of(amplitude) * parts_of(amplitude);
@@ -38,7 +38,8 @@ struct PlainSquare {
         static_assert(count % 4 == 0);
         for (std::size_t i = 0; i < count; i += 4) {
             const FourParts even = joined(parts_of(entries[i].amplitude), parts_of(entries[i + 2].amplitude));
-            const FourParts uneven = joined(parts_of(entries[i + 1].amplitude), parts_of(entries[i + 3].amplitude));
+            const FourParts uneven =
+                joined(parts_of(entries[i + 1].amplitude), parts_of(entries[i + 3].amplitude));
             const FourParts even_squares = even * even;
             const FourParts uneven_squares = uneven * uneven;
             *reinterpret_cast<StoredFourParts*>(&weights[i]) =
@@ -69,7 +70,8 @@ inline bool is_mixed(PackedEntries entries, std::uint64_t listed) {
 
 /// Adds weight after weight to sums in memory.
 template <class Weight, class PlaceOf, class SumAt, class Note>
-[[gnu::always_inline]] inline void sum_up_each(PackedEntries entries, PlaceOf place_of, SumAt sum_at, Note note) {
+[[gnu::always_inline]] inline void sum_up_each(PackedEntries entries, PlaceOf place_of, SumAt sum_at,
+                                               Note note) {
     const Weight weight;
 #pragma GCC unroll 4
     for (const PackedAmplitude& entry : entries) {
@@ -100,7 +102,7 @@ template <class Weight, class PlaceOf, class SumAt, class Note>
     };
     // Adds a run of entries that show one outcome, for which another may have to go. Returns whether there
     // are more.
-    const auto add_run = [&](AtHand& hand) __attribute__((always_inline)) {
+    const auto add_run = [&](AtHand & hand) __attribute__((always_inline)) {
         if ((entry->values & listed) != hand.shown) {
             sum_at(hand.place) = hand.sum;
             hand = take(*entry);

@@ -68,7 +68,9 @@ struct SlotLayout {
     }
 
     /// The bits of a word in which a qudit's field stands.
-    [[nodiscard]] constexpr std::uint64_t field(int qudit) const noexcept { return mask() << position(qudit); }
+    [[nodiscard]] constexpr std::uint64_t field(int qudit) const noexcept {
+        return mask() << position(qudit);
+    }
     [[nodiscard]] constexpr std::uint64_t fields(std::span<const int> qudits) const noexcept {
         std::uint64_t all = 0;
         for (const int qudit : qudits)

@@ -80,8 +80,8 @@ public:
     /// @throws std::bad_alloc, and nothing has changed then
     virtual void resize(std::size_t size) = 0;
 
-    /// Scratch memory that the list owns, as much as `longest` entries take: good as long as the list gets no longer
-    /// than that. It stays with the list, for the gates to come. The list may move.
+    /// Scratch memory that the list owns, as much as `longest` entries take: good as long as the list gets no
+    /// longer than that. It stays with the list, for the gates to come. The list may move.
     /// @throws std::bad_alloc, and nothing has changed then
     virtual std::span<std::byte> spare_behind(std::size_t longest) = 0;
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "algorithms/wide_loop.hpp"
 #include "algorithms/crossovers.hpp"
+#include "algorithms/wide_loop.hpp"
 
 namespace vantel::qudit {
 

@@ -33,10 +33,10 @@ template <class Vectors>
     return reinterpret_cast<Mask>(exceed) | reinterpret_cast<Mask>(exchanged(exceed));
 }
 
-/// Makes a list sparse again: sorts it by label, sums the amplitudes of equal labels in the order in which they
-/// stood, and drops each sum that does not exceed the threshold. The drop fills each hole with the kept entry
-/// nearest the tail, so the list is not sorted afterwards; that is deliberate, as the stored order decides the
-/// order of every result.
+/// Makes a list sparse again: sorts it by label, sums the amplitudes of equal labels in the order in which
+/// they stood, and drops each sum that does not exceed the threshold. The drop fills each hole with the kept
+/// entry nearest the tail, so the list is not sorted afterwards; that is deliberate, as the stored order
+/// decides the order of every result.
 /// @return how many entries stay, at the front of the list; what lies behind them is to be erased
 std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept;
 
@@ -61,8 +61,8 @@ public:
             return false; // its place, too, is a hole, which the next sum notes
         std::size_t place = length_ - 1;
         if (place < size_) {
-            // No branch depends on how many labels a sum is of, as long as they are one or two and nothing was
-            // dropped before them: what is no hole is overwritten by the next.
+            // No branch depends on how many labels a sum is of, as long as they are one or two and nothing
+            // was dropped before them: what is no hole is overwritten by the next.
             if (covered_ == first && run <= 2) {
                 holes_[hole_count_] = static_cast<std::uint32_t>(first);
                 hole_count_ += run - 1;
@@ -96,8 +96,8 @@ private:
     std::size_t length_ = 0;  ///< of the sorted list up to now
 };
 
-/// The places that ReducedOrder gives where every sum is of `run` labels and none is dropped: from any sum on,
-/// and without a list of holes.
+/// The places that ReducedOrder gives where every sum is of `run` labels and none is dropped: from any sum
+/// on, and without a list of holes.
 class UniformOrder {
 public:
     UniformOrder() = default;

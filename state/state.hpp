@@ -10,8 +10,8 @@
 
 namespace vantel::qudit {
 
-/// A joint state whose labels are `Label`, a DitArray<D, N>. What it does stands in kernels that are compiled once;
-/// its members hand them a packed view.
+/// A joint state whose labels are `Label`, a DitArray<D, N>. What it does stands in kernels that are compiled
+/// once; its members hand them a packed view.
 template <class Label> class State final : public IState {
 public:
     using Entry = BasisAmplitude<Label>;

@@ -11,8 +11,8 @@
 
 namespace vantel::qudit {
 
-/// A qudit that is left in one level, by a measurement or because no gate has acted on it yet, tells no two labels
-/// apart. What finds labels by their rank leaves such qudits out.
+/// A qudit that is left in one level, by a measurement or because no gate has acted on it yet, tells no two
+/// labels apart. What finds labels by their rank leaves such qudits out.
 struct Survey {
     std::uint64_t some; ///< the bits that are set in the levels of some entry
     std::uint64_t all;  ///< those that are set in all

@@ -2,7 +2,6 @@
 #include <limits>
 #include <random>
 
-#include "algorithms/key_index.hpp"
 #include "state/state.hpp"
 #include "tests/support/states.hpp"
 
@@ -80,15 +79,6 @@ TEST(Reduction, LeavesTheToldEntriesInTheToldOrder) {
         for (const auto& [label, amplitude] : list)
             left.push_back({label.dits(), amplitude});
         EXPECT_TRUE(same_entries(left, entries_of({10}, after)));
-    }
-}
-
-TEST(KeyIndex, NumbersKeysAsTheyAreFirstSeenHoweverManyCome) {
-    HashedKeyIndex index(1);
-    for (int again = 0; again < 2; ++again) {
-        std::mt19937_64 keys(1);
-        for (std::size_t i = 0; i < 5000; ++i)
-            ASSERT_EQ(index.find_or_add(keys()), i);
     }
 }
 
