@@ -7,12 +7,8 @@ install(TARGETS vantel EXPORT vantel
         NAMELINK_COMPONENT development)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
-install(FILES
-    ${PROJECT_BINARY_DIR}/include/vantel.h
-    ${PROJECT_BINARY_DIR}/include/vantel.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_quantities.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_sampling.hpp
+list(TRANSFORM vantel_headers PREPEND ${PROJECT_BINARY_DIR}/include/ OUTPUT_VARIABLE vantel_installed_headers)
+install(FILES ${vantel_installed_headers} ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 # find_package(vantel 1 CONFIG). The library needs no other package, so the exported targets are all of it.
