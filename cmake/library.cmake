@@ -50,8 +50,9 @@ foreach(part vantel_objects vantel_processor)
 endforeach()
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
-set(vantel_headers vantel.h vantel.hpp vantel_lists.hpp vantel_quantities.hpp vantel_sampling.hpp
-    vantel_unitary.hpp)
+set(vantel_headers vantel.h vantel.hpp vantel_circuit.hpp vantel_circuit_drawing.hpp
+    vantel_circuit_steps.hpp vantel_circuit_text.hpp vantel_lists.hpp vantel_quantities.hpp
+    vantel_sampling.hpp vantel_unitary.hpp)
 foreach(header IN LISTS vantel_headers)
     configure_file(interface/${header} include/${header} COPYONLY)
 endforeach()
