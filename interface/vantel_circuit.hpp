@@ -37,6 +37,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <ostream>
@@ -211,6 +212,19 @@ public:
         return read(Action::reset, {target}, {std::move(name)}, std::move(when));
     }
 
+    /// depolarising() with probability p, where conditions on values hold.
+    Circuit& depolarise(Wire target, double p, When when = {}) {
+        return gate(Action::depolarise, {target}, p, when);
+    }
+    /// dephasing() with probability p, where conditions on values hold.
+    Circuit& dephase(Wire target, double p, When when = {}) {
+        return gate(Action::dephase, {target}, p, when);
+    }
+    /// amplitude_damping() by gamma, where conditions on values hold.
+    Circuit& damp(Wire target, double gamma, When when = {}) {
+        return gate(Action::damp, {target}, gamma, when);
+    }
+
     /// Records one step.
     Circuit& append(Step step);
 
@@ -234,7 +248,7 @@ public:
     Circuit& append(const Circuit& other, const std::vector<Wire>& onto);
     /// @}
 
-    /// The circuit backwards, each step inverted. Throws std::logic_error if there is a step that reads.
+    /// The circuit backwards, each step inverted. Throws std::logic_error if a step reads or is noise.
     [[nodiscard]] Circuit inverse() const;
 
     /// The circuit `times` times over, also 0 times.
@@ -246,23 +260,43 @@ public:
         return result;
     }
 
+    /// Whether a run needs a generator, to draw noise.
+    [[nodiscard]] bool needs_generator() const {
+        return std::ranges::any_of(steps_, [](const Step& step) {
+            return step.action == Action::depolarise || step.action == Action::dephase;
+        });
+    }
+
     /// Runs the steps on given qudits, whatever their state.
     /// @param targets  one for each of qudits(), of its dimension. std::invalid_argument otherwise.
     /// @returns what was read.
+    /// @throws std::logic_error  before the first step, if needs_generator().
     Readings run(const Targets& targets) const {
-        if (detail::dimensions(targets) != dimensions())
-            throw std::invalid_argument("the qudits have not the dimensions of the circuit");
-        std::vector<int> numbers(values_.size());
-        for (const Step& step : steps_)
-            if (detail::holds(step, numbers))
-                detail::run(step, targets, numbers);
-        return {values_, std::move(numbers)};
+        if (needs_generator())
+            throw std::logic_error("a circuit with noise needs a generator to run");
+        return run_steps(targets, nullptr);
+    }
+
+    /// Runs the steps on given qudits and draws their noise.
+    /// @param targets    one for each of qudits(), of its dimension. std::invalid_argument otherwise.
+    /// @param generator  asked for one uniform_number() by each step that is depolarising or dephasing.
+    /// @returns what was read.
+    template <BitGenerator Generator> Readings run(const Targets& targets, Generator&& generator) const {
+        return run_steps(targets, [&generator] { return uniform_number(generator); });
     }
 
     /// Runs the steps on new qudits in level 0.
     [[nodiscard]] Run run() const {
         std::vector<Qudit> made = make_register(dimensions());
         Readings readings = run(made);
+        return {std::move(made), std::move(readings)};
+    }
+
+    /// Runs the steps on new qudits in level 0 and draws their noise.
+    /// @param generator  asked for one uniform_number() by each step that is depolarising or dephasing.
+    template <BitGenerator Generator> [[nodiscard]] Run run(Generator&& generator) const {
+        std::vector<Qudit> made = make_register(dimensions());
+        Readings readings = run(made, generator);
         return {std::move(made), std::move(readings)};
     }
 
@@ -298,6 +332,16 @@ private:
         }
     }
 
+    Readings run_steps(const Targets& targets, const std::function<double()>& uniform) const {
+        if (detail::dimensions(targets) != dimensions())
+            throw std::invalid_argument("the qudits have not the dimensions of the circuit");
+        std::vector<int> numbers(values_.size());
+        for (const Step& step : steps_)
+            if (detail::holds(step, numbers))
+                detail::run(step, targets, numbers, uniform);
+        return {values_, std::move(numbers)};
+    }
+
     void check(const Step& step) const;
 
     std::vector<NamedQudit> qudits_;
@@ -326,7 +370,7 @@ inline void Circuit::check(const Step& step) const {
         if (asked.on_value)
             continue;
         asks = true;
-        demand(form.asks, "a step that reads has conditions on values only");
+        demand(form.asks, "a step that reads or is noise has conditions on values only");
         demand(std::ranges::count(step.targets, asked.place) == 0, "a condition names a target of the step");
     }
     demand(asks || form.targets > 0, "a step without a qudit");
@@ -340,17 +384,25 @@ inline void Circuit::check(const Step& step) const {
     if (form.amount == detail::StepForm::Amount::whole)
         demand(step.amount == std::trunc(step.amount) && std::abs(step.amount) < 1e9,
                "a number of steps that is not whole, or beyond a billion");
+    if (form.amount == detail::StepForm::Amount::probability)
+        demand(0 <= step.amount && step.amount <= 1, "a probability that is not in 0 .. 1");
 }
 
 inline Circuit& Circuit::append(Step step) {
     check(step);
-    if (step.action == Action::unitary) {
-        std::vector<int> of_targets;
-        for (const std::size_t target : step.targets)
-            of_targets.push_back(qudits_[target].dimension);
-        if (!step.gates)
-            step.gates = std::make_shared<Unitary>(std::move(of_targets), step.matrix);
-    }
+    PreparedStep prepared;
+    std::vector<int> of_targets;
+    for (const std::size_t target : step.targets)
+        of_targets.push_back(qudits_[target].dimension);
+    if (step.action == Action::unitary)
+        prepared.unitary.emplace(std::move(of_targets), step.matrix);
+    else if (step.action == Action::depolarise)
+        prepared.weyl = depolarising(of_targets[0], step.amount);
+    else if (step.action == Action::dephase)
+        prepared.weyl = dephasing(of_targets[0], step.amount);
+    else if (step.action == Action::damp)
+        prepared.kraus = amplitude_damping(of_targets[0], step.amount);
+    step.prepared = std::make_shared<PreparedStep>(std::move(prepared));
     steps_.push_back(std::move(step));
     return *this;
 }
@@ -372,7 +424,8 @@ inline Circuit& Circuit::append(const Circuit& other, const std::vector<Wire>& o
             value = values[value];
         for (StepCondition& asked : step.when.all)
             asked.place = asked.on_value ? values[asked.place] : onto[asked.place].place;
-        joined.append(std::move(step));
+        joined.check(step);
+        joined.steps_.push_back(std::move(step));
     }
     return *this = std::move(joined);
 }

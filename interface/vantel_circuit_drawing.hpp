@@ -12,9 +12,10 @@
  *
  * Time goes from left to right, a line for each qudit. A box is a target: H is hadamard(), X^f cycle() and
  * (with -f) shift(), Z^f clock(), x a qudit of swap_levels(), iS^f one of i_swap(), +n add(), c and + the
- * control and target of sum(), U unitary(), M measure() and R reset() with the value that they read. Behind a
- * function stand the conditions on values. A filled circle is a qudit that must be in this level, an open one
- * a qudit that must not; behind the last circle of a step without a target stands what it does.
+ * control and target of sum(), U unitary(), M measure() and R reset() with the value that they read, depol,
+ * deph and damp noise. Behind a function stand the conditions on values. A filled circle is a qudit that must
+ * be in this level, an open one a qudit that must not; behind the last circle of a step without a target
+ * stands what it does.
  */
 #ifndef VANTEL_CIRCUIT_DRAWING_HPP
 #define VANTEL_CIRCUIT_DRAWING_HPP
@@ -101,6 +102,12 @@ inline std::string symbol_of(const Step& step) {
         return "?";
     case Action::reset:
         return "R";
+    case Action::depolarise:
+        return "depol " + short_number(step.amount);
+    case Action::dephase:
+        return "deph " + short_number(step.amount);
+    case Action::damp:
+        return "damp " + short_number(step.amount);
     }
     return {};
 }

@@ -5,7 +5,7 @@
 #ifndef VANTEL_CIRCUIT_STEPS_HPP
 #define VANTEL_CIRCUIT_STEPS_HPP
 
-#include "vantel_unitary.hpp" // refuses what is older than C++20
+#include "vantel_noise.hpp" // refuses what is older than C++20
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 
@@ -16,6 +16,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <span>
 #include <stdexcept>
@@ -87,18 +88,29 @@ enum class Action {
     unitary,
     measure,
     project,
-    reset
+    reset,
+    depolarise, ///< depolarising(), drawn by the generator of the run
+    dephase,    ///< dephasing(), drawn by the generator of the run
+    damp        ///< amplitude_damping(), drawn by the system
+};
+
+/// What is made of a step once, for all its runs.
+struct PreparedStep {
+    std::optional<Unitary> unitary;    ///< of Action::unitary
+    std::optional<WeylChannel> weyl;   ///< of Action::depolarise and Action::dephase
+    std::optional<KrausChannel> kraus; ///< of Action::damp
 };
 
 /// One step of a circuit.
 struct Step {
     Action action{};                  ///< what is done
     std::vector<std::size_t> targets; ///< the places of its qudits, in the order of the function's arguments
-    double amount = 1;                ///< the fraction, the angle in radians, or the number of steps to add
-    When when;                        ///< its conditions; of Action::project what is asked
-    std::vector<std::size_t> values;  ///< the places of what it reads: one for each target, or one answer
-    std::vector<Complex> matrix;      ///< of Action::unitary, row by row
-    std::shared_ptr<const Unitary> gates; ///< the matrix taken apart; Circuit::append() makes it
+    double amount = 1; ///< the fraction, the angle in radians, the number of steps to add, or the probability
+    When when;         ///< its conditions; of Action::project what is asked
+    std::vector<std::size_t> values; ///< the places of what it reads: one for each target, or one answer
+    std::vector<Complex> matrix;     ///< of Action::unitary, row by row
+    /// Made by Circuit::append(), whatever it was.
+    std::shared_ptr<const PreparedStep> prepared;
 };
 
 /// What a run has read: a number for each value of the circuit.
@@ -140,7 +152,7 @@ namespace detail {
 
 /// How a step is written: its name and what follows it.
 struct StepForm {
-    enum class Amount { none, fraction, angle, whole };
+    enum class Amount { none, fraction, angle, whole, probability };
     static constexpr std::size_t any = 100;
 
     Action action;
@@ -167,6 +179,9 @@ inline constexpr StepForm step_forms[] = {
     {Action::measure, "measure", StepForm::any, StepForm::Amount::none, true, false},
     {Action::project, "project", 0, StepForm::Amount::none, true, true},
     {Action::reset, "reset", 1, StepForm::Amount::none, true, false},
+    {Action::depolarise, "depolarise", 1, StepForm::Amount::probability, false, false},
+    {Action::dephase, "dephase", 1, StepForm::Amount::probability, false, false},
+    {Action::damp, "damp", 1, StepForm::Amount::probability, false, false},
 };
 
 inline const StepForm& form_of(Action action) {
@@ -184,7 +199,7 @@ inline void check_name(std::string_view name) {
         throw std::invalid_argument("'" + std::string(name) + "' is no name");
 }
 
-/// The step that undoes another. Throws std::logic_error for one that reads.
+/// The step that undoes another. Throws std::logic_error for one that reads or is noise.
 inline Step inverse(const Step& original) {
     Step step = original;
     switch (step.action) {
@@ -219,13 +234,16 @@ inline Step inverse(const Step& original) {
         for (std::size_t row = 0; row < side; ++row)
             for (std::size_t column = 0; column < side; ++column)
                 step.matrix[row * side + column] = std::conj(original.matrix[column * side + row]);
-        step.gates = nullptr;
+        step.prepared = nullptr;
         break;
     }
     case Action::measure:
     case Action::project:
     case Action::reset:
-        throw std::logic_error("a circuit that reads has no inverse");
+    case Action::depolarise:
+    case Action::dephase:
+    case Action::damp:
+        throw std::logic_error("a circuit that reads or has noise has no inverse");
     }
     return step;
 }
@@ -237,8 +255,10 @@ inline bool holds(const Step& step, std::span<const int> numbers) {
     });
 }
 
-/// Makes the call that a step stands for, on the qudits of a circuit and with room for its values.
-inline void run(const Step& step, const Targets& qudits, std::span<int> numbers) {
+/// Makes the call that a step stands for, on the qudits of a circuit, with room for its values and what
+/// draws numbers in [0, 1) for its noise, if there is any.
+inline void run(const Step& step, const Targets& qudits, std::span<int> numbers,
+                const std::function<double()>& uniform) {
     const auto target = [&](std::size_t i) -> Qudit& { return qudits[step.targets[i]]; };
     std::vector<Condition> when;
     for (const StepCondition& asked : step.when.all)
@@ -271,7 +291,7 @@ inline void run(const Step& step, const Targets& qudits, std::span<int> numbers)
     case Action::inverse_sum:
         return vantel::inverse_sum(target(0), target(1), when);
     case Action::unitary:
-        step.gates->apply(targets, when);
+        step.prepared->unitary->apply(targets, when);
         return;
     case Action::measure: {
         const std::vector<int> levels = vantel::measure(targets);
@@ -284,6 +304,15 @@ inline void run(const Step& step, const Targets& qudits, std::span<int> numbers)
         return;
     case Action::reset:
         numbers[step.values[0]] = vantel::reset(target(0));
+        return;
+    case Action::depolarise:
+    case Action::dephase:
+        if (!uniform)
+            throw std::logic_error("a circuit with noise needs a generator to run");
+        step.prepared->weyl->draw(uniform()).apply(target(0));
+        return;
+    case Action::damp:
+        step.prepared->kraus->apply(target(0));
         return;
     }
 }
