@@ -25,10 +25,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <future>
 #include <map>
+#include <memory>
 #include <optional>
 #include <ostream>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -147,6 +150,110 @@ inline std::optional<MeasuredLast> measured_last(const Circuit& circuit) {
 } // namespace detail
 /// @endcond
 
+/// The runs of an ensemble by their numbers, so that they can be made in parts: by several processes, or with
+/// a look at the clock in between. Parts that do not overlap add up to the ensemble of all, with the same
+/// counts where they can be repeated. It holds no reference and does not change; threads can share it.
+class Trials {
+public:
+    /// @param circuit  what runs.
+    /// @param seed     of all draws that are not the system's.
+    /// @throws  what the circuit's run throws, if it is run but once because its draws come last.
+    explicit Trials(Circuit circuit, std::uint64_t seed = 0)
+        : circuit_(std::move(circuit)), seed_(seed), last_(detail::measured_last(circuit_)) {
+        if (!last_ || circuit_.needs_generator() || last_->qudits.empty())
+            return;
+        // What the shots of a circuit without noise have in common is its last state.
+        const Run run = last_->gates.run();
+        table_ = std::make_shared<const OutcomeSampler>(measured(run.qudits));
+    }
+
+    /// Whether the same seed gives the same counts: no run draws from the system's randomness.
+    [[nodiscard]] bool repeatable() const noexcept { return last_.has_value(); }
+
+    /// Makes the runs of numbers `from` up to but not `to`.
+    /// @param threads  how many share them; 0 for as many as the machine has processors.
+    /// @throws Error, or what else the circuit's run throws; that of the first thread that failed, once all
+    /// ended.
+    [[nodiscard]] Ensemble run(std::size_t from, std::size_t to, unsigned threads = 0) const {
+        const std::size_t shots = to > from ? to - from : 0;
+        const std::size_t parts = std::clamp<std::size_t>(
+            threads != 0 ? threads : std::thread::hardware_concurrency(), 1, std::max<std::size_t>(shots, 1));
+        const auto border = [&](std::size_t part) {
+            return from + shots / parts * part + std::min(part, shots % parts);
+        };
+        std::vector<std::future<Tally>> others;
+        for (std::size_t part = 1; part < parts; ++part)
+            others.push_back(
+                std::async(std::launch::async, [this, first = border(part), end = border(part + 1)] {
+                    return tally(first, end);
+                }));
+        Tally counts = tally(from, from + (shots > 0 ? border(1) - from : 0));
+        for (std::future<Tally>& other : others)
+            for (const auto& [numbers, found] : other.get())
+                counts[numbers] += found;
+        return {circuit_.values(), std::move(counts), repeatable()};
+    }
+
+private:
+    using Tally = std::map<std::vector<int>, std::size_t>;
+
+    [[nodiscard]] std::vector<std::reference_wrapper<const Qudit>>
+    measured(const std::vector<Qudit>& qudits) const {
+        std::vector<std::reference_wrapper<const Qudit>> list;
+        for (const std::size_t place : last_->qudits)
+            list.emplace_back(qudits[place]);
+        return list;
+    }
+
+    [[nodiscard]] std::vector<int> numbers_of(std::span<const int> levels) const {
+        std::vector<int> numbers(circuit_.values().size());
+        for (std::size_t i = 0; i < levels.size(); ++i)
+            numbers[last_->values[i]] = levels[i];
+        return numbers;
+    }
+
+    [[nodiscard]] Tally tally(std::size_t from, std::size_t to) const {
+        if (table_)
+            return tally_of_table(from, to);
+        if (last_ && last_->qudits.empty())
+            return to > from ? Tally{{numbers_of({}), to - from}} : Tally{};
+        Tally counts;
+        for (std::size_t shot = from; shot < to; ++shot) {
+            auto generator = generator_of_shot(seed_, shot);
+            if (!last_)
+                ++counts[circuit_.run(generator).readings.numbers()];
+            else {
+                const Run run = last_->gates.run(generator);
+                ++counts[numbers_of(sample(measured(run.qudits), 1, generator)[0])];
+            }
+        }
+        return counts;
+    }
+
+    /// A generator takes longer to set up than a shot of a table, so that it draws a block of them.
+    [[nodiscard]] Tally tally_of_table(std::size_t from, std::size_t to) const {
+        constexpr std::size_t block = 1 << 16;
+        constexpr std::size_t numbers_of_a_shot = 2;
+        std::vector<std::size_t> rows(table_->size());
+        for (std::size_t shot = from; shot < to;) {
+            auto generator = generator_of_shot(seed_, shot / block);
+            generator.discard(numbers_of_a_shot * (shot % block));
+            for (const std::size_t end = std::min(to, (shot / block + 1) * block); shot < end; ++shot)
+                ++rows[(*table_)(generator)];
+        }
+        Tally counts;
+        for (std::size_t row = 0; row < rows.size(); ++row)
+            if (rows[row] > 0)
+                counts[numbers_of(table_->levels(row))] = rows[row];
+        return counts;
+    }
+
+    Circuit circuit_;
+    std::uint64_t seed_;
+    std::optional<detail::MeasuredLast> last_;
+    std::shared_ptr<const OutcomeSampler> table_; ///< of a circuit without noise that measures last
+};
+
 /// Runs a circuit many times from level 0, each run independent of all others.
 /// @param circuit  what runs.
 /// @param shots    how many runs.
@@ -156,59 +263,7 @@ inline std::optional<MeasuredLast> measured_last(const Circuit& circuit) {
 /// ended.
 [[nodiscard]] inline Ensemble ensemble(const Circuit& circuit, std::size_t shots, unsigned threads = 0,
                                        std::uint64_t seed = 0) {
-    using Tally = std::map<std::vector<int>, std::size_t>;
-    const std::optional<detail::MeasuredLast> last = detail::measured_last(circuit);
-
-    // What the shots of a circuit without noise have in common is its last state.
-    const auto measured = [&](const std::vector<Qudit>& qudits) {
-        std::vector<std::reference_wrapper<const Qudit>> list;
-        for (const std::size_t place : last->qudits)
-            list.emplace_back(qudits[place]);
-        return list;
-    };
-    const auto numbers_of = [&](const std::vector<int>& levels) {
-        std::vector<int> numbers(circuit.values().size());
-        for (std::size_t i = 0; i < levels.size(); ++i)
-            numbers[last->values[i]] = levels[i];
-        return numbers;
-    };
-    if (last && !circuit.needs_generator()) {
-        Tally counts;
-        const Run run = last->gates.run();
-        if (last->qudits.empty())
-            counts[numbers_of({})] = shots;
-        else
-            for (const std::vector<int>& levels :
-                 sample(measured(run.qudits), shots, generator_of_shot(seed, 0)))
-                ++counts[numbers_of(levels)];
-        return {circuit.values(), std::move(counts), true};
-    }
-
-    const auto runs = [&](std::size_t from, std::size_t to) {
-        Tally counts;
-        for (std::size_t shot = from; shot < to; ++shot) {
-            auto generator = generator_of_shot(seed, shot);
-            if (!last)
-                ++counts[circuit.run(generator).readings.numbers()];
-            else {
-                const Run run = last->gates.run(generator);
-                ++counts[last->qudits.empty() ? numbers_of({})
-                                              : numbers_of(sample(measured(run.qudits), 1, generator)[0])];
-            }
-        }
-        return counts;
-    };
-    const std::size_t parts = std::clamp<std::size_t>(
-        threads != 0 ? threads : std::thread::hardware_concurrency(), 1, std::max<std::size_t>(shots, 1));
-    std::vector<std::future<Tally>> others;
-    for (std::size_t part = 1; part < parts; ++part)
-        others.push_back(
-            std::async(std::launch::async, runs, shots * part / parts, shots * (part + 1) / parts));
-    Tally counts = runs(0, shots / parts);
-    for (std::future<Tally>& other : others)
-        for (const auto& [numbers, found] : other.get())
-            counts[numbers] += found;
-    return {circuit.values(), std::move(counts), last.has_value()};
+    return Trials(circuit, seed).run(0, shots, threads);
 }
 
 } // namespace vantel

@@ -74,6 +74,23 @@ TEST(Ensemble, HasTheSameCountsWithAnyNumberOfThreads) {
     EXPECT_THROW((void)circuit.inverse(), std::logic_error);
 }
 
+TEST(Ensemble, IsTheSumOfItsParts) {
+    // A table that all shots share, with parts inside and across its blocks, and a state for each shot.
+    for (const auto& [noise, shots, border] :
+         {std::tuple("", std::size_t{200000}, std::size_t{70000}),
+          std::tuple("dephase a 0.5\n", std::size_t{500}, std::size_t{123})}) {
+        const auto circuit = vantel::read_circuit("qudit a 3\ncycle a 0.5\n" + std::string(noise) +
+                                                  "hadamard a\nmeasure a -> m\n");
+        const vantel::Trials trials(circuit, 9);
+        auto counts = trials.run(0, border, 2).counts();
+        const auto rest = trials.run(border, shots, 3);
+        for (const auto& [numbers, found] : rest.counts())
+            counts[numbers] += found;
+        EXPECT_EQ(counts, vantel::ensemble(circuit, shots, 1, 9).counts());
+        EXPECT_EQ(trials.run(5, 5).shots(), 0U);
+    }
+}
+
 TEST(Ensemble, SaysWhereItCannotBeRepeated) {
     const std::string pair = "qudit a 3\nqudit b 3\nhadamard a\nsum a b\nmeasure a -> m\n";
     const auto last = vantel::ensemble(vantel::read_circuit(pair + "measure b -> n\n"), 300, 2, 1);
