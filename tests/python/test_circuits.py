@@ -128,13 +128,30 @@ def test_noise_is_the_channel_that_is_told() -> None:
     lost = 0
     for _ in range(runs):
         q = vantel.Qudit(d)
-        drawn[vantel.depolarise(q, p, generator=generator)] += 1
+        vantel.prepare([1, 2, 3], q)
+        shifts, clocks = vantel.depolarise(q, p, generator=generator)
+        drawn[shifts, clocks] += 1
+        told = np.roll(np.arange(1, 4) * np.exp(2j * np.pi * np.arange(3) * clocks / 3), shifts)
+        assert vantel.fidelity(told, q) == pytest.approx(1, abs=1e-5)
         vantel.reset(q)
         vantel.add(q, 2)
         lost += vantel.damp(q, 0.5)
     # Hoeffding: each of ten shares is off by 0.065 at most once in ten billion.
     assert np.allclose(drawn / runs, np.where(np.arange(9).reshape(3, 3) == 0, 1 - p, p / 8), atol=0.065)
     assert abs(lost / runs / 2 - 0.5) < 0.065
+
+
+def test_kraus_operators_are_applied_by_their_probabilities() -> None:
+    found = np.zeros(2, int)
+    for _ in range(1500):
+        q = vantel.Qudit(3)
+        vantel.prepare([1, 1, 2**0.5], q)
+        which = vantel.kraus(q, [np.diag([1, 1, 0]), np.diag([0, 0, 1])])
+        found[which] += 1
+        assert np.allclose(vantel.probabilities(q), [[0.5, 0.5, 0], [0, 0, 1]][which], atol=1e-6)
+    assert abs(found[0] / 1500 - 0.5) < 0.09  # Hoeffding, once in ten billion
+    with pytest.raises(ValueError):
+        vantel.kraus(vantel.Qudit(3), [np.diag([1, 1, 0])])
 
 
 def test_pictures_are_whole() -> None:
