@@ -148,7 +148,7 @@ def test_kraus_operators_are_applied_by_their_probabilities() -> None:
         vantel.prepare([1, 1, 2**0.5], q)
         which = vantel.kraus(q, [np.diag([1, 1, 0]), np.diag([0, 0, 1])])
         found[which] += 1
-        assert np.allclose(vantel.probabilities(q), [[0.5, 0.5, 0], [0, 0, 1]][which], atol=1e-6)
+        assert np.allclose(vantel.probabilities(q), np.array([[0.5, 0.5, 0], [0, 0, 1]])[which], atol=1e-6)
     assert abs(found[0] / 1500 - 0.5) < 0.09  # Hoeffding, once in ten billion
     with pytest.raises(ValueError):
         vantel.kraus(vantel.Qudit(3), [np.diag([1, 1, 0])])
