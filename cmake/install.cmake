@@ -5,14 +5,15 @@ install(TARGETS vantel EXPORT vantel
         DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime
         NAMELINK_COMPONENT development)
+install(TARGETS vantel_draw EXPORT vantel
+    ARCHIVE
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT development)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
-install(FILES
-    ${PROJECT_BINARY_DIR}/include/vantel.h
-    ${PROJECT_BINARY_DIR}/include/vantel.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_quantities.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_sampling.hpp
+list(TRANSFORM vantel_headers PREPEND ${PROJECT_BINARY_DIR}/include/ OUTPUT_VARIABLE vantel_installed_headers)
+install(FILES ${vantel_installed_headers} ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
+    ${PROJECT_BINARY_DIR}/include/vantel_draw.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 # find_package(vantel 1 CONFIG). The library needs no other package, so the exported targets are all of it.
@@ -25,9 +26,11 @@ install(FILES ${PROJECT_BINARY_DIR}/vantel-config-version.cmake DESTINATION ${va
 # pkg-config. The prefix is found from where the file lies, so that the whole tree can be moved.
 file(RELATIVE_PATH vantel_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" vantel_up ${vantel_up})
-configure_file(cmake/vantel.pc.in vantel.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/vantel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(name IN ITEMS vantel vantel-draw)
+    configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-    FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py)
+    FILES_MATCHING PATTERN CMakeLists.txt PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py PATTERN *.ipynb)
 install(FILES README.md docs/guide.md docs/exceptions.md DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)

@@ -5,7 +5,11 @@ target_compile_options(vantel_compiler INTERFACE
     -ffile-prefix-map=${PROJECT_BINARY_DIR}=.
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 
-foreach(package IN ITEMS libvantel1:runtime libvantel-dev:development)
+set(packages libvantel1:runtime libvantel-dev:development)
+if(VANTEL_PYTHON)
+    list(APPEND packages python3-vantel:python)
+endif()
+foreach(package IN LISTS packages)
     string(REPLACE ":" ";" package ${package})
     list(GET package 0 name)
     list(GET package 1 component)
@@ -39,5 +43,15 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, documentation, examples, a
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvantel-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libvantel1 (= ${PROJECT_VERSION})")
+
+if(VANTEL_PYTHON)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+    set(CPACK_COMPONENT_PYTHON_DESCRIPTION "The package for Python.")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-vantel)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+        "libvantel1 (= ${PROJECT_VERSION}), python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
+endif()
 
 include(CPack)

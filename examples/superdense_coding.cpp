@@ -1,7 +1,8 @@
 // Superdense coding with ten levels: one qudit of a shared Bell pair carries two decimal digits.
 #include "check.hpp"
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     constexpr int levels = 10;
     int received = 0;
     for (int message = 0; message < levels * levels; ++message) {
@@ -10,7 +11,7 @@ int main() {
 
         // The sender touches one qudit only.
         const int first_digit = message / levels;
-        vantel::clock(sent, static_cast<float>(first_digit));
+        vantel::clock(sent, first_digit);
         vantel::add(sent, message % levels);
 
         // The receiver has both: |k + units, k> with a phase for each k becomes |units> and |tens>.

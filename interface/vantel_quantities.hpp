@@ -26,7 +26,7 @@
 #ifndef VANTEL_QUANTITIES_HPP
 #define VANTEL_QUANTITIES_HPP
 
-#include "vantel.hpp" // refuses what is older than C++20
+#include "vantel_lists.hpp" // refuses what is older than C++20
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 
@@ -42,39 +42,10 @@
 #include <span>
 #include <stdexcept>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace vantel {
-
-/// A complex number of what this header computes.
-using Complex = std::complex<double>;
-
-/// The qudits that a quantity is asked of: made from one Qudit, from `{a, b}` or from a range. It refers to
-/// them and is meant as an argument.
-class QuditList {
-public:
-    /// A single qudit.
-    QuditList(const Qudit& qudit) : qudits_{qudit} {}
-
-    /// Qudits in braces.
-    QuditList(std::initializer_list<std::reference_wrapper<const Qudit>> qudits) : qudits_(qudits) {}
-
-    /// A range of Qudit, or of references to them.
-    template <class Range>
-    QuditList(Range&& range) requires(!std::same_as<std::remove_cvref_t<Range>, QuditList> &&
-                                      QuditRange<Range>) {
-        for (const Qudit& qudit : range)
-            qudits_.push_back(qudit);
-    }
-
-    [[nodiscard]] auto begin() const noexcept { return qudits_.begin(); } ///< The first.
-    [[nodiscard]] auto end() const noexcept { return qudits_.end(); }     ///< Behind the last.
-
-private:
-    std::vector<std::reference_wrapper<const Qudit>> qudits_;
-};
 
 /// @cond internal
 namespace detail {
@@ -108,8 +79,9 @@ inline void check_size(std::size_t given, std::size_t wanted) {
 
 /// The eigenvalues of a Hermitian matrix, the largest first, by Jacobi's method: a rotation in the plane of
 /// each pair (p, q) makes their element 0, and sweeps over all pairs go on until all elements beside the
-/// diagonal are rounding. A phase makes the element real first; then the rotation is that of a real matrix,
-/// of which the smaller of the two possible angles is taken, so that the sweeps converge.
+/// diagonal are rounding, which takes about ten, or until they would only turn rounding around. A phase makes
+/// the element real first; then the rotation is that of a real matrix, of which the smaller of the two
+/// possible angles is taken, so that the sweeps converge.
 inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t side) {
     const auto at = [&](std::size_t row, std::size_t column) -> Complex& {
         return matrix[row * side + column];
@@ -119,7 +91,9 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
         squares += std::norm(element);
     const double rounding = 1e-14 * std::sqrt(squares);
 
-    for (bool rotated = true; rotated;) {
+    bool rotated = true;
+    constexpr int most_sweeps = 60;
+    for (int sweep = 0; rotated && sweep < most_sweeps; ++sweep) {
         rotated = false;
         for (std::size_t p = 0; p + 1 < side; ++p)
             for (std::size_t q = p + 1; q < side; ++q) {

@@ -1,7 +1,7 @@
 /**
  * @file vantel_sampling.hpp
  * @brief Header-only, beside vantel.hpp: shots. What many measurements of equal states would find is drawn
- * from one table of probabilities, and the state stays as it is.
+ * from tables of probabilities, and the state stays as it is.
  *
  * @code
  * vantel::Qudit a(3), b(2);
@@ -21,26 +21,31 @@
  * so that the same seed gives the same shots with every compiler's library.
  * - **Accuracy**: the probabilities have the precision of `float`, and so have the shares of the shots.
  * - **Cost**: one call of vantel::probabilities() and time and memory for each row of its table; then a shot
- *   takes the same time, however many rows there are.
+ *   takes the same time, however many rows there are. Of a list with too many rows for one table,
+ *   vantel::sample() and vantel::counts() draw a few qudits at a time, from tables of at most 1000 rows of
+ * what goes with the levels drawn before; shots with the same levels share a table. This takes one of the ten
+ *   places for the time of the call, and three calls for each table.
  * - **Failures**: vantel::Error as from vantel::probabilities(); std::invalid_argument for an empty list;
- * std::length_error for a list whose table has more than most_sampled_rows rows; std::domain_error
- * for a table without rows, as that of an empty joint state is, or without a positive and finite sum.
+ * std::length_error for a list whose table has more than most_sampled_rows rows, of an OutcomeSampler, and of
+ * a call if the ten places are taken, too; std::domain_error for a table without rows, as that of an empty
+ * joint state is, or without a positive and finite sum.
  */
 #ifndef VANTEL_SAMPLING_HPP
 #define VANTEL_SAMPLING_HPP
 
-#include "vantel_quantities.hpp" // refuses what is older than C++20
+#include "vantel_conditional_sampling.hpp"
+#include "vantel_lists.hpp" // refuses what is older than C++20
+#include "vantel_random.hpp"
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
+#include <map>
 #include <ostream>
 #include <random>
 #include <span>
@@ -54,36 +59,6 @@ namespace vantel {
 
 /// The most rows that a table to draw from can have: 2^24, as eight qudits of eight levels have.
 inline constexpr std::size_t most_sampled_rows = std::size_t{1} << 24;
-
-/// A source of random bits: one of `<random>`'s generators, or a reference to one. Its numbers have at most
-/// 64 bits.
-template <class Generator>
-concept BitGenerator = std::uniform_random_bit_generator<std::remove_reference_t<Generator>> &&
-    (std::numeric_limits<std::invoke_result_t<Generator&>>::digits <= 64);
-
-/// A number in [0, 1), a multiple of 2^-53, from 64 random bits by this rule: of a number x of the generator,
-/// x - min() is taken if it is below 2^k, the largest power of two with 2^k <= max() - min() + 1, and else
-/// dropped for the next; its k bits go behind those taken before, until there are 64 or more. Of the last 64
-/// the upper 53, as a whole number, are divided by 2^53.
-/// @param generator  where the bits come from: of std::mt19937_64 one number, of std::mt19937 two.
-template <BitGenerator Generator> [[nodiscard]] double uniform_number(Generator&& generator) {
-    using Source = std::remove_reference_t<Generator>;
-    constexpr std::uint64_t least = Source::min(), span = Source::max() - least;
-    constexpr int width =
-        span == std::numeric_limits<std::uint64_t>::max() ? 64 : std::bit_width(span + 1) - 1;
-    constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max() >> (64 - width);
-    std::uint64_t bits = 0;
-    for (int taken = 0; taken < 64;) {
-        const std::uint64_t number = generator() - least;
-        if (number > largest)
-            continue;
-        if constexpr (width < 64)
-            bits <<= width;
-        bits |= number;
-        taken += width;
-    }
-    return static_cast<double>(bits >> 11) * 0x1p-53;
-}
 
 /// How often one combination of levels was drawn.
 struct Count {
@@ -275,24 +250,38 @@ private:
 /// the same state keeps an OutcomeSampler.
 /// @param qudits     at least one.
 /// @param shots      how many, also 0.
-/// @param generator  asked for two uniform_number() a shot.
+/// @param generator  asked for two uniform_number() a shot, or one for each part of a list without one table.
 /// @returns  `shots` elements, in the order in which they were drawn, of one level per listed qudit.
-/// @throws std::length_error, std::domain_error  as OutcomeSampler does.
+/// @throws std::length_error  for more than #most_sampled_rows outcomes where no place among the ten is left.
+/// @throws std::domain_error  as OutcomeSampler does.
 template <BitGenerator Generator>
 [[nodiscard]] std::vector<std::vector<int>> sample(const QuditList& qudits, std::size_t shots,
                                                    Generator&& generator) {
+    if (Shape(qudits).size() > most_sampled_rows)
+        return detail::ConditionalSampler(qudits).draw(shots, generator);
     return OutcomeSampler(qudits).sample(shots, generator);
 }
 
 /// Counts what `shots` measurements of equal states would find; the state stays as it is. These are the shots
 /// that sample() draws with the same generator.
 /// @param qudits     at least one.
-/// @param shots      how many, also 0; they take no memory.
-/// @param generator  asked for two uniform_number() a shot.
-/// @throws std::length_error, std::domain_error  as OutcomeSampler does.
+/// @param shots      how many, also 0; drawn from one table, they take no memory.
+/// @param generator  as sample() asks it.
+/// @throws std::length_error, std::domain_error  as sample() does.
 template <BitGenerator Generator>
 [[nodiscard]] Counts counts(const QuditList& qudits, std::size_t shots, Generator&& generator) {
-    return OutcomeSampler(qudits).counts(shots, generator);
+    const Shape shape(qudits);
+    if (shape.size() <= most_sampled_rows)
+        return OutcomeSampler(qudits).counts(shots, generator);
+    std::map<std::size_t, Count> found;
+    for (std::vector<int>& levels : detail::ConditionalSampler(qudits).draw(shots, generator)) {
+        const std::size_t row = shape.row(levels);
+        ++found.try_emplace(row, Count{row, std::move(levels), 0}).first->second.shots;
+    }
+    std::vector<Count> entries;
+    for (auto& [row, count] : found)
+        entries.push_back(std::move(count));
+    return {shape, std::move(entries)};
 }
 
 } // namespace vantel

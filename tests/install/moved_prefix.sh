@@ -19,6 +19,11 @@ for language in c cpp; do
     "$scratch/$language/user"
 done
 
+# The installed examples bring their build file; two of them, one for each language, stand for all.
+cmake -S "$prefix/share/doc/vantel/examples" -B "$scratch/examples" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/examples.log"
+cmake --build "$scratch/examples" --target bell_and_ghz teleportation >>"$scratch/examples.log"
+(cd "$scratch/examples" && ctest -R 'bell_and_ghz|teleportation' >>"$scratch/examples.log")
+
 library=$(dirname "$(find "$prefix" -name 'libvantel.so.1')")
 case $flags in
 *-fsanitize*) ;; # brings a library of its own
@@ -33,5 +38,10 @@ export PKG_CONFIG_PATH
 $CC -std=c99 $flags "$sources/c/main.c" $(pkg-config --cflags --libs vantel) -o "$scratch/c_user"
 # shellcheck disable=SC2046,SC2086
 $CXX -std=c++20 $flags "$sources/cpp/main.cpp" $(pkg-config --cflags --libs vantel) -o "$scratch/cpp_user"
+# shellcheck disable=SC2046,SC2086
+$CC -std=c11 $flags "$prefix/share/doc/vantel/examples/entangled_pair.c" $(pkg-config --cflags --libs vantel vantel-draw) -lm \
+    -o "$scratch/entangled_pair"
+LD_LIBRARY_PATH=$library "$scratch/entangled_pair" --svg "$scratch/pair" >"$scratch/pair.txt"
+[ -s "$scratch/pair-outcomes.svg" ]
 LD_LIBRARY_PATH=$library "$scratch/c_user"
 LD_LIBRARY_PATH=$library "$scratch/cpp_user"
