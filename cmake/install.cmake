@@ -1,6 +1,6 @@
-# What an installation consists of: the library, and what building against it takes.
+# What an installation consists of: the libraries, and what building against it takes.
 
-install(TARGETS vantel EXPORT vantel
+install(TARGETS vantel vantel_guarded EXPORT vantel
     LIBRARY
         DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime
@@ -9,6 +9,7 @@ install(TARGETS vantel EXPORT vantel
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 install(FILES
     ${PROJECT_BINARY_DIR}/include/vantel.h
+    ${PROJECT_BINARY_DIR}/include/vantel_guarded.h
     ${PROJECT_BINARY_DIR}/include/vantel.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_quantities.hpp
@@ -25,8 +26,12 @@ install(FILES ${PROJECT_BINARY_DIR}/vantel-config-version.cmake DESTINATION ${va
 # pkg-config. The prefix is found from where the file lies, so that the whole tree can be moved.
 file(RELATIVE_PATH vantel_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" vantel_up ${vantel_up})
-configure_file(cmake/vantel.pc.in vantel.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/vantel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+function(vantel_pkg_config name description)
+    configure_file(cmake/vantel.pc.in ${name}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+vantel_pkg_config(vantel "${PROJECT_DESCRIPTION}")
+vantel_pkg_config(vantel_guarded "${PROJECT_DESCRIPTION}, for hosts that no exception may enter")
 
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
     FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py)

@@ -18,6 +18,8 @@ for language in c cpp; do
     cmake --build "$scratch/$language" >>"$scratch/cmake.log"
     "$scratch/$language/user"
 done
+"$scratch/c/guarded" >"$scratch/text"
+grep -q 'overlapp' "$scratch/text"
 
 library=$(dirname "$(find "$prefix" -name 'libvantel.so.1')")
 case $flags in
@@ -33,5 +35,8 @@ export PKG_CONFIG_PATH
 $CC -std=c99 $flags "$sources/c/main.c" $(pkg-config --cflags --libs vantel) -o "$scratch/c_user"
 # shellcheck disable=SC2046,SC2086
 $CXX -std=c++20 $flags "$sources/cpp/main.cpp" $(pkg-config --cflags --libs vantel) -o "$scratch/cpp_user"
+# shellcheck disable=SC2046,SC2086
+$CC -std=c99 $flags "$sources/c/guarded.c" $(pkg-config --cflags --libs vantel_guarded) -o "$scratch/guarded"
 LD_LIBRARY_PATH=$library "$scratch/c_user"
+LD_LIBRARY_PATH=$library "$scratch/guarded"
 LD_LIBRARY_PATH=$library "$scratch/cpp_user"
