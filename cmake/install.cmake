@@ -32,7 +32,3 @@ function(vantel_pkg_config name description)
 endfunction()
 vantel_pkg_config(vantel "${PROJECT_DESCRIPTION}")
 vantel_pkg_config(vantel_guarded "${PROJECT_DESCRIPTION}, for hosts that no exception may enter")
-
-install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-    FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py)
-install(FILES README.md docs/guide.md docs/exceptions.md DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)

@@ -169,6 +169,17 @@ TEST(Guarded, ProjectionsAndReleasesInAnyOrderSpoilNoHandle) {
     }
 }
 
+TEST(Guarded, ProjectionCollapsesTheState) {
+    for (int coins = 0; coins < 40; ++coins) { // chance agrees with all of them in one of 10^12 runs
+        QuantumProperty* const coin = made(2);
+        ASSERT_EQ(vantel_guarded_hadamard(coin, nullptr, 0), vantel_ok);
+        int first = -7, second = -7;
+        ASSERT_EQ(project({{coin, 1, 1}}, first) | project({{coin, 1, 1}}, second), vantel_ok);
+        EXPECT_EQ(first, second);
+        EXPECT_EQ(vantel_guarded_free_quantum_property(coin), vantel_ok);
+    }
+}
+
 TEST(Guarded, ElevenQuditsAreRefusedByAll) {
     World world;
     std::vector<QuantumProperty*> crowd;

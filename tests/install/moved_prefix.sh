@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs a build, moves the prefix, and builds and runs separate projects against it, found by CMake and
-# by pkg-config.
+# Installs a build, moves the prefix, and builds and runs separate projects against it, found by CMake, by
+# pkg-config and by Meson, and the installed examples.
 # Usage: moved_prefix.sh BUILD_DIRECTORY SCRATCH_DIRECTORY C_COMPILER CXX_COMPILER [FLAGS]
 set -eu
 sources=$(dirname "$(realpath "$0")")
@@ -21,6 +21,13 @@ done
 "$scratch/c/guarded" >"$scratch/text"
 grep -q 'overlapp' "$scratch/text"
 
+# The examples as installed, with their build file, and the pages, from which every link leads somewhere.
+documents=$prefix/share/doc/vantel
+cmake -S "$documents/examples" -B "$scratch/examples" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/cmake.log"
+cmake --build "$scratch/examples" --parallel 2 >>"$scratch/cmake.log"
+ctest --test-dir "$scratch/examples" --no-tests=error >"$scratch/examples.log" || { cat "$scratch/examples.log"; exit 1; }
+"$sources/../guide/check_links.py" "$documents"
+
 library=$(dirname "$(find "$prefix" -name 'libvantel.so.1')")
 case $flags in
 *-fsanitize*) ;; # brings a library of its own
@@ -39,4 +46,9 @@ $CXX -std=c++20 $flags "$sources/cpp/main.cpp" $(pkg-config --cflags --libs vant
 $CC -std=c99 $flags "$sources/c/guarded.c" $(pkg-config --cflags --libs vantel_guarded) -o "$scratch/guarded"
 LD_LIBRARY_PATH=$library "$scratch/c_user"
 LD_LIBRARY_PATH=$library "$scratch/guarded"
+command -v meson >/dev/null || { echo "no meson here: that part is left out"; exit 0; }
+cp -r "$sources/meson" "$scratch/meson_sources"
+cp "$sources"/c/*.c "$sources/cpp/main.cpp" "$scratch/meson_sources"
+meson setup "$scratch/meson" "$scratch/meson_sources" >"$scratch/meson.log"
+LD_LIBRARY_PATH=$library meson test -C "$scratch/meson" >>"$scratch/meson.log" || { cat "$scratch/meson.log"; exit 1; }
 LD_LIBRARY_PATH=$library "$scratch/cpp_user"
