@@ -22,19 +22,21 @@ endforeach()
 
 # Pages keep their places to each other. What they link to and is not installed becomes plain text.
 set(pages README.md CHANGELOG.md SECURITY.md docs/guide.md docs/exceptions.md docs/performance.md docs/performance_table.md)
-list(JOIN pages " " kept)
+file(GLOB pictures RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS docs/*.svg)
+set(kept ${pages} ${pictures} examples)
+list(JOIN kept " " kept)
 foreach(page IN LISTS pages)
     get_filename_component(folder ${page} DIRECTORY)
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/pages/${folder})
     set(made ${PROJECT_BINARY_DIR}/pages/${page})
     add_custom_command(OUTPUT ${made}
-        COMMAND ${VANTEL_AWK} -v "kept=${kept} docs/growth.svg examples" -f packaging/installed_page.awk ${page} > ${made}
+        COMMAND ${VANTEL_AWK} -v "kept=${kept}" -f packaging/installed_page.awk ${page} > ${made}
         DEPENDS packaging/installed_page.awk ${page} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} VERBATIM)
     list(APPEND documents ${made})
     install(FILES ${made} DESTINATION ${CMAKE_INSTALL_DOCDIR}/${folder})
 endforeach()
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES docs/growth.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(FILES ${pictures} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 if(VANTEL_HTML)
     find_program(VANTEL_DOXYGEN doxygen REQUIRED)
@@ -53,5 +55,4 @@ endif()
 add_custom_target(documentation ALL DEPENDS ${documents})
 
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-    FILES_MATCHING PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py)
-install(FILES packaging/examples.cmake DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples RENAME CMakeLists.txt)
+    FILES_MATCHING PATTERN CMakeLists.txt PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py)

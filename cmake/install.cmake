@@ -5,12 +5,17 @@ install(TARGETS vantel vantel_guarded EXPORT vantel
         DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime
         NAMELINK_COMPONENT development)
+install(TARGETS vantel_draw EXPORT vantel
+    ARCHIVE
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT development)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 install(FILES
     ${PROJECT_BINARY_DIR}/include/vantel.h
     ${PROJECT_BINARY_DIR}/include/vantel_guarded.h
     ${PROJECT_BINARY_DIR}/include/vantel.hpp
+    ${PROJECT_BINARY_DIR}/include/vantel_draw.h
     ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_quantities.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_sampling.hpp
@@ -26,9 +31,10 @@ install(FILES ${PROJECT_BINARY_DIR}/vantel-config-version.cmake DESTINATION ${va
 # pkg-config. The prefix is found from where the file lies, so that the whole tree can be moved.
 file(RELATIVE_PATH vantel_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" vantel_up ${vantel_up})
-function(vantel_pkg_config name description)
+function(vantel_pkg_config name description libraries)
     configure_file(cmake/vantel.pc.in ${name}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endfunction()
-vantel_pkg_config(vantel "${PROJECT_DESCRIPTION}")
-vantel_pkg_config(vantel_guarded "${PROJECT_DESCRIPTION}, for hosts that no exception may enter")
+vantel_pkg_config(vantel "${PROJECT_DESCRIPTION}" -lvantel)
+vantel_pkg_config(vantel-draw "Pictures of states of qudits, as text and SVG" "-lvantel_draw -lm")
+vantel_pkg_config(vantel-guarded "${PROJECT_DESCRIPTION}, for hosts that no exception may enter" -lvantel_guarded)

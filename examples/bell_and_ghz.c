@@ -1,11 +1,12 @@
-/* Entangled states of qudits that differ in their number of levels: a Bell pair of three and five levels, and
-   a three-party Greenberger-Horne-Zeilinger state of two, three and four levels. */
+/* Entangled states of qudits that differ in their number of levels: a Bell pair of three and five levels, its
+   halves, which have no phase, and a three-party Greenberger-Horne-Zeilinger state of two, three and four
+   levels. */
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <vantel.h>
 
-#include "draw.h"
+#include "options.h"
 
 enum { most_qudits = 3, most_rows = 2 * 3 * 4 };
 
@@ -27,7 +28,7 @@ static void copy_level(QuantumProperty* control, int levels, QuantumProperty* ta
 
 /* Prepares the sum over k of |k, k, ...> / sqrt(d), with d the levels of the first qudit; draws it, and tells
    whether the density matrix is the right one. */
-static int show(const char* title, const int* dimensions, size_t count, int argc, char** argv) {
+static int show(const char* title, const int* dimensions, size_t count, const char* svg) {
     static float real[most_rows * most_rows], imaginary[most_rows * most_rows];
     QuantumProperty* qudits[most_qudits];
     size_t rows = 1, step = 0;
@@ -41,15 +42,19 @@ static int show(const char* title, const int* dimensions, size_t count, int argc
     check(vantel_hadamard(qudits[0], NULL, 0));
     for (size_t i = 1; i < count; ++i)
         copy_level(qudits[0], dimensions[0], qudits[i]);
+    static const char half[] = "The first of them alone";
+    const size_t half_rows = (size_t)dimensions[0];
+    check(vantel_reduced_density_matrix(qudits, 1, real, imaginary, half_rows * half_rows));
+    const VantelPicture alone = {half, dimensions, 1, real, imaginary, NULL};
+    int right = show_picture(&alone, NULL) == 0;
     check(vantel_reduced_density_matrix(qudits, count, real, imaginary, rows * rows));
     for (size_t i = count; i-- > 0;)
         vantel_free_quantum_property(qudits[i]);
 
-    const Picture picture = {title, dimensions, count, real, imaginary};
-    draw_text(&picture);
+    const VantelPicture picture = {title, dimensions, count, real, imaginary, NULL};
+    right = show_picture(&picture, svg) == 0 && right;
 
     const size_t terms = (size_t)dimensions[0];
-    int right = draw_svg_on_request(argc, argv, &picture) == 0;
     for (size_t r = 0; r < rows; ++r)
         for (size_t c = 0; c < rows; ++c) {
             const int both = r % step == 0 && r / step < terms && c % step == 0 && c / step < terms;
@@ -62,7 +67,8 @@ static int show(const char* title, const int* dimensions, size_t count, int argc
 
 int main(int argc, char** argv) {
     const int bell[] = {3, 5}, ghz[] = {2, 3, 4};
-    const int right = show("A Bell pair of three and five levels", bell, 2, 0, NULL);
-    return show("A GHZ state of two, three and four levels", ghz, 3, argc, argv) && right ? EXIT_SUCCESS
-                                                                                          : EXIT_FAILURE;
+    const char* const svg = svg_name(argc, argv);
+    const int right = show("A Bell pair of three and five levels", bell, 2, NULL);
+    return show("A GHZ state of two, three and four levels", ghz, 3, svg) && right ? EXIT_SUCCESS
+                                                                                   : EXIT_FAILURE;
 }

@@ -49,7 +49,8 @@ Digits find(Oracle& oracle) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     std::cout << "hidden   found    questions\n";
     for (int number = 0; number < levels * levels * levels; ++number) {
         const Digits hidden{number / (levels * levels), number / levels % levels, number % levels};

@@ -7,7 +7,7 @@
 
 #include <vantel.hpp>
 
-#include "draw.h"
+#include "options.h"
 
 /// Ends the example as failed unless what it claims is true.
 inline void check(bool claim, const char* text) {
@@ -23,14 +23,16 @@ inline bool is_expected(double count, double trials, double probability) {
            5 * std::sqrt(trials * probability * (1 - probability)) + 0.5;
 }
 
-/// Draws a state as text, and as SVG where the command line asks for it.
+/// Draws a state as text, and as SVG if there is a name for the files.
+/// @param names  of the qudits, as many as there are; without any they are numbered.
 template <vantel::QuditRange Range>
-void draw(const char* title, Range&& qudits, int argc = 0, char** argv = nullptr) {
+void draw(const char* title, Range&& qudits, const std::vector<const char*>& names = {},
+          const char* svg = nullptr) {
     const auto matrix = vantel::reduced_density_matrix(qudits);
     std::vector<int> dimensions;
     for (const vantel::Qudit& qudit : qudits)
         dimensions.push_back(qudit.dimension());
-    const Picture picture{title, dimensions.data(), dimensions.size(), matrix.real(), matrix.imaginary()};
-    draw_text(&picture);
-    check(draw_svg_on_request(argc, argv, &picture) == 0, "the SVG files are written");
+    const VantelPicture picture{title,         dimensions.data(),  dimensions.size(),
+                                matrix.real(), matrix.imaginary(), names.empty() ? nullptr : names.data()};
+    check(show_picture(&picture, svg) == 0, "the pictures are written");
 }

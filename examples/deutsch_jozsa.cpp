@@ -30,7 +30,8 @@ bool is_constant(const Oracle& oracle) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     for (int value = 0; value < 3; ++value)
         check(is_constant([=](const Register&, vantel::Qudit& answer) { vantel::add(answer, value); }),
               "a constant function is seen as one");

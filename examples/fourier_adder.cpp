@@ -45,7 +45,8 @@ float at(const vantel::Outcomes& table, std::size_t a, std::size_t b) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     int sums = 0;
     for (std::size_t left = 0; left < numbers; ++left)
         for (std::size_t right = 0; right < numbers; ++right) {

@@ -5,6 +5,7 @@
 #include "check.hpp"
 
 int main(int argc, char** argv) {
+    const char* const svg = svg_name(argc, argv);
     std::vector<vantel::Qudit> qudits;
     for (const int levels : {3, 4, 5})
         qudits.emplace_back(levels);
@@ -30,6 +31,6 @@ int main(int argc, char** argv) {
         std::cout << "round " << round << ": found with probability " << found << '\n';
         check(std::abs(found - told) < 1e-5, "the probability is sin^2 of (2 rounds + 1) angles");
     }
-    draw("The register after the search", qudits, argc, argv);
+    draw("The register after the search", qudits, {"three", "four", "five"}, svg);
     check(vantel::probabilities(qudits)(2, 1, 3) > 0.98F, "the search finds what is marked");
 }

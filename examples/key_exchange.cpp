@@ -43,7 +43,8 @@ Sifted exchange(int qutrits, bool overheard, std::mt19937& random) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     constexpr int qutrits = 3000;
     std::mt19937 random(std::random_device{}());
     for (const bool overheard : {false, true}) {

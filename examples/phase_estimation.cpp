@@ -45,7 +45,8 @@ double told(double phase, int y) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     std::cout << "phase     estimate         probability  exactly\n" << std::fixed << std::setprecision(5);
     for (const double phase : {0.0, 2.0 / 9, 50.0 / 81, 1.0 / 7, 0.3, std::numbers::pi - 3, 20.5 / 81}) {
         const vantel::Outcomes seen = estimate(phase);

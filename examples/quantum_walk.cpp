@@ -28,6 +28,7 @@ Amplitudes stepped(const Amplitudes& before) {
 } // namespace
 
 int main(int argc, char** argv) {
+    const char* const svg = svg_name(argc, argv);
     vantel::Qudit coin(2);
     std::array walker{vantel::Qudit(sites)};
     vantel::add(walker[0], sites / 2);
@@ -43,7 +44,7 @@ int main(int argc, char** argv) {
         vantel::shift(walker[0], coin == 1);
         told = stepped(told);
 
-        draw(("After step " + std::to_string(step)).c_str(), walker, step == steps ? argc : 0, argv);
+        draw(("After step " + std::to_string(step)).c_str(), walker, {"site"}, step == steps ? svg : nullptr);
         const auto seen = vantel::probabilities(walker);
         for (std::size_t site = 0; site < sites; ++site)
             check(std::abs(seen[site].probability - std::norm(told[site][0]) - std::norm(told[site][1])) <

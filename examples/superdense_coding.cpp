@@ -1,7 +1,8 @@
 // Superdense coding with ten levels: one qudit of a shared Bell pair carries two decimal digits.
 #include "check.hpp"
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     constexpr int levels = 10;
     int received = 0;
     for (int message = 0; message < levels * levels; ++message) {

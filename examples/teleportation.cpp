@@ -5,11 +5,12 @@
 #include "check.hpp"
 
 int main(int argc, char** argv) {
+    const char* const svg = svg_name(argc, argv);
     constexpr int levels = 3;
     std::array message{vantel::Qudit(levels)};
     vantel::cycle(message[0], 0.4);
     vantel::clock(message[0], 0.3);
-    draw("The message before", message, argc, argv);
+    draw("The message before", message, {"message"}, svg);
     const auto before = vantel::reduced_density_matrix(message);
 
     vantel::Qudit here(levels);
@@ -25,7 +26,7 @@ int main(int argc, char** argv) {
     // The measurement left level k as k + offset, with the phase exp(2 pi i k phase / 3).
     vantel::add(there[0], -offset);
     vantel::clock(there[0], -static_cast<float>(phase));
-    draw("The message after", there);
+    draw("The message after", there, {"there"});
 
     const auto after = vantel::reduced_density_matrix(there);
     for (std::size_t row = 0; row < levels; ++row)

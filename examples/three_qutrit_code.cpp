@@ -74,7 +74,8 @@ bool arrives_unprotected(const Weyl& error) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     for (std::size_t place = 0; place < 3; ++place)
         for (int error = 1; error < levels * levels; ++error) {
             Errors errors;

@@ -31,7 +31,8 @@ bool survives(int steps) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    no_options(argc, argv);
     constexpr int trials = 3000;
     // By Hoeffding's inequality a share of n trials is off by more than e with a probability of at most
     // 2 exp(-2 n e^2). This e makes it 1e-10 in each of the four rows.

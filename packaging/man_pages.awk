@@ -93,7 +93,7 @@ function write_function(declaration,    title, i) {
         sub(/\(\)/, "(3) with every failure a status", brief)
     open_page(title, brief)
     print ".PP\n" declaration "\n.fi\n.PP\nCompile and link with \\fI`pkg-config --cflags --libs " \
-        library "`\\fR." > page
+        package "`\\fR." > page
     print ".SH DESCRIPTION" > page
     paragraphs(brief)
     paragraphs(body)
@@ -109,6 +109,8 @@ function write_function(declaration,    title, i) {
 BEGIN {
     library = header
     sub(/\.h$/, "", library)
+    package = library
+    sub(/_/, "-", package)
 }
 
 /^\/\*\*/ { in_comment = 1; count = 0 }

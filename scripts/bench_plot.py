@@ -2,9 +2,12 @@
 import math
 from xml.sax.saxutils import escape
 
-INK, QUIET, GRID = "#1a1a1a", "#595959", "#dedede"
-COLOURS = ["#0b5fa5", "#d1495b", "#2e8b57", "#b5651d", "#6a4c93", "#008b8b"]
-PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, GAP, ROW = 430, 430, 74, 70, 70, 20
+# The colours of Okabe and Ito, which readers with colour vision deficiencies can tell apart.
+COLOURS = ["#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"]
+STYLE = ("<style>.page{fill:#fff}.ink{fill:#1a1a1a}.quiet{fill:#595959}.grid{stroke:#dedede}"
+         "@media(prefers-color-scheme:dark){.page{fill:#16181d}.ink{fill:#f0f0f0}.quiet{fill:#b4b4b4}.grid{stroke:#3a3d44}}"
+         "</style>")
+PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, LABELS, BELOW, LINE = 460, 330, 66, 84, 150, 90, 16
 
 
 def decades(values):
@@ -16,56 +19,76 @@ def time_label(exponent):
     return f"{10 ** (exponent - base)} {unit}"
 
 
-def text(x, y, content, anchor="start", size=13, colour=INK, extra=""):
-    return f'<text x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}" font-size="{size}" fill="{colour}"{extra}>{escape(content)}</text>'
+def text(x, y, content, anchor="start", size=13, style="ink", extra=""):
+    return f'<text class="{style}" x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}" font-size="{size}"{extra}>{escape(content)}</text>'
+
+
+def apart(heights):
+    """The heights of labels, in the order of the curves' ends and at least a line apart, as near to the ends as that allows."""
+    order = sorted(range(len(heights)), key=lambda i: heights[i])
+    blocks = []  # of labels that touch: the sum of their wishes for the first one, and how many they are
+    for i in order:
+        blocks.append((heights[i], 1))
+        while len(blocks) > 1 and blocks[-2][0] / blocks[-2][1] + LINE * blocks[-2][1] > blocks[-1][0] / blocks[-1][1]:
+            (wishes, more), (before, count) = blocks.pop(), blocks.pop()
+            blocks.append((before + wishes - LINE * count * more, count + more))
+    placed = [wishes / count + LINE * k for wishes, count in blocks for k in range(count)]
+    return [placed[order.index(i)] for i in range(len(heights))]
 
 
 class Panel:
-    def __init__(self, left, x_decades, y_decades):
-        self.left, self.x, self.y = left, x_decades, y_decades
+    def __init__(self, top, x_decades, y_decades):
+        self.top, self.x, self.y = top, x_decades, y_decades
 
     def place(self, entries, time):
         across = (math.log10(entries) - self.x[0]) / (self.x[1] - self.x[0])
         up = (math.log10(time) - self.y[0]) / (self.y[1] - self.y[0])
-        return self.left + across * PANEL_WIDTH, TOP + (1 - up) * PANEL_HEIGHT
+        return LEFT + across * PANEL_WIDTH, self.top + (1 - up) * PANEL_HEIGHT
 
-    def axes(self, labelled):
+    def axes(self):
         for exponent in range(self.x[0], self.x[1] + 1):
             x, _ = self.place(10**exponent, 10**self.y[0])
-            yield f'<path d="M{x:.1f} {TOP}v{PANEL_HEIGHT}" stroke="{GRID}"/>'
-            yield text(x, TOP + PANEL_HEIGHT + 20, f"{10**exponent:,}".replace(",", "\u202f"), "middle", colour=QUIET)
+            yield f'<path class="grid" d="M{x:.1f} {self.top}v{PANEL_HEIGHT}"/>'
+            yield text(x, self.top + PANEL_HEIGHT + 20, f"{10**exponent:,}".replace(",", "\u202f"), "middle", style="quiet")
         for exponent in range(self.y[0], self.y[1] + 1):
             _, y = self.place(10**self.x[0], 10**exponent)
-            yield f'<path d="M{self.left} {y:.1f}h{PANEL_WIDTH}" stroke="{GRID}"/>'
-            if labelled:
-                yield text(self.left - 8, y + 4, time_label(exponent), "end", colour=QUIET)
-        yield text(self.left + PANEL_WIDTH / 2, TOP + PANEL_HEIGHT + 42, "stored entries", "middle", colour=QUIET)
+            yield f'<path class="grid" d="M{LEFT} {y:.1f}h{PANEL_WIDTH}"/>'
+            yield text(LEFT - 8, y + 4, time_label(exponent), "end", style="quiet")
+        yield text(LEFT + PANEL_WIDTH / 2, self.top + PANEL_HEIGHT + 42, "stored entries", "middle", style="quiet")
 
     def line(self, points, colour, plain):
         path = "M" + "L".join("%.1f %.1f" % self.place(*point) for point in sorted(points))
         style = 'stroke-width="1.6" stroke-dasharray="2 4"' if plain else 'stroke-width="2.4"'
         return f'<path d="{path}" fill="none" stroke="{colour}" {style} stroke-linejoin="round" stroke-linecap="round"/>'
 
+    def labels(self, lines):
+        """The name of each operation beside the end of its curve."""
+        ends = [self.place(*max(points)) for points, _ in lines.values()]
+        x = LEFT + PANEL_WIDTH + 16
+        for name, colour, (end_x, end_y), y in zip(lines, COLOURS, ends, apart([y for _, y in ends])):
+            yield f'<path d="M{end_x + 2:.1f} {end_y:.1f}L{x - 3:.1f} {y:.1f}" stroke="{colour}" stroke-width="1.2"/>'
+            yield text(x, y + 4, name)
+
 
 def plot(panels):
     """panels: a list of (title, {operation: (points, points of the plain form)}), a point being (entries, ns)."""
     everything = [point for _, lines in panels for pair in lines.values() for points in pair for point in points]
     x_decades, y_decades = decades([n for n, _ in everything]), decades([t for _, t in everything])
-    width = LEFT + len(panels) * (PANEL_WIDTH + GAP)
-    height = TOP + PANEL_HEIGHT + 62 + ROW * math.ceil(max(len(lines) for _, lines in panels) / 2) + 16
+    width, height = LEFT + PANEL_WIDTH + LABELS, TOP + len(panels) * (PANEL_HEIGHT + BELOW) - 30
+    title = "Time of one call against the entries of the state"
+    told = "; ".join(f"{name}: {min(points)[1]:.3g} ns of {min(points)[0]}, {max(points)[1]:.3g} ns of {max(points)[0]} entries"
+                     for _, lines in panels for name, (points, _) in lines.items())
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" height="{height}" '
-             'font-family="sans-serif">', f'<rect width="{width}" height="{height}" fill="#ffffff"/>',
-             text(LEFT, 26, "Time of one call against the entries of the state", size=17, extra=' font-weight="bold"'),
-             text(width - GAP, 26, "solid: the library, dotted: the plainest form", "end", colour=QUIET)]
-    for number, (title, lines) in enumerate(panels):
-        panel = Panel(LEFT + number * (PANEL_WIDTH + GAP), x_decades, y_decades)
-        parts.append(text(panel.left, TOP - 14, title, size=15))
-        parts += panel.axes(labelled=number == 0)
-        for i, (operation, (points, plain)) in enumerate(lines.items()):
-            parts += [panel.line(plain, COLOURS[i], True)] if plain else []
-            parts.append(panel.line(points, COLOURS[i], False))
-            x = panel.left + i % 2 * PANEL_WIDTH / 2
-            y = TOP + PANEL_HEIGHT + 70 + i // 2 * ROW
-            parts.append(f'<path d="M{x:.1f} {y - 4}h26" stroke="{COLOURS[i]}" stroke-width="2.4" stroke-linecap="round"/>')
-            parts.append(text(x + 34, y, operation))
+             'style="max-width:100%;height:auto" role="img" font-family="sans-serif">', f"<title>{title}</title>",
+             f"<desc>{escape(told)}.</desc>", STYLE, f'<rect class="page" width="{width}" height="{height}"/>',
+             text(16, 26, title, size=17, extra=' font-weight="bold"'),
+             text(16, 48, "solid: the library, dotted: the plainest form", style="quiet")]
+    for number, (name, lines) in enumerate(panels):
+        panel = Panel(TOP + number * (PANEL_HEIGHT + BELOW), x_decades, y_decades)
+        parts.append(text(LEFT, panel.top - 10, name, size=15))
+        parts += panel.axes()
+        for colour, (points, plain) in zip(COLOURS, lines.values()):
+            parts += [panel.line(plain, colour, True)] if plain else []
+            parts.append(panel.line(points, colour, False))
+        parts += panel.labels(lines)
     return "\n".join(parts) + "\n</svg>\n"

@@ -43,12 +43,17 @@ $CC -std=c99 $flags "$sources/c/main.c" $(pkg-config --cflags --libs vantel) -o 
 # shellcheck disable=SC2046,SC2086
 $CXX -std=c++20 $flags "$sources/cpp/main.cpp" $(pkg-config --cflags --libs vantel) -o "$scratch/cpp_user"
 # shellcheck disable=SC2046,SC2086
-$CC -std=c99 $flags "$sources/c/guarded.c" $(pkg-config --cflags --libs vantel_guarded) -o "$scratch/guarded"
+$CC -std=c99 $flags "$sources/c/guarded.c" $(pkg-config --cflags --libs vantel-guarded) -o "$scratch/guarded"
+# shellcheck disable=SC2046,SC2086
+$CC -std=c11 $flags "$prefix/share/doc/vantel/examples/entangled_pair.c" $(pkg-config --cflags --libs vantel vantel-draw) -lm \
+    -o "$scratch/entangled_pair"
+LD_LIBRARY_PATH=$library "$scratch/entangled_pair" --svg "$scratch/pair" >"$scratch/pair.txt"
+[ -s "$scratch/pair-outcomes.svg" ]
 LD_LIBRARY_PATH=$library "$scratch/c_user"
 LD_LIBRARY_PATH=$library "$scratch/guarded"
+LD_LIBRARY_PATH=$library "$scratch/cpp_user"
 command -v meson >/dev/null || { echo "no meson here: that part is left out"; exit 0; }
 cp -r "$sources/meson" "$scratch/meson_sources"
 cp "$sources"/c/*.c "$sources/cpp/main.cpp" "$scratch/meson_sources"
 meson setup "$scratch/meson" "$scratch/meson_sources" >"$scratch/meson.log"
 LD_LIBRARY_PATH=$library meson test -C "$scratch/meson" >>"$scratch/meson.log" || { cat "$scratch/meson.log"; exit 1; }
-LD_LIBRARY_PATH=$library "$scratch/cpp_user"
