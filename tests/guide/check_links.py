@@ -26,7 +26,7 @@ class Page(html.parser.HTMLParser):
 
 class Markdown:
     def __init__(self, text):
-        text = re.sub(r"^```.*?^```$|^    .*$", "", text, flags=re.MULTILINE | re.DOTALL)
+        text = re.sub(r"^```.*?^```$|^    [^\n]*$", "", text, flags=re.MULTILINE | re.DOTALL)
         self.links = re.findall(r"\[[^\]]*\]\(([^) ]+)\)", text)
         titles = re.findall(r"^#+ (.*)$", text, re.MULTILINE)
         self.places = {re.sub(r"[^\w -]", "", title).strip().lower().replace(" ", "-") for title in titles}
