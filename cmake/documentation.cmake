@@ -40,7 +40,7 @@ install(FILES ${pictures} DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 if(VANTEL_HTML)
     find_program(VANTEL_DOXYGEN doxygen REQUIRED)
-    file(GLOB_RECURSE sources CONFIGURE_DEPENDS interface/*.h interface/*.hpp docs/*.md)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS interface/*.h interface/*.hpp drawing/*.h docs/*.md)
     add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/reference/html/index.html
         COMMAND ${CMAKE_COMMAND} -E rm -rf ${PROJECT_BINARY_DIR}/reference
         COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/reference

@@ -30,6 +30,7 @@ if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 
     # The bill of materials has the time of the packages in it, so it is made when they are.
     set(materials ${PROJECT_BINARY_DIR}/libvantel.spdx.json)
+    file(TOUCH ${materials})
     install(CODE "
         string(TIMESTAMP now %Y-%m-%dT%H:%M:%SZ UTC)
         set(version ${PROJECT_VERSION})
