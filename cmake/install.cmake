@@ -11,14 +11,9 @@ install(TARGETS vantel_draw EXPORT vantel
         COMPONENT development)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
-install(FILES
-    ${PROJECT_BINARY_DIR}/include/vantel.h
-    ${PROJECT_BINARY_DIR}/include/vantel_guarded.h
-    ${PROJECT_BINARY_DIR}/include/vantel.hpp
+list(TRANSFORM vantel_headers PREPEND ${PROJECT_BINARY_DIR}/include/ OUTPUT_VARIABLE vantel_installed_headers)
+install(FILES ${vantel_installed_headers} ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
     ${PROJECT_BINARY_DIR}/include/vantel_draw.h
-    ${PROJECT_BINARY_DIR}/include/vantel_exceptions.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_quantities.hpp
-    ${PROJECT_BINARY_DIR}/include/vantel_sampling.hpp
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 # find_package(vantel 1 CONFIG). The library needs no other package, so the exported targets are all of it.

@@ -50,11 +50,12 @@ foreach(part vantel_objects vantel_processor)
 endforeach()
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
-configure_file(interface/vantel.h include/vantel.h COPYONLY)
-configure_file(interface/vantel_guarded.h include/vantel_guarded.h COPYONLY)
-configure_file(interface/vantel.hpp include/vantel.hpp COPYONLY)
-configure_file(interface/vantel_quantities.hpp include/vantel_quantities.hpp COPYONLY)
-configure_file(interface/vantel_sampling.hpp include/vantel_sampling.hpp COPYONLY)
+set(vantel_headers vantel.h vantel_guarded.h vantel.hpp vantel_circuit.hpp vantel_circuit_drawing.hpp
+    vantel_circuit_steps.hpp vantel_circuit_text.hpp vantel_ensemble.hpp vantel_lists.hpp vantel_noise.hpp
+    vantel_quantities.hpp vantel_random.hpp vantel_sampling.hpp vantel_unitary.hpp)
+foreach(header IN LISTS vantel_headers)
+    configure_file(interface/${header} include/${header} COPYONLY)
+endforeach()
 configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
 # What both shared libraries are: versioned, with the symbols that their map names.

@@ -26,7 +26,7 @@
 #ifndef VANTEL_QUANTITIES_HPP
 #define VANTEL_QUANTITIES_HPP
 
-#include "vantel.hpp" // refuses what is older than C++20
+#include "vantel_lists.hpp" // refuses what is older than C++20
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 
@@ -42,39 +42,10 @@
 #include <span>
 #include <stdexcept>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace vantel {
-
-/// A complex number of what this header computes.
-using Complex = std::complex<double>;
-
-/// The qudits that a quantity is asked of: made from one Qudit, from `{a, b}` or from a range. It refers to
-/// them and is meant as an argument.
-class QuditList {
-public:
-    /// A single qudit.
-    QuditList(const Qudit& qudit) : qudits_{qudit} {}
-
-    /// Qudits in braces.
-    QuditList(std::initializer_list<std::reference_wrapper<const Qudit>> qudits) : qudits_(qudits) {}
-
-    /// A range of Qudit, or of references to them.
-    template <class Range>
-    QuditList(Range&& range) requires(!std::same_as<std::remove_cvref_t<Range>, QuditList> &&
-                                      QuditRange<Range>) {
-        for (const Qudit& qudit : range)
-            qudits_.push_back(qudit);
-    }
-
-    [[nodiscard]] auto begin() const noexcept { return qudits_.begin(); } ///< The first.
-    [[nodiscard]] auto end() const noexcept { return qudits_.end(); }     ///< Behind the last.
-
-private:
-    std::vector<std::reference_wrapper<const Qudit>> qudits_;
-};
 
 /// @cond internal
 namespace detail {

@@ -29,18 +29,17 @@
 #ifndef VANTEL_SAMPLING_HPP
 #define VANTEL_SAMPLING_HPP
 
-#include "vantel_quantities.hpp" // refuses what is older than C++20
+#include "vantel_lists.hpp" // refuses what is older than C++20
+#include "vantel_random.hpp"
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <ostream>
 #include <random>
 #include <span>
@@ -54,36 +53,6 @@ namespace vantel {
 
 /// The most rows that a table to draw from can have: 2^24, as eight qudits of eight levels have.
 inline constexpr std::size_t most_sampled_rows = std::size_t{1} << 24;
-
-/// A source of random bits: one of `<random>`'s generators, or a reference to one. Its numbers have at most
-/// 64 bits.
-template <class Generator>
-concept BitGenerator = std::uniform_random_bit_generator<std::remove_reference_t<Generator>> &&
-    (std::numeric_limits<std::invoke_result_t<Generator&>>::digits <= 64);
-
-/// A number in [0, 1), a multiple of 2^-53, from 64 random bits by this rule: of a number x of the generator,
-/// x - min() is taken if it is below 2^k, the largest power of two with 2^k <= max() - min() + 1, and else
-/// dropped for the next; its k bits go behind those taken before, until there are 64 or more. Of the last 64
-/// the upper 53, as a whole number, are divided by 2^53.
-/// @param generator  where the bits come from: of std::mt19937_64 one number, of std::mt19937 two.
-template <BitGenerator Generator> [[nodiscard]] double uniform_number(Generator&& generator) {
-    using Source = std::remove_reference_t<Generator>;
-    constexpr std::uint64_t least = Source::min(), span = Source::max() - least;
-    constexpr int width =
-        span == std::numeric_limits<std::uint64_t>::max() ? 64 : std::bit_width(span + 1) - 1;
-    constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max() >> (64 - width);
-    std::uint64_t bits = 0;
-    for (int taken = 0; taken < 64;) {
-        const std::uint64_t number = generator() - least;
-        if (number > largest)
-            continue;
-        if constexpr (width < 64)
-            bits <<= width;
-        bits |= number;
-        taken += width;
-    }
-    return static_cast<double>(bits >> 11) * 0x1p-53;
-}
 
 /// How often one combination of levels was drawn.
 struct Count {

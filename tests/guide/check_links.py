@@ -32,6 +32,8 @@ class Markdown:
         self.places = {re.sub(r"[^\w -]", "", title).strip().lower().replace(" ", "-") for title in titles}
 
 
+# Doxygen links to the list of a class's own classes and leaves the list out where all of them are private.
+NO_LIST = "#nested-classes"
 read = {}
 
 
@@ -50,7 +52,7 @@ broken, followed = [], 0
 for path in pages:
     for link in page(path).links:
         parts = urllib.parse.urlsplit(link)
-        if parts.scheme or parts.netloc:
+        if parts.scheme or parts.netloc or link == NO_LIST:
             continue
         followed += 1
         target = path.parent / urllib.parse.unquote(parts.path) if parts.path else path
