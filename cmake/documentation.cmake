@@ -55,4 +55,4 @@ endif()
 add_custom_target(documentation ALL DEPENDS ${documents})
 
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-    FILES_MATCHING PATTERN CMakeLists.txt PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py)
+    FILES_MATCHING PATTERN CMakeLists.txt PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py PATTERN *.ipynb)

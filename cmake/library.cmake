@@ -51,8 +51,9 @@ endforeach()
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
 set(vantel_headers vantel.h vantel_guarded.h vantel.hpp vantel_circuit.hpp vantel_circuit_drawing.hpp
-    vantel_circuit_steps.hpp vantel_circuit_text.hpp vantel_ensemble.hpp vantel_lists.hpp vantel_noise.hpp
-    vantel_quantities.hpp vantel_random.hpp vantel_sampling.hpp vantel_unitary.hpp)
+    vantel_circuit_steps.hpp vantel_circuit_text.hpp vantel_conditional_sampling.hpp vantel_ensemble.hpp
+    vantel_lists.hpp vantel_noise.hpp vantel_quantities.hpp vantel_random.hpp vantel_sampling.hpp
+    vantel_unitary.hpp)
 foreach(header IN LISTS vantel_headers)
     configure_file(interface/${header} include/${header} COPYONLY)
 endforeach()

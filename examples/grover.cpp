@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
         qudits.emplace_back(levels);
     const std::vector<vantel::Condition> marked{qudits[0] == 2, qudits[1] == 1, qudits[2] == 3};
     const std::vector<vantel::Condition> zero{qudits[0] == 0, qudits[1] == 0, qudits[2] == 0};
-    constexpr float half_turn = std::numbers::pi_v<float>;
+    constexpr double half_turn = std::numbers::pi;
 
     for (auto& qudit : qudits)
         vantel::hadamard(qudit);
@@ -26,7 +26,7 @@ int main(int argc, char** argv) {
         for (auto& qudit : qudits)
             vantel::hadamard(qudit);
 
-        const float found = vantel::probabilities(qudits)(2, 1, 3);
+        const double found = vantel::probabilities(qudits)(2, 1, 3);
         const double told = std::pow(std::sin((2 * round + 1) * angle), 2);
         std::cout << "round " << round << ": found with probability " << found << '\n';
         check(std::abs(found - told) < 1e-5, "the probability is sin^2 of (2 rounds + 1) angles");

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
 
         // The sender touches one qudit only.
         const int first_digit = message / levels;
-        vantel::clock(sent, static_cast<float>(first_digit));
+        vantel::clock(sent, first_digit);
         vantel::add(sent, message % levels);
 
         // The receiver has both: |k + units, k> with a phase for each k becomes |units> and |tens>.

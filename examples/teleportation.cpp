@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
 
     // The measurement left level k as k + offset, with the phase exp(2 pi i k phase / 3).
     vantel::add(there[0], -offset);
-    vantel::clock(there[0], -static_cast<float>(phase));
+    vantel::clock(there[0], -phase);
     draw("The message after", there, {"there"});
 
     const auto after = vantel::reduced_density_matrix(there);

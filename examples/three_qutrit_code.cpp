@@ -7,6 +7,8 @@
 #include <iomanip>
 #include <random>
 
+#include <vantel_noise.hpp>
+
 #include "check.hpp"
 
 namespace {
@@ -27,17 +29,7 @@ void recover(Code& code) {
     vantel::inverse_sum(code[2], code[1]);
 }
 
-/// A shift and a clock by whole powers: all but {0, 0} are errors, eight of them.
-struct Weyl {
-    int shifts = 0, clocks = 0;
-    bool operator==(const Weyl&) const = default;
-};
-using Errors = std::array<Weyl, 3>;
-
-void apply(const Weyl& error, vantel::Qudit& qutrit) {
-    vantel::clock(qutrit, static_cast<float>(error.clocks));
-    vantel::add(qutrit, error.shifts);
-}
+using Errors = std::array<vantel::Weyl, 3>; // all but {0, 0} are errors, eight for each qutrit
 
 struct Result {
     bool passed; ///< the test saw no error
@@ -51,7 +43,7 @@ Result send(const Errors& errors) {
     vantel::prepare_bell(kept, code[2]);
     encode(code);
     for (std::size_t i = 0; i < code.size(); ++i)
-        apply(errors[i], code[i]);
+        errors[i].apply(code[i]);
     recover(code);
     vantel::inverse_sum(code[0], code[1]);
     vantel::inverse_hadamard(code[0]);
@@ -62,10 +54,10 @@ Result send(const Errors& errors) {
     return {clocks == 0 && shifts == 0, phase == 0 && offset == 0};
 }
 
-bool arrives_unprotected(const Weyl& error) {
+bool arrives_unprotected(const vantel::Weyl& error) {
     vantel::Qudit kept(levels), sent(levels);
     vantel::prepare_bell(kept, sent);
-    apply(error, sent);
+    error.apply(sent);
     vantel::inverse_sum(kept, sent);
     vantel::inverse_hadamard(kept);
     const auto [phase, offset] = vantel::measure(kept, sent);
@@ -96,7 +88,7 @@ int main(int argc, char** argv) {
         const auto after = vantel::reduced_density_matrix(code[2]);
         for (std::size_t row = 0; row < levels; ++row)
             for (std::size_t column = 0; column < levels; ++column)
-                check(std::abs(after(row, column) - before(row, column)) < 1e-5F,
+                check(std::abs(after(row, column) - before(row, column)) < 1e-5,
                       "two qutrits have the message");
     }
     std::cout << "24 errors of one qutrit seen, any lost qutrit done without\n";
@@ -104,15 +96,10 @@ int main(int argc, char** argv) {
     // Depolarising noise: with probability p a qutrit has one of the eight errors. The seed is fixed, so
     // every run prints the same table.
     constexpr int trials = 4000;
-    std::mt19937 random(1);
+    std::mt19937_64 random(1);
     std::cout << "p      wrong without    passed   wrong of them   exactly\n" << std::fixed;
     for (const double p : {0.02, 0.05, 0.1}) {
-        const auto noise = [&]() -> Weyl {
-            if (!std::bernoulli_distribution(p)(random))
-                return {};
-            const int error = std::uniform_int_distribution(1, levels * levels - 1)(random);
-            return {error % levels, error / levels};
-        };
+        const auto noise = [&, channel = vantel::depolarising(levels, p)] { return channel.draw(random); };
         int wrong_without = 0, passed = 0, wrong = 0;
         for (int trial = 0; trial < trials; ++trial) {
             wrong_without += !arrives_unprotected(noise());

@@ -39,9 +39,11 @@
 #include <complex>
 #include <concepts>
 #include <cstddef>
+#include <exception>
 #include <initializer_list>
 #include <limits>
 #include <memory>
+#include <ostream>
 #include <ranges>
 #include <span>
 #include <stdexcept>
@@ -113,6 +115,10 @@ template <class Function, class... Arguments> void call(Function function, Argum
 } // namespace detail
 /// @endcond
 
+/// A complex number, of all that is taken and returned here. The C functions work with single precision; the
+/// arrays that they wrote are there too, as they are.
+using Complex = std::complex<double>;
+
 /// One condition: the record of the C interface.
 using Condition = PredicateRecord;
 
@@ -168,6 +174,27 @@ private:
     std::vector<Condition> many_;
 };
 
+/// @cond internal
+namespace detail {
+
+/// Whether freeing a handle cannot end the process; if its joint state is over the limit, after measuring it.
+/// A phase that is turned nowhere tells the size of the state.
+inline bool can_go(QuantumProperty* handle) noexcept {
+    const Condition never{handle, -1, 1};
+    const auto fits = [&] { return vantel_phase_rotate(&never, 1, 0.0F) != vantel_state_size_exceeded; };
+    try {
+        if (handle == nullptr || fits())
+            return true;
+        int level = 0;
+        return vantel_measure(&handle, 1, &level) == vantel_ok && fits();
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+} // namespace detail
+/// @endcond
+
 /// One qudit, owned. Moving it moves the ownership; the qudit and what refers to it stay where they are. Of
 /// an object that was moved from, only assignment and destruction are good.
 class Qudit {
@@ -183,8 +210,13 @@ public:
             this);
     }
 
-    /// Frees the qudit as vantel_free_quantum_property() does; what cannot be freed ends the process.
-    ~Qudit() { vantel_free_quantum_property(handle_); }
+    /// Frees the qudit as vantel_free_quantum_property() does, and lets that not end the process: a qudit of
+    /// a joint state over the limit is measured first. Where that leaves the state over the limit, or where
+    /// the random source or memory fails, the qudit stays in it, and its place taken, until the process ends.
+    ~Qudit() {
+        if (detail::can_go(handle_))
+            vantel_free_quantum_property(handle_);
+    }
 
     /// Takes over the qudit of `other`.
     Qudit(Qudit&& other) noexcept
@@ -297,8 +329,8 @@ template <Fraction Number> void clock(Qudit& target, Number fraction, Conditions
 }
 
 /// Multiplies by exp(i angle) where `when` holds; without conditions it does nothing.
-inline void phase_rotate(Conditions when, float angle) {
-    detail::call(vantel_phase_rotate, when.data(), when.size(), angle);
+template <Fraction Number> void phase_rotate(Conditions when, Number angle) {
+    detail::call(vantel_phase_rotate, when.data(), when.size(), static_cast<float>(angle));
 }
 
 /// Exchanges the levels of two qudits of one dimension (vantel_swap()).
@@ -414,7 +446,7 @@ public:
 
     /// The probability of one combination, one level per qudit: `table(0, 2)`. Throws std::out_of_range as
     /// Shape::row() does, and where the table has no rows.
-    template <std::convertible_to<int>... Levels> [[nodiscard]] float operator()(Levels... levels) const {
+    template <std::convertible_to<int>... Levels> [[nodiscard]] double operator()(Levels... levels) const {
         const std::size_t row = shape_.row(std::array<int, sizeof...(levels)>{static_cast<int>(levels)...});
         if (row >= size_)
             throw std::out_of_range("the table of an empty joint state has no rows");
@@ -422,6 +454,18 @@ public:
     }
 
     [[nodiscard]] const Shape& shape() const noexcept { return shape_; } ///< The order of the rows.
+
+    /// A line for each row whose probability is not 0: the levels, and the probability to six digits.
+    friend std::ostream& operator<<(std::ostream& stream, const Outcomes& outcomes) {
+        for (const ProbabilityRecord& record : outcomes) {
+            if (record.probability == 0)
+                continue;
+            for (std::size_t i = 0; i < outcomes.shape_.qudits(); ++i)
+                stream << std::to_string(record.qudit_values[i]) + ' ';
+            stream << ' ' + std::to_string(record.probability) + '\n';
+        }
+        return stream;
+    }
 
 private:
     Shape shape_;
@@ -448,7 +492,7 @@ public:
     [[nodiscard]] std::size_t side() const noexcept { return shape_.size(); } ///< Rows, and columns.
 
     /// The element in `row` and `column`. Throws std::out_of_range unless both are below side().
-    [[nodiscard]] std::complex<float> operator()(std::size_t row, std::size_t column) const {
+    [[nodiscard]] Complex operator()(std::size_t row, std::size_t column) const {
         if (row >= side() || column >= side())
             throw std::out_of_range("no element (" + std::to_string(row) + ", " + std::to_string(column) +
                                     ") of a density matrix with side " + std::to_string(side()));
@@ -458,6 +502,14 @@ public:
     [[nodiscard]] const Shape& shape() const noexcept { return shape_; } ///< The order of rows and columns.
     [[nodiscard]] const float* real() const noexcept { return real_.get(); } ///< Real parts, row by row.
     [[nodiscard]] const float* imaginary() const noexcept { return imaginary_.get(); } ///< Imaginary parts.
+
+    /// A line for each row, its elements as `(real, imaginary)` to six digits behind the point.
+    friend std::ostream& operator<<(std::ostream& stream, const DensityMatrix& matrix) {
+        for (std::size_t i = 0; i < matrix.side() * matrix.side(); ++i)
+            stream << '(' + std::to_string(matrix.real_[i]) + ", " + std::to_string(matrix.imaginary_[i]) +
+                          ')' + ((i + 1) % matrix.side() == 0 ? '\n' : ' ');
+        return stream;
+    }
 
 private:
     Shape shape_;

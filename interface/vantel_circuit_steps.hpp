@@ -279,7 +279,7 @@ inline void run(const Step& step, const Targets& qudits, std::span<int> numbers,
     case Action::clock:
         return vantel::clock(target(0), step.amount, when);
     case Action::phase_rotate:
-        return vantel::phase_rotate(when, static_cast<float>(step.amount));
+        return vantel::phase_rotate(when, step.amount);
     case Action::swap_levels:
         return vantel::swap_levels(target(0), target(1), when);
     case Action::i_swap:

@@ -1,7 +1,6 @@
 /**
  * @file vantel_lists.hpp
- * @brief Header-only, beside vantel.hpp: what the headers built on it take as arguments, lists of qudits and
- * complex numbers.
+ * @brief Header-only, beside vantel.hpp: lists of qudits as arguments.
  */
 #ifndef VANTEL_LISTS_HPP
 #define VANTEL_LISTS_HPP
@@ -10,7 +9,6 @@
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 
-#include <complex>
 #include <concepts>
 #include <cstddef>
 #include <functional>
@@ -20,9 +18,6 @@
 #include <vector>
 
 namespace vantel {
-
-/// A complex number of what is computed.
-using Complex = std::complex<double>;
 
 /// A list of qudits as an argument: made from one Qudit, from `{a, b}`, or from a range of Qudit or of
 /// references to them. It refers to them and is made for the time of a call.

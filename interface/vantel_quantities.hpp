@@ -79,8 +79,9 @@ inline void check_size(std::size_t given, std::size_t wanted) {
 
 /// The eigenvalues of a Hermitian matrix, the largest first, by Jacobi's method: a rotation in the plane of
 /// each pair (p, q) makes their element 0, and sweeps over all pairs go on until all elements beside the
-/// diagonal are rounding. A phase makes the element real first; then the rotation is that of a real matrix,
-/// of which the smaller of the two possible angles is taken, so that the sweeps converge.
+/// diagonal are rounding, which takes about ten, or until they would only turn rounding around. A phase makes
+/// the element real first; then the rotation is that of a real matrix, of which the smaller of the two
+/// possible angles is taken, so that the sweeps converge.
 inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t side) {
     const auto at = [&](std::size_t row, std::size_t column) -> Complex& {
         return matrix[row * side + column];
@@ -90,7 +91,9 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
         squares += std::norm(element);
     const double rounding = 1e-14 * std::sqrt(squares);
 
-    for (bool rotated = true; rotated;) {
+    bool rotated = true;
+    constexpr int most_sweeps = 60;
+    for (int sweep = 0; rotated && sweep < most_sweeps; ++sweep) {
         rotated = false;
         for (std::size_t p = 0; p + 1 < side; ++p)
             for (std::size_t q = p + 1; q < side; ++q) {

@@ -1,7 +1,7 @@
 /**
  * @file vantel_sampling.hpp
  * @brief Header-only, beside vantel.hpp: shots. What many measurements of equal states would find is drawn
- * from one table of probabilities, and the state stays as it is.
+ * from tables of probabilities, and the state stays as it is.
  *
  * @code
  * vantel::Qudit a(3), b(2);
@@ -21,14 +21,19 @@
  * so that the same seed gives the same shots with every compiler's library.
  * - **Accuracy**: the probabilities have the precision of `float`, and so have the shares of the shots.
  * - **Cost**: one call of vantel::probabilities() and time and memory for each row of its table; then a shot
- *   takes the same time, however many rows there are.
+ *   takes the same time, however many rows there are. Of a list with too many rows for one table,
+ *   vantel::sample() and vantel::counts() draw a few qudits at a time, from tables of at most 1000 rows of
+ * what goes with the levels drawn before; shots with the same levels share a table. This takes one of the ten
+ *   places for the time of the call, and three calls for each table.
  * - **Failures**: vantel::Error as from vantel::probabilities(); std::invalid_argument for an empty list;
- * std::length_error for a list whose table has more than most_sampled_rows rows; std::domain_error
- * for a table without rows, as that of an empty joint state is, or without a positive and finite sum.
+ * std::length_error for a list whose table has more than most_sampled_rows rows, of an OutcomeSampler, and of
+ * a call if the ten places are taken, too; std::domain_error for a table without rows, as that of an empty
+ * joint state is, or without a positive and finite sum.
  */
 #ifndef VANTEL_SAMPLING_HPP
 #define VANTEL_SAMPLING_HPP
 
+#include "vantel_conditional_sampling.hpp"
 #include "vantel_lists.hpp" // refuses what is older than C++20
 #include "vantel_random.hpp"
 
@@ -40,6 +45,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <ostream>
 #include <random>
 #include <span>
@@ -244,24 +250,38 @@ private:
 /// the same state keeps an OutcomeSampler.
 /// @param qudits     at least one.
 /// @param shots      how many, also 0.
-/// @param generator  asked for two uniform_number() a shot.
+/// @param generator  asked for two uniform_number() a shot, or one for each part of a list without one table.
 /// @returns  `shots` elements, in the order in which they were drawn, of one level per listed qudit.
-/// @throws std::length_error, std::domain_error  as OutcomeSampler does.
+/// @throws std::length_error  for more than #most_sampled_rows outcomes where no place among the ten is left.
+/// @throws std::domain_error  as OutcomeSampler does.
 template <BitGenerator Generator>
 [[nodiscard]] std::vector<std::vector<int>> sample(const QuditList& qudits, std::size_t shots,
                                                    Generator&& generator) {
+    if (Shape(qudits).size() > most_sampled_rows)
+        return detail::ConditionalSampler(qudits).draw(shots, generator);
     return OutcomeSampler(qudits).sample(shots, generator);
 }
 
 /// Counts what `shots` measurements of equal states would find; the state stays as it is. These are the shots
 /// that sample() draws with the same generator.
 /// @param qudits     at least one.
-/// @param shots      how many, also 0; they take no memory.
-/// @param generator  asked for two uniform_number() a shot.
-/// @throws std::length_error, std::domain_error  as OutcomeSampler does.
+/// @param shots      how many, also 0; drawn from one table, they take no memory.
+/// @param generator  as sample() asks it.
+/// @throws std::length_error, std::domain_error  as sample() does.
 template <BitGenerator Generator>
 [[nodiscard]] Counts counts(const QuditList& qudits, std::size_t shots, Generator&& generator) {
-    return OutcomeSampler(qudits).counts(shots, generator);
+    const Shape shape(qudits);
+    if (shape.size() <= most_sampled_rows)
+        return OutcomeSampler(qudits).counts(shots, generator);
+    std::map<std::size_t, Count> found;
+    for (std::vector<int>& levels : detail::ConditionalSampler(qudits).draw(shots, generator)) {
+        const std::size_t row = shape.row(levels);
+        ++found.try_emplace(row, Count{row, std::move(levels), 0}).first->second.shots;
+    }
+    std::vector<Count> entries;
+    for (auto& [row, count] : found)
+        entries.push_back(std::move(count));
+    return {shape, std::move(entries)};
 }
 
 } // namespace vantel

@@ -32,11 +32,7 @@ void raise_in_python(std::exception_ptr failure) {
         raise(error.status(), error.what());
     } catch (const std::bad_alloc&) {
         PyErr_NoMemory();
-    } catch (const std::invalid_argument& wrong) {
-        PyErr_SetString(PyExc_ValueError, wrong.what());
-    } catch (const std::domain_error& wrong) {
-        PyErr_SetString(PyExc_ValueError, wrong.what());
-    } catch (const std::length_error& wrong) {
+    } catch (const std::logic_error& wrong) { // an argument that no call could do anything with
         PyErr_SetString(PyExc_ValueError, wrong.what());
     } catch (const std::exception& other) {
         PyErr_SetString(PyExc_RuntimeError, other.what());

@@ -8,5 +8,8 @@ PYBIND11_MODULE(_core, module) {
     vantel::python::bind_readouts(module);
     vantel::python::bind_quantities(module);
     vantel::python::bind_sampling(module);
+    vantel::python::bind_channels(module);
+    vantel::python::bind_circuits(module);
+    vantel::python::bind_pictures(module);
     module.attr("version") = vantel_version();
 }

@@ -122,6 +122,9 @@ void bind_gates(py::module_& module);
 void bind_readouts(py::module_& module);
 void bind_quantities(py::module_& module);
 void bind_sampling(py::module_& module);
+void bind_channels(py::module_& module);
+void bind_circuits(py::module_& module);
+void bind_pictures(py::module_& module);
 
 /// Sets Python's exception for the C++ exception that is being handled.
 void raise_in_python(std::exception_ptr failure);

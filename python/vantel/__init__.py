@@ -27,6 +27,7 @@ from ._core import (
     clock,
     counts,
     cycle,
+    damp,
     density_matrix,
     entropy,
     entropy_in_bits,
@@ -38,9 +39,11 @@ from ._core import (
     inverse_fourier_transform,
     inverse_hadamard,
     inverse_sum,
+    kraus,
     measure,
     negate,
     phase_rotate,
+    prepare,
     prepare_bell,
     prepare_ghz,
     probabilities,
@@ -54,16 +57,23 @@ from ._core import (
     sum as sum,
     swap_levels,
     toffoli,
-    version as __version__,
+    unitary,
+    version,
 )
 from ._errors import Error, Status
+from .circuits import Circuit, Ensemble, Run, Value, When, Wire
+from .states import Picture, dephase, depolarise, draw
+
+__version__: str = version
 
 # `sum` is not among what a star imports: the builtin of this name is another thing.
 __all__ = [
-    "Condition", "Error", "Qudit", "Status", "add", "amplitudes", "clock", "counts", "cycle", "density_matrix", "entropy",
-    "entropy_in_bits", "expectation", "fidelity", "fourier_transform", "hadamard", "i_swap", "inverse_fourier_transform",
-    "inverse_hadamard", "inverse_sum", "make_register", "measure", "negate", "phase_rotate", "prepare_bell", "prepare_ghz",
-    "probabilities", "project", "purity", "reset", "sample", "schmidt", "shift", "spectrum", "swap_levels", "toffoli",
+    "Circuit", "Condition", "Ensemble", "Error", "Picture", "Qudit", "Run", "Status", "Value", "When", "Wire", "__version__", "add",
+    "amplitudes", "clock", "counts", "cycle", "damp", "density_matrix", "dephase", "depolarise", "draw", "entropy",
+    "entropy_in_bits", "expectation", "fidelity", "fourier_transform", "hadamard", "i_swap",
+    "inverse_fourier_transform", "inverse_hadamard", "inverse_sum", "kraus", "make_register", "measure", "negate",
+    "phase_rotate", "prepare", "prepare_bell", "prepare_ghz", "probabilities", "project", "purity", "reset", "sample",
+    "schmidt", "shift", "spectrum", "swap_levels", "toffoli", "unitary",
 ]
 
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <type_traits>
@@ -56,6 +57,27 @@ TEST(QuditObject, HandsOverItsHandle) {
     QuantumProperty* const handle = qudit.release();
     EXPECT_EQ(qudit.handle(), nullptr);
     EXPECT_EQ(vantel_free_quantum_property(handle), vantel_ok);
+}
+
+// In a child, since the bystander, whose measurement makes nothing smaller, is kept until the process ends.
+TEST(QuditObject, CanLeaveAStateOverTheLimit) {
+    const auto leave = [] {
+        auto q = vantel::make_register({10, 10, 10, 10, 10, 2, 3});
+        vantel::join(q[0], q[6]);
+        vantel::sum(q[0], q[5]);
+        for (std::size_t i = 0; i < 6; ++i)
+            if (status_of_failure([&] { vantel::hadamard(q[i], q[6] == 0); }) != (i < 5 ? 0 : 9))
+                std::_Exit(1);
+        q.pop_back();
+        q.pop_back(); // measured, and of one level from now on
+        std::_Exit(status_of_failure([&] {
+                       vantel::clock(q[0]);
+                       vantel::hadamard(q[0]);
+                   }) == 0
+                       ? 3
+                       : 2);
+    };
+    EXPECT_EXIT(leave(), testing::ExitedWithCode(3), "");
 }
 
 TEST(ConditionList, CanBeWrittenInEachForm) {
@@ -122,6 +144,9 @@ TEST(Readout, KeepsItsTableWhenMoved) {
     ASSERT_EQ(table.size(), 6U);
     EXPECT_EQ(table(0, 1), 1.0F);
     EXPECT_EQ(table[2].probability, 1.0F);
+    EXPECT_EQ(testing::PrintToString(table), "0 1  1.000000\n");
+    EXPECT_EQ(testing::PrintToString(vantel::reduced_density_matrix(two)),
+              "(1.000000, 0.000000) (0.000000, 0.000000)\n(0.000000, 0.000000) (0.000000, 0.000000)\n");
     const auto moved = std::move(table);
     EXPECT_EQ(moved[3].qudit_values[0], 1);
     EXPECT_EQ(moved[3].qudit_values[1], 1);
@@ -178,7 +203,7 @@ TEST(Readout, TakesReferencesInAnyOrder) {
     vantel::cycle(b);
     const std::vector<std::reference_wrapper<Qudit>> list{b, a};
     EXPECT_EQ(vantel::measure(list), (std::vector{1, 0}));
-    EXPECT_EQ(vantel::reduced_density_matrix(list)(1, 1), std::complex<float>(1.0F));
+    EXPECT_EQ(vantel::reduced_density_matrix(list)(1, 1), 1.0);
 }
 
 } // namespace

@@ -5,10 +5,15 @@
 
 namespace {
 
-std::string refusal(auto qudits) try {
-    return std::to_string(vantel::OutcomeSampler(std::move(qudits)).size());
+std::string refusal_of(auto body) try {
+    body();
+    return {};
 } catch (const std::logic_error& failure) {
     return failure.what();
+}
+
+std::string refusal(auto qudits) {
+    return refusal_of([&] { vantel::OutcomeSampler{std::move(qudits)}; });
 }
 
 TEST(Sampling, OfAnEntangledPairByItsRuleAndWhatIsRefused) {
@@ -39,6 +44,37 @@ TEST(Sampling, OfAnEntangledPairByItsRuleAndWhatIsRefused) {
     EXPECT_TRUE(refusal(vantel::probabilities(std::vector<vantel::Qudit>())).ends_with("is empty"));
     vantel::phase_rotate(list[0] == 0, NAN);
     EXPECT_TRUE(refusal(vantel::probabilities(list[0])).ends_with("add up to nan"));
+}
+
+TEST(Sampling, OfMoreQuditsThanOneTableHasRowsFor) {
+    auto q = vantel::make_register(9, 10);
+    vantel::prepare_ghz(q);
+    vantel::clock(q[4], 0.3);
+    vantel::hadamard(q[8], q[0] != 3); // so that only a 3 is followed by a 3 for sure
+    const auto before = vantel::reduced_density_matrix(q[8], q[0]);
+    std::mt19937_64 generator(5), same(5);
+    const auto shots = vantel::sample(q, 3000, generator);
+    std::array<double, 10> last{};
+    for (const auto& levels : shots) {
+        EXPECT_EQ(std::ranges::count(levels, levels[0]), levels[8] == levels[0] ? 9 : 8);
+        EXPECT_TRUE(levels[0] != 3 || levels[8] == 3);
+        ++last.at(static_cast<std::size_t>(levels[8]));
+    }
+    // Hoeffding: off by t or more at most 2 exp(-2 t^2 / 3000) of the time; ten levels together 1e-9.
+    for (std::size_t level = 0; level < 10; ++level)
+        EXPECT_NEAR(last[level], 270 + (level == 3 ? 300 : 0), 189);
+    const auto found = vantel::counts(q, 3000, same);
+    std::size_t all_three = 0;
+    for (const auto& levels : shots)
+        all_three += levels == std::vector<int>(9, 3);
+    EXPECT_EQ(found(3, 3, 3, 3, 3, 3, 3, 3, 3), all_three);
+
+    const auto after = vantel::reduced_density_matrix(q[8], q[0]);
+    EXPECT_TRUE(std::equal(before.real(), before.real() + 10000, after.real()));
+    EXPECT_TRUE(std::equal(before.imaginary(), before.imaginary() + 10000, after.imaginary()));
+    vantel::Qudit tenth(2); // takes the place that was the helper's
+    vantel::join(q[0], tenth);
+    EXPECT_NE(refusal_of([&] { (void)vantel::sample(q, 1, generator); }).find("helper"), std::string::npos);
 }
 
 } // namespace
