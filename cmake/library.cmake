@@ -50,7 +50,7 @@ foreach(part vantel_objects vantel_processor)
 endforeach()
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
-set(vantel_headers vantel.h vantel.hpp vantel_circuit.hpp vantel_circuit_drawing.hpp
+set(vantel_headers vantel.h vantel_guarded.h vantel.hpp vantel_circuit.hpp vantel_circuit_drawing.hpp
     vantel_circuit_steps.hpp vantel_circuit_text.hpp vantel_conditional_sampling.hpp vantel_ensemble.hpp
     vantel_lists.hpp vantel_noise.hpp vantel_quantities.hpp vantel_random.hpp vantel_sampling.hpp
     vantel_unitary.hpp)
@@ -59,16 +59,32 @@ foreach(header IN LISTS vantel_headers)
 endforeach()
 configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
-add_library(vantel SHARED)
+# What both shared libraries are: versioned, with the symbols that their map names.
+function(vantel_shared name)
+    add_library(${name} SHARED ${ARGN})
+    target_link_libraries(${name} PRIVATE vantel_objects vantel_processor)
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/${name}.map)
+    target_link_options(${name} PRIVATE
+        LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/${name}.map
+        LINKER:--no-undefined)
+    target_include_directories(${name} INTERFACE
+        $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+endfunction()
+
+vantel_shared(vantel)
 add_library(vantel::vantel ALIAS vantel)
-target_link_libraries(vantel PRIVATE vantel_objects vantel_processor)
-set_target_properties(vantel PROPERTIES
-    VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR}
-    LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/vantel.map)
-target_link_options(vantel PRIVATE
-    LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/vantel.map
-    LINKER:--no-undefined)
-target_include_directories(vantel INTERFACE
-    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
-    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+# The face that lets no exception out contains the library, since it takes qudits out of joint states by a way of its
+# own. EXPORT_NAME makes it vantel::guarded to the projects that find it.
+vantel_shared(vantel_guarded guarded/boundary.cpp guarded/functions.cpp guarded/handles.cpp)
+add_library(vantel::guarded ALIAS vantel_guarded)
+set_target_properties(vantel_guarded PROPERTIES
+    EXPORT_NAME guarded
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+target_link_libraries(vantel_guarded PRIVATE vantel_compiler)
+target_compile_definitions(vantel_guarded PRIVATE VANTEL_VERSION="${PROJECT_VERSION}")
