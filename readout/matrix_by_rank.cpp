@@ -115,21 +115,25 @@ void add_many_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::si
 template <bool recovering>
 void add_any(Matrix& matrix, const Ranked& list, const PositionTable& table, std::size_t size,
              std::size_t side) {
-    std::vector<bool> reached(matrix.size(), false);
-    for (std::size_t i = 0; i < size; ++i) {
-        const std::size_t row = list.ranks[i] % side;
-        const Factor factor(list.amplitudes[list.ranks[i]]);
-        for (std::size_t column = 0; column < side; ++column) {
-            const std::size_t partner = list.ranks[i] - row + column;
-            if (table.positions()[partner] == 0)
-                continue;
-            const Parts number = conjugate(list.amplitudes[partner]);
-            const Parts product = recovering ? factor(number) : factor.unrecovered(number);
-            std::complex<double>& sum = matrix[row * side + column];
-            store(reached[row * side + column] ? parts_of(sum) + product : product, sum);
-            reached[row * side + column] = true;
+    std::vector<unsigned char> reached(matrix.size(), 0);
+    wide_loop([
+        =, ranks = list.ranks.get(), amplitudes = list.amplitudes.get(), positions = table.positions().data(),
+        sums = matrix.data(), flags = reached.data()
+    ]() __attribute__((always_inline)) {
+        for (std::size_t i = 0; i < size; ++i) {
+            const std::uint32_t row = ranks[i] % static_cast<std::uint32_t>(side);
+            const Factor factor(amplitudes[ranks[i]]);
+            std::size_t place = row * side;
+            for (std::size_t partner = ranks[i] - row; partner < ranks[i] - row + side; ++partner, ++place) {
+                if (positions[partner] == 0)
+                    continue;
+                const Parts number = conjugate(amplitudes[partner]);
+                const Parts product = recovering ? factor(number) : factor.unrecovered(number);
+                store(flags[place] != 0 ? parts_of(sums[place]) + product : product, sums[place]);
+                flags[place] = 1;
+            }
         }
-    }
+    });
 }
 
 bool has_nan(const Matrix& matrix) {
