@@ -121,6 +121,7 @@ public:
         return *this;
     }
     /// Writes what the other slot holds; the reference itself stays where it is.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a slot that is written with what it holds
     DitProxy& operator=(const DitProxy& other) { return *this = static_cast<Dit>(other); }
 
     /// The slot's dit raised by `addend` levels, with wrap-around by its own dimension.
