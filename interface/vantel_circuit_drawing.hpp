@@ -247,7 +247,7 @@ inline std::size_t shown(std::string_view text) {
     constexpr std::size_t letter = 9, line_height = 46, box_height = 30, gap = 14, radius = 6;
     const auto number = [](std::size_t value) { return std::to_string(value); };
     const auto element = [&](std::string_view name, std::string_view attributes) {
-        return "<" + std::string(name) + ' ' + std::string(attributes) + "/>\n";
+        return std::string("<").append(name).append(" ").append(attributes).append("/>\n");
     };
     const auto quoted = [&](std::size_t value) { return '"' + number(value) + '"'; };
     const auto line = [&](std::size_t x1, std::size_t y1, std::size_t x2, std::size_t y2) {
