@@ -182,23 +182,23 @@ int main(int argc, char** argv) {
               << std::fixed << std::setprecision(3);
     for (const double t : {0.5, 1.0, 2.0}) {
         const auto chain = evolve(t, 40);
-        const auto told = exact.state(t);
+        const auto expected = exact.state(t);
         const Profile means = profile(chain);
         std::cout << t;
         for (const double mean : means)
             std::cout << std::setw(8) << mean;
         std::cout << '\n';
-        check(largest_difference(means, profile(told)) < 2e-3, "each spin turns as diagonalisation says");
-        check(vantel::fidelity(chain, told) > 1 - 1e-4, "and so does the whole chain");
+        check(largest_difference(means, profile(expected)) < 2e-3, "each spin turns as diagonalisation says");
+        check(vantel::fidelity(chain, expected) > 1 - 1e-4, "and so does the whole chain");
         check(std::abs(std::accumulate(means.begin(), means.end(), -4.0)) < 1e-4, "no quantum is lost");
     }
 
     // Of second order: half the step makes a quarter of the error.
-    const Profile told = profile(exact.state(1));
+    const Profile expected = profile(exact.state(1));
     std::cout << "steps  error at time 1\n" << std::setprecision(5);
     double before = 0;
     for (const int steps : {5, 10, 20, 40}) {
-        const double error = largest_difference(profile(evolve(1, steps)), told);
+        const double error = largest_difference(profile(evolve(1, steps)), expected);
         std::cout << std::setw(5) << steps << std::setw(10) << error << '\n';
         check(before == 0 || std::abs(before / error - 4) < 0.4, "the product is of second order");
         before = error;

@@ -3,11 +3,11 @@
  * @brief Header-only, beside vantel_circuit.hpp: circuits as pictures, in text and in SVG.
  *
  * @code{.unparsed}
- * a (3):    ──────┤c├──┤M→m├───○2────────●0──────
- *                  │           │         │
- * bob (10): ─┤H├───┼──────────┤-2 m=1├───┼───────
- *                  │                     │
- * c (2):    ──────┤+├──┤H├───────────────●1 e^3i─
+ * a (3):    ─┤c├──┤M→m├───○2────────●0──────
+ *             │           │         │
+ * bob (10): ──┼───┤H├────┤-2 m=1├───┼───────
+ *             │                     │
+ * c (2):    ─┤+├──┤H├───────────────●1 e^3i─
  * @endcode
  *
  * Time goes from left to right, a line for each qudit. A box is a target: H is hadamard(), X^f cycle() and

@@ -65,7 +65,7 @@ public:
         : Unitary(std::move(dimensions), std::vector<Complex>(matrix.begin(), matrix.end()), 0) {}
 
     /// Some unitary of which only the first columns are wanted: what it does to other combinations is not
-    /// told.
+    /// defined.
     /// @param dimensions  of the qudits that it is for, at least one, each in 2 .. 10.
     /// @param columns     how many: 1, or the product of the first dimensions.
     /// @param matrix      P x `columns` elements, row by row, whose columns are orthonormal.

@@ -101,17 +101,17 @@ TEST(CircuitText, TellsWhereItIsWrong) {
 
 TEST(CircuitDrawing, IsAligned) {
     const auto circuit =
-        vantel::read_circuit("qudit a 3\nqudit bob 10\nqudit c 2\nvalue m\nhadamard bob\nsum a c\n"
+        vantel::read_circuit("qudit a 3\nqudit bob 10\nqudit c 2\nvalue m\nsum a c\nhadamard bob\n"
                              "measure a -> m\nadd bob -2 if m == 1 && a != 2\nhadamard c\n"
                              "phase_rotate 3 if a == 0 && c == 1\n");
-    const std::string box = "a (3):    ──────┤c├──┤M→m├───○2────────●0──────\n"
-                            "                 │           │         │\n"
-                            "bob (10): ─┤H├───┼──────────┤-2 m=1├───┼───────\n"
-                            "                 │                     │\n"
-                            "c (2):    ──────┤+├──┤H├───────────────●1 e^3i─\n";
+    const std::string box = "a (3):    ─┤c├──┤M→m├───○2────────●0──────\n"
+                            "            │           │         │\n"
+                            "bob (10): ──┼───┤H├────┤-2 m=1├───┼───────\n"
+                            "            │                     │\n"
+                            "c (2):    ─┤+├──┤H├───────────────●1 e^3i─\n";
     EXPECT_EQ(vantel::draw_text(circuit), box);
     const std::string ascii = vantel::draw_text(circuit, vantel::Characters::ascii);
-    EXPECT_EQ(ascii.substr(ascii.rfind('c')), "c (2):    ------[+]--[H]--------------(1 e^3i)--\n");
+    EXPECT_EQ(ascii.substr(ascii.rfind('c')), "c (2):    -[+]--[H]--------------(1 e^3i)--\n");
     const std::string svg = vantel::draw_svg(circuit);
     std::size_t circles = 0;
     for (std::size_t at = 0; (at = svg.find("<circle", at)) != std::string::npos; ++at)

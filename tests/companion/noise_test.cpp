@@ -92,7 +92,8 @@ TEST(Ensemble, IsTheSumOfItsParts) {
 }
 
 TEST(Ensemble, SaysWhereItCannotBeRepeated) {
-    const std::string pair = "qudit a 3\nqudit b 3\nhadamard a\nsum a b\nmeasure a -> m\n";
+    // The first qudit keeps the places of qudits and values apart.
+    const std::string pair = "qudit other 2\nqudit a 3\nqudit b 3\nhadamard a\nsum a b\nmeasure a -> m\n";
     const auto last = vantel::ensemble(vantel::read_circuit(pair + "measure b -> n\n"), 300, 2, 1);
     EXPECT_TRUE(last.repeatable());
     for (const std::string midway : {"shift b if a == 1\n", "shift b if m == 1\n", "reset b -> r\n",
