@@ -33,4 +33,4 @@ endforeach()
 
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
     FILES_MATCHING PATTERN CMakeLists.txt PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py PATTERN *.ipynb)
-install(FILES README.md docs/guide.md docs/exceptions.md DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
+install(FILES README.md docs/guide.md docs/exceptions.md docs/python.md DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)

@@ -49,7 +49,8 @@ if(VANTEL_PYTHON)
     set(CPACK_COMPONENT_PYTHON_DESCRIPTION "The package for Python.")
     set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-vantel)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
-    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+    # Its other libraries are those of libvantel1.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
         "libvantel1 (= ${PROJECT_VERSION}), python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
 endif()
