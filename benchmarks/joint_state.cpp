@@ -54,6 +54,11 @@ std::size_t Description::combinations() const {
 std::size_t Description::entries() const {
     if (shape == Shape::dense)
         return combinations();
+    if (shape == Shape::idle)
+        return combinations() / static_cast<std::size_t>(dimensions[dimensions.size() - 2]);
+    if (shape == Shape::lacking)
+        return combinations() - combinations() / static_cast<std::size_t>(dimensions[0] * dimensions[1] *
+                                                                          dimensions[2] * dimensions[3]);
     return shape == Shape::scattered ? 50000 : shape == Shape::diagonal ? 2 : 1;
 }
 
@@ -62,8 +67,10 @@ JointState::JointState(const Description& description, std::size_t condition_cou
         qudits.push_back(made(dimension));
     target = qudits[qudits.size() / 2];
     other = qudits.back();
-    if (description.shape == Shape::dense)
-        make_dense();
+    if (description.shape == Shape::dense || description.shape == Shape::idle)
+        make_dense(description.shape == Shape::idle ? qudits.size() - 2 : qudits.size());
+    else if (description.shape == Shape::lacking)
+        make_lacking();
     else if (description.shape == Shape::diagonal)
         make_diagonal();
     else if (description.shape == Shape::scattered)
@@ -80,9 +87,14 @@ JointState::~JointState() {
         expect_ok(vantel_free_quantum_property(qudit));
 }
 
-void JointState::make_dense() {
+void JointState::make_dense(std::size_t idle) {
     // The fractions keep every sum of a later transform clear of zero.
     for (std::size_t i = 0; i < qudits.size(); ++i) {
+        if (i == idle) {
+            const PredicateRecord never{qudits[i], -1, 1};
+            expect_ok(vantel_cycle(target, 1, &never, 1));
+            continue;
+        }
         expect_ok(vantel_hadamard(qudits[i], nullptr, 0));
         expect_ok(vantel_clock(qudits[i], 0.37F, nullptr, 0));
         const PredicateRecord above{qudits[i == 0 ? 0 : i - 1], 1, 1};
@@ -90,6 +102,24 @@ void JointState::make_dense() {
             expect_ok(vantel_clock(qudits[i], 0.25F, &above, 1));
     }
     expect_ok(vantel_hadamard(target, nullptr, 0));
+}
+
+void JointState::make_lacking() {
+    make_dense(qudits.size());
+    std::vector<PredicateRecord> highest;
+    for (std::size_t i = 0; i < 4; ++i)
+        highest.push_back({qudits[i], 2, 1});
+    int answer = 0;
+    expect_ok(vantel_stochastic_projection(highest.data(), highest.size(), &answer));
+    if (answer == 0)
+        return;
+    // Once in a while only those entries are left: back to level 0, and once more.
+    std::vector<int> levels(qudits.size());
+    expect_ok(vantel_measure(qudits.data(), qudits.size(), levels.data()));
+    for (std::size_t i = 0; i < qudits.size(); ++i)
+        for (; levels[i] > 0; --levels[i])
+            expect_ok(vantel_shift(qudits[i], 1, nullptr, 0));
+    make_lacking();
 }
 
 void JointState::make_diagonal() {

@@ -12,6 +12,9 @@ namespace benchmarks {
 enum class Shape {
     single,   ///< one entry, all qudits in level 0
     dense,    ///< every combination of levels, in the order of its labels
+    idle,     ///< the same, but the last qudit but one is still in level 0
+    lacking,  ///< the same as dense, less a projection: no entry has the highest level of the first four
+              ///< qudits
     diagonal, ///< two entries, all qudits in level 0 or all in level 1
     scattered ///< 50000 entries of ten-level qudits with labels and an order of no pattern
 };
@@ -47,7 +50,8 @@ public:
     std::vector<PredicateRecord> conditions; ///< the first "is 1", the second "is not 0", on the first qudits
 
 private:
-    void make_dense();
+    void make_dense(std::size_t idle);
+    void make_lacking();
     void make_diagonal();
     void make_scattered();
 };

@@ -28,6 +28,8 @@ std::vector<Description> states() {
         dense(2, 10, {0, 1, 2}),
         dense(10, 4, {0, 1, 2}),
         dense(3, 10, {0, 1, 2}),
+        {"3^9_and_one_idle", Shape::idle, std::vector<int>(10, 3), {0, 1}},
+        {"3^9_lacking", Shape::lacking, std::vector<int>(9, 3), {0, 1}},
         dense(10, 5, {0, 1, 2}),
         transformed(4, 8),
         transformed(5, 7),

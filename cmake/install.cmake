@@ -1,6 +1,6 @@
-# What an installation consists of: the library, and what building against it takes.
+# What an installation consists of: the libraries, and what building against it takes.
 
-install(TARGETS vantel EXPORT vantel
+install(TARGETS vantel vantel_guarded EXPORT vantel
     LIBRARY
         DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime
@@ -26,11 +26,10 @@ install(FILES ${PROJECT_BINARY_DIR}/vantel-config-version.cmake DESTINATION ${va
 # pkg-config. The prefix is found from where the file lies, so that the whole tree can be moved.
 file(RELATIVE_PATH vantel_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" vantel_up ${vantel_up})
-foreach(name IN ITEMS vantel vantel-draw)
-    configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
+function(vantel_pkg_config name description libraries)
+    configure_file(cmake/vantel.pc.in ${name}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-endforeach()
-
-install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-    FILES_MATCHING PATTERN CMakeLists.txt PATTERN *.c PATTERN *.cpp PATTERN *.h PATTERN *.hpp PATTERN *.py PATTERN *.ipynb)
-install(FILES README.md docs/guide.md docs/exceptions.md docs/python.md DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
+endfunction()
+vantel_pkg_config(vantel "${PROJECT_DESCRIPTION}" -lvantel)
+vantel_pkg_config(vantel-draw "Pictures of states of qudits, as text and SVG" "-lvantel_draw -lm")
+vantel_pkg_config(vantel-guarded "${PROJECT_DESCRIPTION}, for hosts that no exception may enter" -lvantel_guarded)

@@ -1,13 +1,13 @@
 # The library: one set of objects for the shared library and for the unit tests.
 
 add_library(vantel_objects OBJECT
+    algorithms/radix_sort.cpp
     gates/act.cpp
     gates/clock.cpp
-    gates/complete_fourier.cpp
     gates/cycle.cpp
-    gates/exchange_sums.cpp
-    gates/fractional_shift.cpp
+    gates/fourier_groups.cpp
     gates/fourier_sums.cpp
+    gates/fractional_step.cpp
     gates/frame.cpp
     gates/hadamard.cpp
     gates/i_swap.cpp
@@ -22,24 +22,24 @@ add_library(vantel_objects OBJECT
     property/merge.cpp
     property/readouts.cpp
     property/release.cpp
+    readout/density_matrix.cpp
     readout/draw.cpp
+    readout/matrix_by_rank.cpp
     readout/measure.cpp
+    readout/outcomes.cpp
     readout/partners.cpp
     readout/probabilities.cpp
-    readout/reduced_density_matrix.cpp
-    state/complete_list.cpp
     state/distinct_labels.cpp
     state/dit_array.cpp
-    state/entries_by_rank.cpp
     state/exceptions.cpp
-    state/field_groups.cpp
-    state/radix_sort.cpp
+    state/label_groups.cpp
+    state/position_table.cpp
     state/reduction.cpp
     state/state.cpp
     state/state_factory.cpp
     state/tensor_product.cpp)
 # The question to the processor, apart, so that one test can answer it and try both forms of every loop.
-add_library(vantel_processor OBJECT state/processor.cpp)
+add_library(vantel_processor OBJECT algorithms/processor.cpp)
 foreach(part vantel_objects vantel_processor)
     set_target_properties(${part} PROPERTIES
         POSITION_INDEPENDENT_CODE ON
@@ -50,7 +50,7 @@ foreach(part vantel_objects vantel_processor)
 endforeach()
 
 # The headers as they stand after an installation, so that tests and examples see no more than a user.
-set(vantel_headers vantel.h vantel.hpp vantel_circuit.hpp vantel_circuit_drawing.hpp
+set(vantel_headers vantel.h vantel_guarded.h vantel.hpp vantel_circuit.hpp vantel_circuit_drawing.hpp
     vantel_circuit_steps.hpp vantel_circuit_text.hpp vantel_conditional_sampling.hpp vantel_ensemble.hpp
     vantel_lists.hpp vantel_noise.hpp vantel_quantities.hpp vantel_random.hpp vantel_sampling.hpp
     vantel_unitary.hpp)
@@ -59,16 +59,32 @@ foreach(header IN LISTS vantel_headers)
 endforeach()
 configure_file(state/exceptions.hpp include/vantel_exceptions.hpp COPYONLY)
 
-add_library(vantel SHARED)
+# What both shared libraries are: versioned, with the symbols that their map names.
+function(vantel_shared name)
+    add_library(${name} SHARED ${ARGN})
+    target_link_libraries(${name} PRIVATE vantel_objects vantel_processor)
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/${name}.map)
+    target_link_options(${name} PRIVATE
+        LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/${name}.map
+        LINKER:--no-undefined)
+    target_include_directories(${name} INTERFACE
+        $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+endfunction()
+
+vantel_shared(vantel)
 add_library(vantel::vantel ALIAS vantel)
-target_link_libraries(vantel PRIVATE vantel_objects vantel_processor)
-set_target_properties(vantel PROPERTIES
-    VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR}
-    LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/vantel.map)
-target_link_options(vantel PRIVATE
-    LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/vantel.map
-    LINKER:--no-undefined)
-target_include_directories(vantel INTERFACE
-    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
-    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+# The face that lets no exception out contains the library, since it takes qudits out of joint states by a way of its
+# own. EXPORT_NAME makes it vantel::guarded to the projects that find it.
+vantel_shared(vantel_guarded guarded/boundary.cpp guarded/functions.cpp guarded/handles.cpp)
+add_library(vantel::guarded ALIAS vantel_guarded)
+set_target_properties(vantel_guarded PROPERTIES
+    EXPORT_NAME guarded
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+target_link_libraries(vantel_guarded PRIVATE vantel_compiler)
+target_compile_definitions(vantel_guarded PRIVATE VANTEL_VERSION="${PROJECT_VERSION}")

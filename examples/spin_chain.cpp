@@ -34,10 +34,10 @@ double coupling(int a, int b, int to_a, int to_b) {
 vantel::Unitary bond(double t) {
     constexpr std::size_t side = 9;
     std::array<double, side * side> h{}, square{};
-    for (int row = 0; row < 9; ++row)
-        for (int column = 0; column < 9; ++column)
-            h.at(static_cast<std::size_t>(9 * row + column)) =
-                coupling(column % 3, column / 3, row % 3, row / 3);
+    for (std::size_t i = 0; i < h.size(); ++i) {
+        const int row = static_cast<int>(i / side), column = static_cast<int>(i % side);
+        h.at(i) = coupling(column % 3, column / 3, row % 3, row / 3);
+    }
     for (std::size_t i = 0; i < h.size(); ++i)
         for (std::size_t k = 0; k < side; ++k)
             square.at(i) += h.at(i / side * side + k) * h.at(k * side + i % side);

@@ -1,37 +1,64 @@
 #include "gates/kernels.hpp"
 #include "state/builds.hpp"
-#include "state/packed_view.hpp"
+#include "state/reduction.hpp"
 #include "state/state.hpp"
 
 namespace vantel::qudit {
 
-template <class Label> void State<Label>::act(const Gate& gate) {
-    const std::span<PackedAmplitude> entries = packed_view(amplitudes);
+namespace {
+
+void apply(EntryList& list, SlotLayout layout, const Gate& gate) {
     switch (gate.kind) {
     case Gate::phase_rotate:
-        return rotate(entries, Label::layout, gate);
+        return phase_rotate(list.entries(), layout, gate);
     case Gate::shift:
-        return lower_levels(entries, Label::layout, gate);
+        return shift(list.entries(), layout, gate);
     case Gate::cycle:
-        return raise_levels(entries, Label::layout, gate);
+        return cycle(list.entries(), layout, gate);
     case Gate::fractional_shift:
     case Gate::fractional_cycle:
-        return step_in_part(gate);
+        return fractional_step(list, layout, gate);
     case Gate::clock:
-        return turn_levels(entries, Label::layout, gate);
+        return clock(list.entries(), layout, gate);
     case Gate::fractional_clock:
-        return turn_levels_in_part(entries, Label::layout, gate);
+        return fractional_clock(list.entries(), layout, gate);
     case Gate::hadamard:
-        return transform(gate, +1.0);
+        return hadamard(list, layout, gate, +1.0);
     case Gate::inverse_hadamard:
-        return transform(gate, -1.0);
+        return hadamard(list, layout, gate, -1.0);
     case Gate::swap:
-        return exchange(entries, Label::layout, gate);
+        return swap(list.entries(), layout, gate);
     case Gate::i_swap:
-        return exchange_in_part(gate);
+        return i_swap(list, layout, gate);
     }
 }
 
+} // namespace
+
+template <class Label> void State<Label>::act(const Gate& gate) {
+    ListOf<Label> list(amplitudes);
+    apply(list, Label::layout, gate);
+}
+
+template <class Label> void State<Label>::reduce(std::vector<Entry>& list) noexcept {
+    const std::size_t kept = reduce_entries(packed_view(list));
+    list.erase(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end());
+}
+
+template <class Label>
+auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int target,
+                                      const std::vector<Predicate>& controls, double sign)
+    -> std::vector<Entry> {
+    std::vector<Entry> output;
+    ListOf<Label> list(output);
+    qudit::hadamard_no_reduce(packed_view(input), Label::layout, target, controls, sign, list);
+    return output;
+}
+
 VANTEL_INSTANTIATE(void, act, (const Gate&))
+VANTEL_INSTANTIATE(void, reduce, (std::vector<Entry>&) noexcept)
+VANTEL_INSTANTIATE(
+    auto, hadamard_no_reduce,
+    (const std::vector<Entry>&, int, const std::vector<Predicate>&, double)->std::vector<Entry>)
 
 } // namespace vantel::qudit

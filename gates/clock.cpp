@@ -2,8 +2,7 @@
 #include <cmath>
 #include <complex>
 
-#include "gates/entry_group.hpp"
-#include "gates/frame.hpp"
+#include "algorithms/crossovers.hpp"
 #include "gates/kernels.hpp"
 #include "gates/rephase.hpp"
 
@@ -23,7 +22,7 @@ struct WholeSteps {
     double operator()(std::uint64_t level) const { return static_cast<double>(level); }
 };
 
-/// The product is rounded to single precision before it is widened; that is meant.
+/// The product is rounded to single precision before it is widened, deliberately.
 struct FractionalSteps {
     float fraction;
 
@@ -38,10 +37,9 @@ using Phases = std::array<Doubled, 16>;
 template <class Steps>
 Phases phases_of(std::span<const PackedAmplitude> entries, unsigned position, std::uint64_t field,
                  std::uint64_t dimension, Steps steps) {
-    // A short list is looked through for its levels first, since a phase costs as much as many entries.
-    constexpr std::size_t many = 256;
+    // A phase costs as much as many entries.
     std::uint32_t occurring = ~std::uint32_t{0};
-    if (entries.size() < many) {
+    if (entries.size() < crossover::entries_for_all_phases) {
         occurring = 0;
         for (const PackedAmplitude& entry : entries)
             occurring |= std::uint32_t{1} << ((entry.values & field) >> position);
@@ -83,7 +81,7 @@ void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gat
     const ControlTest controls_hold(gate.controls, layout);
     for (const int target : gate.targets) {
         const unsigned position = layout.position(target);
-        const std::uint64_t field = layout.mask() << position;
+        const std::uint64_t field = layout.field(target);
         const std::uint64_t top = entries.front().dimensions & field;
         const Phases phases = phases_of(entries, position, field, (top >> position) + 1, steps);
         rephase_selected(entries, controls_hold,
@@ -93,17 +91,16 @@ void turn(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gat
 
 } // namespace
 
-// Neither form ends with the guard that every other gate has: a list over the limit passes. That is meant.
+// Neither form ends with the guard that every other gate has: a list over the limit passes, deliberately.
 
-void turn_levels(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& clock) {
-    refuse_overlap(clock, "Clock operation has overlapping targets and controls");
-    turn(entries, layout, clock, WholeSteps{});
+void clock(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
+    refuse_overlap(gate, "Clock operation has overlapping targets and controls");
+    turn(entries, layout, gate, WholeSteps{});
 }
 
-void turn_levels_in_part(std::span<PackedAmplitude> entries, SlotLayout layout,
-                         const Gate& fractional_clock) {
-    refuse_overlap(fractional_clock, "Fractional Clock operation has overlapped targets and controls");
-    turn(entries, layout, fractional_clock, FractionalSteps{fractional_clock.number});
+void fractional_clock(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
+    refuse_overlap(gate, "Fractional Clock operation has overlapped targets and controls");
+    turn(entries, layout, gate, FractionalSteps{gate.number});
 }
 
 } // namespace vantel::qudit

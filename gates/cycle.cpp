@@ -6,18 +6,18 @@ namespace vantel::qudit {
 namespace {
 
 /// (v + 1) mod d: the level above, and 0 from the top level.
-struct Raise {
+struct Up {
+    static std::uint64_t addend(std::uint64_t /*top*/) { return 1; }
     template <class Word>
-    [[gnu::always_inline]] Word operator()(Word level, Word top, std::uint64_t one) const {
-        return one - ((top + one) & equal(level, top));
+    [[gnu::always_inline]] static Word change(Word level, Word top, std::uint64_t one_level) {
+        return one_level - ((top + one_level) & equal(level, top));
     }
-    [[nodiscard]] std::uint64_t addend(std::uint64_t /*top*/) const { return 1; }
 };
 
 } // namespace
 
-void raise_levels(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& cycle) {
-    step_levels(entries, layout, cycle, Raise{}, "Cycle operation has overlapping targets and controls");
+void cycle(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
+    step_levels<Up>(entries, layout, gate, "Cycle operation has overlapping targets and controls");
 }
 
 } // namespace vantel::qudit

@@ -10,26 +10,19 @@ namespace vantel::qudit {
 
 class Exchange {
 public:
-    Exchange(SlotLayout layout, int first, int second) noexcept {
-        low_ = std::min(layout.position(first), layout.position(second));
-        distance_ = std::max(layout.position(first), layout.position(second)) - low_;
-        mask_ = layout.mask();
-        low_field_ = layout.mask() << low_;
-    }
-
-    /// Where the two fields stand.
-    [[nodiscard]] unsigned low() const noexcept { return low_; }
-    [[nodiscard]] unsigned high() const noexcept { return low_ + distance_; }
+    Exchange(SlotLayout layout, int first, int second) noexcept
+        : low_(std::min(layout.position(first), layout.position(second))),
+          distance_(std::max(layout.position(first), layout.position(second)) - low_), mask_(layout.mask()) {}
 
     /// By how many levels the lower field is ahead of the higher one; negative numbers wrap around.
     [[nodiscard]] std::uint64_t ahead(std::uint64_t word) const noexcept {
-        return (word >> low_ & mask_) - (word >> high() & mask_);
+        return (word >> low_ & mask_) - (word >> (low_ + distance_) & mask_);
     }
 
     /// What a word differs in, bit by bit, from itself with the two fields exchanged; 0 if they are equal.
-    /// For one word or for several.
+    /// For one word or for four.
     template <class Word> [[nodiscard, gnu::always_inline]] Word difference(Word word) const noexcept {
-        const Word low = (word ^ word >> distance_) & low_field_;
+        const Word low = (word ^ word >> distance_) & (mask_ << low_);
         return low | low << distance_;
     }
 
@@ -37,7 +30,6 @@ private:
     unsigned low_;
     unsigned distance_;
     std::uint64_t mask_;
-    std::uint64_t low_field_;
 };
 
 } // namespace vantel::qudit

@@ -4,10 +4,9 @@
 #include <array>
 #include <bitset>
 #include <cmath>
-#include <complex>
 #include <cstdint>
 
-#include "state/product.hpp"
+#include "algorithms/complex_product.hpp"
 
 namespace vantel::qudit {
 
@@ -39,12 +38,8 @@ public:
         return rows_[v];
     }
 
-    /// The rows of all levels below the dimension.
-    const Row* all() {
-        for (std::uint64_t v = 0; v < dimension_; ++v)
-            from(v);
-        return rows_.data();
-    }
+    /// By level; those are known that have been asked for.
+    [[nodiscard]] const Row* rows() const noexcept { return rows_.data(); }
 
 private:
     [[gnu::noinline]] void work_out(std::uint64_t v) {

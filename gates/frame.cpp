@@ -43,8 +43,11 @@ void ControlTest::refuse(unsigned position, std::int64_t level) noexcept {
         refused_[refusals_++] = refusal;
 }
 
-void raise_overlap(const char* text) {
-    throw TargetControlOverlap(text);
+void refuse_overlap(const Gate& gate, const char* text) {
+    for (const int target : gate.targets)
+        for (const Predicate& control : gate.controls)
+            if (control.qudit_index == target)
+                throw TargetControlOverlap(text);
 }
 
 void guard_size(std::size_t entries, const char* text) {

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <span>
 
-#include "gates/words.hpp"
+#include "algorithms/crossovers.hpp"
+#include "algorithms/lanes.hpp"
+#include "algorithms/wide_loop.hpp"
 #include "state/istate.hpp"
-#include "state/product.hpp"
-#include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
 
@@ -25,7 +25,7 @@ public:
     /// Whether every control holds for a label of these levels.
     [[nodiscard]] bool operator()(std::uint64_t values) const noexcept { return mask(values) != 0; }
 
-    /// The same as a mask, for one word of levels or for several: all bits set where every control holds.
+    /// The same as a mask, for one word of levels or for several.
     template <class Word> [[nodiscard, gnu::always_inline]] Word mask(Word values) const noexcept {
         Word holds = equal(values & fields_, wanted_);
         for (unsigned i = 0; i < refusals_; ++i)
@@ -35,9 +35,12 @@ public:
 
     /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of
     /// mask() that has the same answers and `vectors` is the loop's tag.
-    template <class Entry, class Loop> void walk(std::span<Entry> entries, Loop loop) const {
-        const auto run = [&](const auto& holds) {
-            wide_loop([&](auto vectors) { loop(entries, holds, vectors); });
+    template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
+        // A few entries cost less than the way into a wide loop.
+        if (entries.size() < crossover::entries_walked_wide)
+            return loop(entries, All{*this}, PlainVectors{});
+        const auto run = [&](auto holds) {
+            wide_loop([=](auto vectors) __attribute__((always_inline)) { loop(entries, holds, vectors); });
         };
         if (refusals_ > 1)
             run(All{*this});
@@ -99,51 +102,10 @@ private:
 };
 
 /// Raises TargetControlOverlap with the gate's own text if a target stands in some control.
-[[noreturn]] void raise_overlap(const char* text);
-inline void refuse_overlap(const Gate& gate, const char* text) {
-    for (const int target : gate.targets)
-        for (const Predicate& control : gate.controls)
-            if (control.qudit_index == target) [[unlikely]]
-                raise_overlap(text);
-}
+void refuse_overlap(const Gate& gate, const char* text);
 
-/// The closing guard. It reports a list over the limit and rolls nothing back: that is meant.
+/// The closing guard. It reports a list over the limit and rolls nothing back, deliberately.
 inline constexpr const char* STATE_SIZE_EXCEEDED = "State size exceeded maximum allowed size";
 void guard_size(std::size_t entries, const char* text = STATE_SIZE_EXCEEDED);
-
-/// Relabels as many entries as can be taken `Labels::count` at a time. @return where the others begin
-template <class Labels, class Relabelling, class Holds>
-PackedAmplitude* relabel_by(PackedAmplitude* entry, PackedAmplitude* end, const Relabelling& gate,
-                            const Holds& holds) {
-    for (; end - entry >= Labels::count; entry += Labels::count) {
-        const Labels labels(entry);
-        if (any_highest(gate.is_odd(labels.values, labels.dimensions))) [[unlikely]] {
-            for (PackedAmplitude& odd : std::span(entry, Labels::count))
-                if (holds(odd.values) != 0)
-                    gate.one(odd);
-            continue;
-        }
-        Labels::write(entry, gate(labels.values, labels.dimensions, holds(labels.values)));
-    }
-    return entry;
-}
-
-/// Gives all selected entries new labels. The selection follows no pattern that a processor could predict,
-/// so no branch hangs on it: several entries are taken at once, and the new levels are worked out for all.
-/// @param gate  gate(values, dimensions, selected) is the new word of levels, unchanged where the mask is not
-///              set, and gate.is_odd(values, dimensions) has the highest bit set where that does not serve;
-///              both for one label or for several. gate.one(entry) relabels a selected entry of any kind.
-template <class Relabelling>
-void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
-                      const Relabelling& gate) {
-    controls_hold.walk(entries, [&gate](std::span<PackedAmplitude> walked, const auto& test, auto) {
-        const auto holds = test; // copies that no store to an entry can be thought to change
-        const Relabelling own = gate;
-        PackedAmplitude* const end = walked.data() + walked.size();
-        PackedAmplitude* rest = relabel_by<FourLabels>(walked.data(), end, own, holds);
-        rest = relabel_by<LabelPair>(rest, end, own, holds);
-        relabel_by<OneLabel>(rest, end, own, holds);
-    });
-}
 
 } // namespace vantel::qudit

@@ -1,137 +1,105 @@
-#include <algorithm>
+#include <array>
 #include <cstddef>
-#include <optional>
+#include <vector>
 
+#include "algorithms/crossovers.hpp"
 #include "gates/fourier_factors.hpp"
 #include "gates/fourier_sums.hpp"
 #include "gates/frame.hpp"
-#include "state/builds.hpp"
-#include "state/packed_view.hpp"
+#include "gates/kernels.hpp"
 #include "state/reduction.hpp"
-#include "state/state.hpp"
 
 namespace vantel::qudit {
 
 namespace {
 
+std::uint64_t dimension_of(PackedEntries entries, SlotLayout layout, int target) {
+    return entries.empty() ? 0 : layout.dimension(entries.front().dimensions, target);
+}
+
 /// How many entries one pass over `input` yields.
-std::size_t count_children(std::span<const PackedAmplitude> input, const ControlTest& controls_hold,
-                           std::uint64_t dimension) {
-    std::size_t selected = 0;
+std::size_t count_children(PackedEntries input, const ControlTest& controls_hold, std::uint64_t dimension) {
+    std::size_t count = input.size();
     for (const PackedAmplitude& entry : input)
-        selected += controls_hold(entry.values) ? 1 : 0;
-    return input.size() + selected * (dimension - 1);
+        count += controls_hold(entry.values) ? dimension - 1 : 0;
+    return count;
 }
 
-/// By two whole registers, since entries are read by such when they are sorted.
-void write(PackedAmplitude& entry, Words label, Parts amplitude) {
-    *reinterpret_cast<StoredWords*>(&entry) = label;
-    store(amplitude, entry.amplitude);
-}
-
-/// Writes each entry, or the children of a selected one ascending in k, to `output`.
-/// @return the end of what was written
-PackedAmplitude* spread(std::span<const PackedAmplitude> input, const ControlTest& controls_hold,
-                        unsigned position, std::uint64_t field, FourierFactors& factors,
-                        PackedAmplitude* output) {
+/// One pass of the gate as it is defined: each selected entry becomes one child for each level k of the
+/// target, ascending, and every other one stays.
+/// @param output  room for all of them. @return their end
+PackedAmplitude* branch(PackedEntries input, SlotLayout layout, int target, const ControlTest& controls_hold,
+                        double sign, PackedAmplitude* output) {
+    FourierFactors factors(dimension_of(input, layout, target), sign);
     for (const PackedAmplitude& entry : input) {
         if (!controls_hold(entry.values)) {
             *output++ = entry;
             continue;
         }
-        const std::uint64_t others = entry.values & ~(field << position);
-        const FourierFactors::Row& row = factors.from(entry.values >> position & field);
-        for (std::uint64_t k = 0; k < factors.dimension(); ++k)
-            write(*output++, Words{others | k << position, entry.dimensions},
-                  row[k](parts_of(entry.amplitude)));
+        const std::uint64_t others = entry.values & ~layout.field(target);
+        const FourierFactors::Row& row = factors.from(layout.level(entry.values, target));
+        for (std::uint64_t k = 0; k < factors.dimension(); ++k, ++output) {
+            // By two whole registers, since entries are read by such when they are sorted.
+            *reinterpret_cast<StoredWords*>(output) =
+                Words{others | k << layout.position(target), entry.dimensions};
+            store(row[k](parts_of(entry.amplitude)), output->amplitude);
+        }
     }
     return output;
 }
 
-/// The children of a list so short that they need no memory, reduced.
-class FewChildren {
-public:
-    static bool suffice_for(std::span<const PackedAmplitude> input, SlotLayout layout, int target) {
-        return input.empty() || input.size() * dimension(input, layout, target) <= few;
+/// All passes of the gate, without reduction.
+std::vector<PackedAmplitude> branched(PackedEntries input, SlotLayout layout, std::span<const int> targets,
+                                      const ControlTest& controls_hold, double sign) {
+    std::vector<PackedAmplitude> working(input.begin(), input.end());
+    for (const int target : targets) {
+        std::vector<PackedAmplitude> next(
+            count_children(working, controls_hold, dimension_of(working, layout, target)));
+        branch(working, layout, target, controls_hold, sign, next.data());
+        working.swap(next);
     }
+    return working;
+}
 
-    FewChildren(std::span<const PackedAmplitude> input, SlotLayout layout, int target,
-                const ControlTest& controls_hold, double sign) {
-        if (input.empty())
-            return;
-        FourierFactors factors(dimension(input, layout, target), sign);
-        PackedAmplitude* const end =
-            spread(input, controls_hold, layout.position(target), layout.mask(), factors, list());
-        kept_ = reduce_entries(std::span(list(), end));
-    }
+void replace(EntryList& list, PackedEntries kept) {
+    list.resize(kept.size());
+    std::copy(kept.begin(), kept.end(), list.entries().begin());
+}
 
-    [[nodiscard]] std::span<const PackedAmplitude> kept() { return {list(), kept_}; }
-
-private:
-    static constexpr std::size_t few = 32;
-
-    static std::uint64_t dimension(std::span<const PackedAmplitude> input, SlotLayout layout, int target) {
-        return (input.front().dimensions >> layout.position(target) & layout.mask()) + 1;
-    }
-
-    /// Memory that nothing clears first.
-    PackedAmplitude* list() { return reinterpret_cast<PackedAmplitude*>(list_); }
-
-    alignas(PackedAmplitude) std::byte list_[few * sizeof(PackedAmplitude)];
-    std::size_t kept_ = 0;
-};
+/// For so few children that they need no memory. Nothing clears theirs first.
+void transform_few(EntryList& list, SlotLayout layout, int target, const ControlTest& controls_hold,
+                   double sign) {
+    alignas(PackedAmplitude) std::byte memory[crossover::children_on_stack * sizeof(PackedAmplitude)];
+    PackedAmplitude* const children = reinterpret_cast<PackedAmplitude*>(memory);
+    PackedAmplitude* const end = branch(list.entries(), layout, target, controls_hold, sign, children);
+    replace(list, {children, reduce_entries({children, end})});
+}
 
 } // namespace
 
-template <class Label>
-auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int target,
-                                      const std::vector<Predicate>& controls, double sign)
-    -> std::vector<Entry> {
-    if (input.empty())
-        return {};
-    const Label& first = input.front().label;
-    const ControlTest controls_hold(controls, Label::layout);
-    FourierFactors factors(first[target].dimension, sign);
-    std::vector<Entry> output(count_children(packed_view(input), controls_hold, factors.dimension()));
-    spread(packed_view(input), controls_hold, Label::layout.position(target), Label::layout.mask(), factors,
-           packed_view(output).data());
-    return output;
-}
-
-template <class Label> void State<Label>::transform(const Gate& gate, double sign) {
+void hadamard(EntryList& list, SlotLayout layout, const Gate& gate, double sign) {
     refuse_overlap(gate, sign > 0 ? "Hadamard operation has overlapping targets and controls"
                                   : "inverse-Hadamard operation has overlapping targets and controls");
-    const std::span<const int> targets = gate.targets;
-    if (targets.size() == 1) {
-        const std::span<const PackedAmplitude> entries = packed_view(amplitudes);
-        const ControlTest controls_hold(gate.controls, Label::layout);
-        if (FewChildren::suffice_for(entries, Label::layout, targets.front())) {
-            FewChildren children(entries, Label::layout, targets.front(), controls_hold, sign);
-            const std::span<const PackedAmplitude> kept = children.kept();
-            amplitudes.resize(kept.size());
-            std::copy(kept.begin(), kept.end(), packed_view(amplitudes).begin());
-            return;
-        }
-        if (const std::optional<FourierSums> sums =
-                FourierSums::of(entries, Label::layout, targets.front(), controls_hold, sign)) {
-            amplitudes.resize(sums->kept());
-            sums->write(packed_view(amplitudes));
-            return guard_size(amplitudes.size());
-        }
+    const ControlTest controls_hold(gate.controls, layout);
+    if (gate.targets.size() == 1) {
+        const PackedEntries entries = list.entries();
+        const int target = gate.targets.front();
+        if (entries.size() * dimension_of(entries, layout, target) <= crossover::children_on_stack)
+            return transform_few(list, layout, target, controls_hold, sign);
+        if (transform_by_groups(list, layout, target, controls_hold, sign))
+            return guard_size(list.entries().size());
     }
-    const std::vector<Predicate> controls(gate.controls.begin(), gate.controls.end());
-    std::vector<Entry> working =
-        targets.empty() ? amplitudes : hadamard_no_reduce(amplitudes, targets.front(), controls, sign);
-    for (std::size_t i = 1; i < targets.size(); ++i)
-        working = hadamard_no_reduce(working, targets[i], controls, sign);
-    reduce(working);
-    amplitudes.swap(working);
-    guard_size(amplitudes.size());
+    std::vector<PackedAmplitude> working =
+        branched(list.entries(), layout, gate.targets, controls_hold, sign);
+    replace(list, std::span(working).first(reduce_entries(working)));
+    guard_size(list.entries().size());
 }
 
-VANTEL_INSTANTIATE(
-    auto, hadamard_no_reduce,
-    (const std::vector<Entry>&, int, const std::vector<Predicate>&, double)->std::vector<Entry>)
-VANTEL_INSTANTIATE(void, transform, (const Gate&, double))
+void hadamard_no_reduce(PackedEntries input, SlotLayout layout, int target,
+                        std::span<const Predicate> controls, double sign, EntryList& output) {
+    const ControlTest controls_hold(controls, layout);
+    output.resize(count_children(input, controls_hold, dimension_of(input, layout, target)));
+    branch(input, layout, target, controls_hold, sign, output.entries().data());
+}
 
 } // namespace vantel::qudit

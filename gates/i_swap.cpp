@@ -1,63 +1,227 @@
-#include <optional>
+#include <algorithm>
+#include <cmath>
+#include <vector>
 
+#include "algorithms/complex_product.hpp"
+#include "algorithms/crossovers.hpp"
+#include "algorithms/scratch.hpp"
 #include "gates/exchange.hpp"
-#include "gates/exchange_sums.hpp"
 #include "gates/frame.hpp"
-#include "state/builds.hpp"
+#include "gates/kernels.hpp"
 #include "state/exceptions.hpp"
-#include "state/packed_view.hpp"
-#include "state/state.hpp"
+#include "state/position_table.hpp"
+#include "state/reduction.hpp"
+#include "state/survey.hpp"
 
 namespace vantel::qudit {
 
 namespace {
 
-/// Shares out each selected entry whose two levels differ.
-/// @param crossed  receives the crossing shares; room for as many as there are entries
-/// @return how many there are
-std::size_t share_out(std::span<PackedAmplitude> entries, const ControlTest& controls_hold,
-                      const Exchange& exchange, const Shares& shares, PackedAmplitude* crossed) {
-    PackedAmplitude* end = crossed;
-    for (PackedAmplitude& entry : entries) {
+/// An amplitude of an entry whose two levels differ is shared out: cos(theta) of it stays, and i sin(theta)
+/// goes to the exchanged levels, with theta = fraction pi / 2.
+struct Shares {
+    Factor staying;
+    Factor crossing;
+
+    explicit Shares(float fraction) {
+        constexpr double half_pi = 1.5707963267948966;
+        const double theta = static_cast<double>(fraction) * half_pi;
+        staying = Factor({std::cos(theta), 0.0});
+        crossing = Factor({0.0, std::sin(theta)});
+    }
+};
+
+/// The gate as it is defined: the crossing shares are appended, and the list is reduced.
+void share_out(EntryList& list, const ControlTest& controls_hold, const Exchange& exchange,
+               const Shares& shares) {
+    const std::size_t size = list.entries().size();
+    list.resize(2 * size);
+    PackedAmplitude* appended = list.entries().data() + size;
+    for (PackedAmplitude& entry : list.entries().first(size)) {
         const std::uint64_t difference = exchange.difference(entry.values);
         if (difference == 0 || !controls_hold(entry.values))
             continue;
         const Parts amplitude = parts_of(entry.amplitude);
-        *end++ = {entry.values ^ difference, entry.dimensions ^ exchange.difference(entry.dimensions),
-                  complex_of(shares.crossing(amplitude))};
+        *appended++ = {entry.values ^ difference, entry.dimensions ^ exchange.difference(entry.dimensions),
+                       complex_of(shares.crossing(amplitude))};
         store(shares.staying(amplitude), entry.amplitude);
     }
-    return static_cast<std::size_t>(end - crossed);
+    list.resize(static_cast<std::size_t>(appended - list.entries().data()));
+    list.resize(reduce_entries(list.entries()));
+}
+
+/// An entry without its dimensions, which are those of all, on its way to its new place. Copies stand by
+/// rank.
+struct Copy {
+    std::uint64_t values;
+    std::complex<double> amplitude;
+};
+
+/// The gate together with its reduction: at most two shares meet in a label, what stays of its own entry and
+/// what crosses from its partner, and both are found by rank.
+class SharedByRank {
+public:
+    /// @param positions  by rank, and by how much a rank rises with a level of the lower target and of the
+    /// higher
+    /// @param entries    copies, since the list is written over
+    SharedByRank(std::span<std::uint32_t> positions, std::uint64_t low_stride, std::uint64_t high_stride,
+                 const Copy* entries, const ControlTest& controls_hold, const Exchange& exchange,
+                 const Shares& shares)
+        : positions_(positions), stride_(high_stride - low_stride), entries_(entries),
+          controls_hold_(controls_hold), exchange_(exchange), shares_(shares) {}
+
+    /// Notes, for each label without an entry that a share reaches, whose share that is.
+    /// @return how many there are
+    [[nodiscard]] std::size_t note_reached() const {
+        return wide_loop([own = *this]() __attribute__((always_inline)) {
+            std::size_t reached = 0;
+            for (std::size_t rank = 0; rank < own.positions_.size(); ++rank) {
+                const std::uint32_t position = own.positions_[rank];
+                if (position == 0 || position >= of_partner)
+                    continue;
+                const std::uint64_t values = own.entries_[position - 1].values;
+                std::uint32_t& partner = own.partner_of(rank, values);
+                if (partner != 0 || !own.controls_hold_(values))
+                    continue;
+                partner = position | of_partner;
+                ++reached;
+            }
+            return reached;
+        });
+    }
+
+    /// Writes the sums, as if `list.size()` of them stay. For a `complete` list, also as if no product had an
+    /// infinity to recover: such a one is NaN and so is its sum, which is dropped.
+    /// @return how many stay
+    template <bool complete>
+    [[nodiscard]] std::size_t write(std::span<PackedAmplitude> list, std::uint64_t dimensions,
+                                    std::uint32_t* holes) const {
+        std::size_t kept = 0;
+        controls_hold_.walk(
+            list, [ own = *this, dimensions, holes, &kept ](std::span<PackedAmplitude> written, auto holds,
+                                                            auto) __attribute__((always_inline)) {
+                ReducedOrder order(written, dimensions, holes);
+                std::size_t count = 0;
+                for (std::size_t rank = 0; rank < own.positions_.size(); ++rank)
+                    if constexpr (complete)
+                        count += own.add_complete(order, rank, holds) ? 1 : 0;
+                    else if (const std::uint32_t position = own.positions_[rank]; position != 0)
+                        count += own.add(order, rank, position, holds) ? 1 : 0;
+                kept = count;
+            });
+        return kept;
+    }
+
+private:
+    /// Set in the position of a label without an entry, which is then that of the partner's.
+    static constexpr std::uint32_t of_partner = std::uint32_t{1} << 31;
+
+    [[nodiscard]] std::uint32_t& partner_of(std::size_t rank, std::uint64_t values) const {
+        return positions_[rank + exchange_.ahead(values) * stride_];
+    }
+
+    // Controls are on other qudits, so they hold for both partners or for neither.
+
+    template <class Holds>
+    [[gnu::always_inline]] bool add(ReducedOrder& order, std::size_t rank, std::uint32_t position,
+                                    const Holds& holds) const {
+        const Copy& entry = entries_[(position & ~of_partner) - 1];
+        const std::uint64_t values = entry.values;
+        const Parts amplitude = parts_of(entry.amplitude);
+        if (position >= of_partner)
+            return order.add(values ^ exchange_.difference(values), shares_.crossing(amplitude), 1);
+        const std::uint32_t partner = partner_of(rank, values);
+        if (partner == position || holds(values) == 0)
+            return order.add(values, amplitude, 1);
+        if (partner >= of_partner)
+            return order.add(values, shares_.staying(amplitude), 1);
+        const Parts share = shares_.crossing(parts_of(entries_[partner - 1].amplitude));
+        return order.add(values, shares_.staying(amplitude) + share, 2);
+    }
+
+    /// The same without a branch on what an entry is.
+    template <class Holds>
+    [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank,
+                                             const Holds& holds) const {
+        const std::uint64_t values = entries_[rank].values;
+        const std::uint64_t ahead = exchange_.ahead(values);
+        const std::uint64_t shared = ~equal(ahead, 0) & holds(values);
+        const Parts amplitude = parts_of(entries_[rank].amplitude);
+        const Parts met = shares_.staying.unrecovered(amplitude) +
+                          shares_.crossing.unrecovered(parts_of(entries_[rank + ahead * stride_].amplitude));
+        return order.add(values, select(shared, met, amplitude), 1 + (shared & 1));
+    }
+
+    std::span<std::uint32_t> positions_;
+    std::uint64_t stride_; ///< how far off the partner is for each level that the two qudits differ by
+    const Copy* entries_;
+    const ControlTest& controls_hold_;
+    Exchange exchange_;
+    Shares shares_;
+};
+
+/// @return whether it did; where not, the list stands, and the gate as it is defined is to serve
+bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const ControlTest& controls_hold,
+                   const Exchange& exchange, const Shares& shares) {
+    const std::size_t size = list.entries().size();
+    if (size < crossover::entries_for_ranks)
+        return false;
+    const Survey survey(list.entries());
+    if (!survey.same_dimensions)
+        return false;
+    std::vector<int> qudits = survey.varying_qudits(layout, layout.field(low) | layout.field(high));
+    qudits.insert(std::upper_bound(qudits.begin(), qudits.end(), low), low);
+    qudits.insert(std::upper_bound(qudits.begin(), qudits.end(), high), high);
+    PositionTable table(list.entries().front(), layout, qudits, size);
+    if (!table.is_close())
+        return false;
+    Scratch scratch(list.spare_behind(std::clamp(table.size(), size, 2 * size)));
+    const std::span<const PackedAmplitude> entries = list.entries();
+    if (!table.fill(entries, scratch))
+        return false;
+
+    Copy* const copies = scratch.take<Copy>(size);
+    std::uint32_t copied = 0;
+    for (std::uint32_t& position : table.positions())
+        if (position != 0) {
+            const PackedAmplitude& entry = entries[position - 1];
+            copies[copied] = {entry.values, entry.amplitude};
+            position = ++copied;
+        }
+    const SharedByRank shared(table.positions(), table.rank()(layout.one_level(low)),
+                              table.rank()(layout.one_level(high)), copies, controls_hold, exchange, shares);
+    const std::uint64_t dimensions = entries.front().dimensions;
+    const std::size_t reached = table.is_complete() ? 0 : shared.note_reached();
+    std::uint32_t* const holes = scratch.take<std::uint32_t>(size + reached + 1);
+    list.resize(size + reached);
+    if (table.is_complete() && shared.write<true>(list.entries(), dimensions, holes) == size)
+        return true;
+    // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once
+    // more.
+    if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes);
+        kept < list.entries().size()) {
+        list.resize(kept);
+        static_cast<void>(shared.write<false>(list.entries(), dimensions, holes));
+    }
+    return true;
 }
 
 } // namespace
 
-template <class Label> void State<Label>::exchange_in_part(const Gate& gate) {
+void i_swap(EntryList& list, SlotLayout layout, const Gate& gate) {
     refuse_overlap(gate, "Fractional i-swap operation has overlapping targets and controls");
-    const int first = gate.targets[0];
-    const int second = gate.targets[1];
-    if (qudit_dimension(first) != qudit_dimension(second))
+    const auto [low, high] = std::minmax(gate.targets[0], gate.targets[1]);
+    const std::span<const PackedAmplitude> entries = list.entries();
+    if (!entries.empty() && layout.dimension(entries.front().dimensions, low) !=
+                                layout.dimension(entries.front().dimensions, high))
         throw DifferentDimensions("Targets of fractional-i-swap operation have different dimensions");
 
     const Shares shares(gate.number);
-    const Exchange exchange(Label::layout, first, second);
-    const ControlTest controls_hold(gate.controls, Label::layout);
-    if (std::optional<ExchangeSums> sums = ExchangeSums::of(
-            packed_view(amplitudes), Label::layout, Label::qudit_count, controls_hold, exchange, shares)) {
-        amplitudes.resize(sums->room());
-        amplitudes.resize(sums->write(packed_view(amplitudes)));
-    } else {
-        const std::size_t n = amplitudes.size();
-        amplitudes.resize(2 * n);
-        const std::span<PackedAmplitude> entries = packed_view(amplitudes);
-        const std::size_t crossed =
-            share_out(entries.first(n), controls_hold, exchange, shares, entries.data() + n);
-        amplitudes.resize(n + crossed);
-        reduce(amplitudes);
-    }
-    guard_size(amplitudes.size(), "State size exceeds maximum allowed size");
+    const Exchange exchange(layout, low, high);
+    const ControlTest controls_hold(gate.controls, layout);
+    if (!share_by_rank(list, layout, low, high, controls_hold, exchange, shares))
+        share_out(list, controls_hold, exchange, shares);
+    guard_size(list.entries().size(), "State size exceeds maximum allowed size");
 }
-
-VANTEL_INSTANTIATE(void, exchange_in_part, (const Gate&))
 
 } // namespace vantel::qudit

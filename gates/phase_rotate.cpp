@@ -1,8 +1,6 @@
 #include <cmath>
 #include <complex>
 
-#include "gates/entry_group.hpp"
-#include "gates/frame.hpp"
 #include "gates/kernels.hpp"
 #include "gates/rephase.hpp"
 
@@ -22,11 +20,12 @@ struct Rotation {
 
 } // namespace
 
-void rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& phase_rotate) {
-    const float angle = phase_rotate.number;
-    // Single precision, unlike the other phases: repeated rotations let the norm drift by as much. Meant.
+void phase_rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
+    const float angle = gate.number;
+    // Single precision, unlike the other phases, and deliberate: repeated rotations let the norm drift by as
+    // much.
     const Doubled turn(std::complex<double>(std::cos(angle), std::sin(angle)));
-    rephase_selected(entries, ControlTest(phase_rotate.controls, layout), Rotation{turn});
+    rephase_selected(entries, ControlTest(gate.controls, layout), Rotation{turn});
     guard_size(entries.size());
 }
 

@@ -1,6 +1,6 @@
 #include "gates/exchange.hpp"
-#include "gates/frame.hpp"
 #include "gates/kernels.hpp"
+#include "gates/relabel.hpp"
 #include "state/exceptions.hpp"
 
 namespace vantel::qudit {
@@ -18,7 +18,7 @@ struct Exchanged {
 
     /// Dimensions differ only in a label whose own ones are not those of the first entry.
     template <class Word>
-    [[nodiscard, gnu::always_inline]] Word is_odd(Word /*values*/, Word dimensions) const {
+    [[nodiscard, gnu::always_inline]] Word is_irregular(Word /*values*/, Word dimensions) const {
         return -exchange.difference(dimensions);
     }
 
@@ -30,12 +30,12 @@ struct Exchanged {
 
 } // namespace
 
-void exchange(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& swap) {
-    refuse_overlap(swap, "Swap operation has overlapping targets and controls");
-    const Exchange levels(layout, swap.targets[0], swap.targets[1]);
+void swap(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
+    refuse_overlap(gate, "Swap operation has overlapping targets and controls");
+    const Exchange levels(layout, gate.targets[0], gate.targets[1]);
     if (!entries.empty() && levels.difference(entries.front().dimensions) != 0)
         throw DifferentDimensions("Targets of swap operation have different dimensions");
-    relabel_selected(entries, ControlTest(swap.controls, layout), Exchanged{levels});
+    relabel_selected(entries, ControlTest(gate.controls, layout), Exchanged{levels});
     guard_size(entries.size());
 }
 

@@ -56,7 +56,7 @@ template <class Element> void refuse_count(std::size_t count) {
 }
 
 /// A caller's conditions.
-using Conditions = qudit::ShortList<QuantumProperty::Predicate, qudit::MAX_QUDIT_NUM>;
+using Conditions = ShortList<QuantumProperty::Predicate, qudit::MAX_QUDIT_NUM>;
 
 /// A copy of a caller's conditions; `records` may be null where `count` is 0. @throws what refuse_count
 /// raises

@@ -31,7 +31,7 @@ const char* vantel_version() {
 QuantumProperty* vantel_make_quantum_property(int dimension, int* status) {
     *status = vantel_ok;
     QuantumProperty* property = nullptr;
-    // A negative dimension widens to a huge one and is refused as too large; that is meant.
+    // A negative dimension widens to a huge one and is refused as too large; deliberately.
     *status = vantel::Translate<vantel::qudit::BadDimension, vantel::qudit::StateSizeExceeded>::run([&] {
         property = new QuantumProperty(
             vantel::make_quantum_property(static_cast<unsigned long>(static_cast<long>(dimension))));

@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
+#include "algorithms/short_list.hpp"
 #include "state/istate.hpp"
 #include "state/limits.hpp"
-#include "state/short_list.hpp"
 
 namespace vantel {
 
@@ -45,14 +45,14 @@ struct QuantumProperty::SharedState {
     std::unique_ptr<qudit::IState> state;
 
     /// The handles, not owned. A release compacts the list and does not shorten it, so that a handle can
-    /// stand in it twice, and the pointer of a handle that is gone can remain. That is meant: a merge
+    /// stand in it twice, and the pointer of a handle that is gone can remain. That is deliberate: a merge
     /// moves the qudit index of a handle once for each time it stands here.
-    qudit::ShortList<QuantumProperty*, qudit::MAX_QUDIT_NUM> properties;
+    ShortList<QuantumProperty*, qudit::MAX_QUDIT_NUM> properties;
 
     /// For each position of `properties`, not 0 if its handle is gone; positions beyond the end of this list
     /// are live. A stale position is never read or written through, and is no handle that lives at the same
     /// address later.
-    qudit::ShortList<unsigned char, qudit::MAX_QUDIT_NUM> stale;
+    ShortList<unsigned char, qudit::MAX_QUDIT_NUM> stale;
 
     [[nodiscard]] bool is_stale(std::size_t position) const {
         return position < stale.size() && stale[position] != 0;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 #include <stdexcept>
 #include <string>
 
@@ -9,7 +10,7 @@ using namespace vantel::qudit;
 using vantel::conditions;
 using vantel::listed;
 
-// A table that grows too large passes out as StateSizeExceeded, unlike in the gates; that is meant.
+// A table that grows too large passes out as StateSizeExceeded, unlike in the gates, deliberately.
 using ReadoutFailure = vantel::Translate<BadDimension, BadQuditNumber>;
 
 namespace {
@@ -25,7 +26,7 @@ void refuse_overflow(const ValuePermutations& permutations) {
 }
 
 /// Whether the caller's matrix size fits; the size that it is held against wraps in 32 bits, and the text
-/// shows the number of combinations and not its square. Both are meant.
+/// shows the number of combinations and not its square. Both are deliberate.
 int check_matrix_size(std::uint64_t permutations, std::size_t output_size) {
     const auto side = static_cast<std::uint32_t>(permutations);
     const auto required = static_cast<std::size_t>(static_cast<std::int32_t>(side * side));
@@ -37,19 +38,23 @@ int check_matrix_size(std::uint64_t permutations, std::size_t output_size) {
     return required > output_size ? vantel_output_too_small : vantel_output_size_mismatch;
 }
 
-/// Writes all combinations of levels, with `probability_of(i)` beside the i-th.
-template <class ProbabilityOf>
-void write_combinations(const ValuePermutations& permutations, ProbabilityRecord* records,
-                        ProbabilityOf probability_of) {
-    std::vector<int> levels(permutations.dimensions().size(), 0);
+/// Writes a level and those behind levels[0], four at a time where there are so many, the last four once
+/// more.
+void write_levels(int first, std::span<const int> levels, int* written) {
+    using Four [[gnu::vector_size(16), gnu::aligned(4), gnu::may_alias]] = int;
+    const auto write_four = [&](std::size_t i) {
+        *reinterpret_cast<Four*>(&written[i]) = *reinterpret_cast<const Four*>(&levels[i]);
+    };
     const std::size_t count = levels.size();
-    const int* const first = levels.data();
-    for (std::uint64_t i = 0; i < permutations.size(); ++i, permutations.advance(levels)) {
-        int* const written = records[i].qudit_values;
-        for (std::size_t place = 0; place < count; ++place)
-            written[place] = first[place];
-        records[i].probability = static_cast<float>(probability_of(i));
+    if (count >= 4) {
+        for (std::size_t i = 0; i + 4 < count; i += 4)
+            write_four(i);
+        write_four(count - 4);
+    } else {
+        for (std::size_t i = 1; i < count; ++i)
+            written[i] = levels[i];
     }
+    written[0] = first;
 }
 
 } // namespace
@@ -72,18 +77,16 @@ int vantel_stochastic_projection(const PredicateRecord* predicates, size_t predi
 }
 
 int vantel_probabilities(QuantumProperty** properties, size_t property_count, ProbabilityRecord* records) {
-    RankedProbabilities table;
+    ProbabilityTable table;
     const int status =
         ReadoutFailure::run([&] { table = vantel::probabilities(listed(properties, property_count)); });
     if (status != vantel_ok)
         return status;
-    refuse_overflow(table.permutations);
-    if (table.all.empty())
-        write_combinations(table.permutations, records, [](std::uint64_t) { return 0.0; });
-    else
-        write_combinations(table.permutations, records, [&](std::uint64_t i) { return table.all[i]; });
-    for (const RankedProbabilities::Shown& shown : table.some)
-        records[shown.rank].probability = static_cast<float>(shown.probability);
+    refuse_overflow(table.permutations());
+    table.for_each([next = records](int first, std::span<const int> levels, double probability) mutable {
+        write_levels(first, levels, next->qudit_values);
+        (next++)->probability = static_cast<float>(probability);
+    });
     return vantel_ok;
 }
 
@@ -96,16 +99,10 @@ int vantel_reduced_density_matrix(QuantumProperty** properties, size_t property_
     if (output_size > std::vector<float>().max_size())
         throw std::length_error("the matrix is larger than memory can be");
 
-    const RankedMatrix matrix = vantel::reduced_density_matrix(list, permutations);
-    const auto write = [&](std::size_t place, const std::complex<double>& element) {
+    const DensityMatrix matrix = vantel::reduced_density_matrix(list, permutations);
+    matrix.for_each(output_size, [=](std::size_t place, const std::complex<double>& element) {
         real_parts[place] = static_cast<float>(element.real());
         imaginary_parts[place] = static_cast<float>(element.imag());
-    };
-    for (std::size_t place = 0; place < output_size; ++place)
-        write(place, matrix.has(place) ? matrix.all[place] : 0.0);
-    for (const RankedMatrix::Shown& shown : matrix.some)
-        // A size that wrapped can agree with the caller's and still be less than the matrix.
-        if (shown.column < output_size && shown.row <= (output_size - 1 - shown.column) / permutations.size())
-            write(shown.row * permutations.size() + shown.column, shown.element);
+    });
     return vantel_ok;
 }

@@ -54,6 +54,7 @@
 #include "vantel.h"
 #include "vantel_exceptions.hpp"
 
+/// The companion of vantel.h.
 namespace vantel {
 
 /// What every failed operation throws. The effect of the failure on the state is that of the C function.

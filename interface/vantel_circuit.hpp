@@ -303,6 +303,7 @@ public:
 private:
     static std::vector<std::size_t> places(const std::vector<Wire>& wires) {
         std::vector<std::size_t> list;
+        list.reserve(wires.size());
         for (const Wire wire : wires)
             list.push_back(wire.place);
         return list;

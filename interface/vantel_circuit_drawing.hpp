@@ -26,8 +26,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -62,8 +62,10 @@ struct DrawnStep {
 
 inline std::string short_number(double number) {
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.4g", number);
-    return text.data();
+    constexpr int digits = 4;
+    return {text.data(),
+            std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general, digits)
+                .ptr};
 }
 
 /// What a step does, without its qudits.
@@ -133,7 +135,8 @@ inline DrawnStep drawn(const Circuit& circuit, const Step& step, std::string_vie
         std::string text = adds && i == 0 ? "c" : symbol_of(step);
         if (step.action == Action::unitary && step.targets.size() > 1)
             text += std::to_string(i + 1); // their order is that of the matrix
-        result.parts.push_back({step.targets[i], DrawnPart::Kind::target, text + read(i) + asked_values});
+        result.parts.push_back(
+            {step.targets[i], DrawnPart::Kind::target, text.append(read(i)).append(asked_values)});
     }
     std::ranges::stable_sort(result.parts, {}, &DrawnPart::line);
     return result;

@@ -29,6 +29,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <locale>
 #include <ostream>

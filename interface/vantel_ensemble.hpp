@@ -171,6 +171,8 @@ public:
     [[nodiscard]] bool repeatable() const noexcept { return last_.has_value(); }
 
     /// Makes the runs of numbers `from` up to but not `to`.
+    /// @param from     the number of the first run.
+    /// @param to       the number behind that of the last; none are made unless it is above `from`.
     /// @param threads  how many share them; 0 for as many as the machine has processors.
     /// @throws Error, or what else the circuit's run throws; that of the first thread that failed, once all
     /// ended.

@@ -30,6 +30,7 @@
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <cstddef>
@@ -128,13 +129,14 @@ inline void check_noise(int dimension, double probability) {
                                     " levels with a probability of " + std::to_string(probability));
 }
 
-/// A mixture of the first `operators` powers with the first one's probability 1 - p and p shared by the rest.
+/// No error with probability 1 - p; every `step`-th of the other operators has an equal share of p.
 inline WeylChannel mixture(int dimension, double p, std::size_t step) {
     check_noise(dimension, p);
     const auto d = static_cast<std::size_t>(dimension);
+    const std::size_t errors = (d * d - 1) / step;
     std::vector<double> probabilities(d * d);
-    for (std::size_t i = 0; i < d * d; i += step)
-        probabilities[i] = p / static_cast<double>(d * d / step - 1);
+    for (std::size_t i = 1; i <= errors; ++i)
+        probabilities[i * step] = p / static_cast<double>(errors);
     probabilities[0] = 1 - p;
     return {dimension, std::move(probabilities)};
 }

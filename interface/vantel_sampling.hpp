@@ -279,6 +279,7 @@ template <BitGenerator Generator>
         ++found.try_emplace(row, Count{row, std::move(levels), 0}).first->second.shots;
     }
     std::vector<Count> entries;
+    entries.reserve(found.size());
     for (auto& [row, count] : found)
         entries.push_back(std::move(count));
     return {shape, std::move(entries)};

@@ -2,9 +2,9 @@
 #include <array>
 #include <initializer_list>
 
+#include "algorithms/short_list.hpp"
 #include "property/operations.hpp"
 #include "state/limits.hpp"
-#include "state/short_list.hpp"
 
 namespace vantel {
 
@@ -21,7 +21,7 @@ void act(Gate::Kind kind, float number, std::initializer_list<QuantumProperty*> 
     std::array<int, 2> indices;
     std::transform(targets.begin(), targets.end(), indices.begin(),
                    [](const QuantumProperty* target) { return target->index; });
-    qudit::ShortList<qudit::Predicate, qudit::MAX_QUDIT_NUM> controls(predicates.size());
+    ShortList<qudit::Predicate, qudit::MAX_QUDIT_NUM> controls(predicates.size());
     std::transform(
         predicates.begin(), predicates.end(), controls.begin(),
         [](const QuantumProperty::Predicate& predicate) {

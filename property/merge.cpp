@@ -38,7 +38,7 @@ void merge(QuantumProperty& a, QuantumProperty& b) {
             into->stale[before + i] = 1;
             continue;
         }
-        // A handle that stands here twice is raised twice, and names another qudit then. That is meant.
+        // A handle that stands here twice is raised twice, and names another qudit then. That is deliberate.
         moved->index = raised(moved->index, offset);
         moved->shared_state = into;
     }

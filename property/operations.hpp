@@ -7,7 +7,8 @@
 
 #include "interface/quantum_property.hpp"
 #include "property/merge.hpp"
-#include "readout/ranked.hpp"
+#include "readout/density_matrix.hpp"
+#include "readout/probabilities.hpp"
 
 namespace vantel {
 
@@ -33,12 +34,12 @@ std::vector<int> measure(Properties properties);
 /// Takes one more place in the joint state for the time of the call.
 int measure(Predicates predicates);
 /// By the dimensions that the properties have once they are merged.
-qudit::RankedProbabilities probabilities(Properties properties);
+qudit::ProbabilityTable probabilities(Properties properties);
 /// @param permutations  value_permutations(properties), which the caller's matrix was measured by before the
 ///                      merge; a handle that stands twice in its joint state's list can have another
 ///                      dimension after it
-qudit::RankedMatrix reduced_density_matrix(Properties properties,
-                                           const qudit::ValuePermutations& permutations);
+qudit::DensityMatrix reduced_density_matrix(Properties properties,
+                                            const qudit::ValuePermutations& permutations);
 
 /// By the properties' dimensions as they stand; nothing is merged.
 /// @throws std::length_error where there are 2^64 combinations or more

@@ -36,19 +36,19 @@ int measure(Predicates predicates) {
     return measure(alone).front();
 }
 
-qudit::RankedProbabilities probabilities(Properties properties) {
+qudit::ProbabilityTable probabilities(Properties properties) {
     if (properties.empty())
         return {};
     const qudit::IState& state = *tensor_state(properties);
-    return qudit::ranked_probabilities(state, indices_of(properties), value_permutations(properties));
+    return {state, indices_of(properties), value_permutations(properties)};
 }
 
-qudit::RankedMatrix reduced_density_matrix(Properties properties,
-                                           const qudit::ValuePermutations& permutations) {
+qudit::DensityMatrix reduced_density_matrix(Properties properties,
+                                            const qudit::ValuePermutations& permutations) {
     if (properties.empty())
         return {};
     const qudit::IState& state = *tensor_state(properties);
-    return qudit::ranked_density_matrix(state, indices_of(properties), permutations);
+    return {state, indices_of(properties), permutations};
 }
 
 qudit::ValuePermutations value_permutations(Properties properties) {

@@ -20,7 +20,7 @@ void renumber(QuantumProperty::SharedState& shared, int last, int freed) {
 }
 
 /// Moves every element behind the leaving handle forward over it. The list keeps its length, and its tail
-/// its old content; that is meant. Positions that still hold the leaving handle are stale from now on.
+/// its old content; that is deliberate. Positions that still hold the leaving handle are stale from now on.
 void compact(QuantumProperty::SharedState& shared, const QuantumProperty& leaving) {
     const std::size_t length = shared.properties.size();
     shared.stale.grow(length, 0);

@@ -2,14 +2,14 @@
 
 #include <random>
 
-#include "readout/first_words.hpp"
+#include "algorithms/first_words.hpp"
 
 namespace vantel::qudit {
 
 // The draw is written out and not left to std::discrete_distribution, whose choice at an exact tie of the
 // number with a running sum differs between standard libraries.
 std::size_t draw_outcome(const std::vector<PackedOutcome>& outcomes) {
-    // The weights pass through single precision; that is meant.
+    // The weights pass through single precision; deliberately.
     std::vector<double> weights;
     weights.reserve(outcomes.size());
     double sum = 0.0;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "state/istate.hpp"
+#include "readout/outcomes.hpp"
 
 namespace vantel::qudit {
 

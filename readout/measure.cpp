@@ -2,24 +2,21 @@
 #include <array>
 #include <cmath>
 
+#include "algorithms/gathered_bits.hpp"
+#include "algorithms/single_precision_sum.hpp"
+#include "algorithms/two_ended_partition.hpp"
+#include "algorithms/wide_loop.hpp"
 #include "readout/draw.hpp"
-#include "readout/levels.hpp"
-#include "readout/noted_outcomes.hpp"
-#include "readout/single_precision_sum.hpp"
+#include "readout/outcomes.hpp"
 #include "readout/weights.hpp"
 #include "state/builds.hpp"
-#include "state/packed_view.hpp"
-#include "state/product.hpp"
 #include "state/state.hpp"
-#include "state/subkey.hpp"
-#include "state/two_ended_partition.hpp"
-#include "state/wide_loop.hpp"
 
 namespace vantel::qudit {
 
 namespace {
 
-float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
+[[gnu::always_inline]] inline float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
     SinglePrecisionSum sum;
     std::array<double, SinglePrecisionSum::block> weights;
     while (!entries.empty()) {
@@ -31,19 +28,18 @@ float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
                 continue;
         }
         for (const PackedAmplitude& entry : some)
-            sum.add(squared_modulus(entry.amplitude));
+            sum.add(SquaredModulus{}(entry.amplitude));
     }
     return sum.value();
 }
 
-void divide(std::span<PackedAmplitude> entries, double divisor) noexcept {
+[[gnu::always_inline]] inline void divide(std::span<PackedAmplitude> entries, double divisor) noexcept {
     std::size_t i = 0;
     for (; i + 1 < entries.size(); i += 2) {
-        const FourParts quotients = __builtin_shufflevector(parts_of(entries[i].amplitude),
-                                                            parts_of(entries[i + 1].amplitude), 0, 1, 2, 3) /
-                                    divisor;
-        store(__builtin_shufflevector(quotients, quotients, 0, 1), entries[i].amplitude);
-        store(__builtin_shufflevector(quotients, quotients, 2, 3), entries[i + 1].amplitude);
+        const FourParts quotients =
+            joined(parts_of(entries[i].amplitude), parts_of(entries[i + 1].amplitude)) / divisor;
+        store(low_half(quotients), entries[i].amplitude);
+        store(high_half(quotients), entries[i + 1].amplitude);
     }
     if (i < entries.size())
         store(parts_of(entries[i].amplitude) / divisor, entries[i].amplitude);
@@ -52,24 +48,24 @@ void divide(std::span<PackedAmplitude> entries, double divisor) noexcept {
 /// Divides every amplitude by the norm of the list. Sum and root are single precision on purpose, so the
 /// state's norm is 1 to that precision only.
 void renormalise(std::span<PackedAmplitude> entries) {
-    wide_loop([=] { divide(entries, static_cast<double>(std::sqrt(squared_norm(entries)))); });
+    wide_loop([=]() __attribute__((always_inline)) {
+        divide(entries, static_cast<double>(std::sqrt(squared_norm(entries))));
+    });
 }
 
 /// Moves the entries that show an outcome in the listed fields to the front. @return how many they are
 std::size_t project(std::span<PackedAmplitude> entries, std::uint64_t listed, std::uint64_t outcome,
                     const OutcomeNumbers& numbers) {
-    std::size_t kept = 0;
     if (numbers)
-        wide_loop([=, &kept, &numbers, number = Subkey(listed)(outcome)] {
-            kept = partition_two_ended(entries, [=, &numbers](std::size_t first, std::size_t count) {
-                return numbers.showing(number, first, count);
+        return wide_loop(
+            [ =, &numbers, number = GatheredBits(listed)(outcome) ]() __attribute__((always_inline)) {
+                return partition_two_ended(entries, [&](std::size_t first, std::size_t count) {
+                    return numbers.showing(number, first, count);
+                });
             });
-        });
-    else
-        kept = partition_two_ended(entries, judged_by(entries, [=](const PackedAmplitude& entry) {
-                                       return ((entry.values ^ outcome) & listed) == 0;
-                                   }));
-    return kept;
+    return partition_two_ended(entries, judged_by(entries, [=](const PackedAmplitude& entry) {
+                                   return ((entry.values ^ outcome) & listed) == 0;
+                               }));
 }
 
 } // namespace
@@ -78,8 +74,8 @@ template <class Label> std::vector<int> State<Label>::measure(std::vector<int> q
     if (amplitudes.empty())
         return std::vector<int>(qudits.size(), 0);
     const std::span<PackedAmplitude> entries = packed_view(amplitudes);
-    const std::uint64_t listed = known_fields_of(Label::layout, qudits, Label::qudit_count);
-    const auto [outcomes, numbers] = noted_outcomes_of(entries, listed);
+    const std::uint64_t listed = known_fields(Label::layout, qudits, Label::qudit_count);
+    const auto [outcomes, numbers] = numbered_outcomes_of(entries, listed);
     const std::uint64_t drawn = outcomes[draw_outcome(outcomes)].values;
     std::vector<int> levels = levels_of(Label::layout, drawn, qudits);
     const std::size_t kept = project(entries, listed, drawn, numbers);

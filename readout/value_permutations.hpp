@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -15,8 +16,8 @@ namespace vantel::qudit {
 class ValuePermutations {
 public:
     /// @param dimensions  of each listed qudit; a qudit of an empty joint state has no levels, and an empty
-    /// list
-    ///                    no combinations
+    /// list no
+    ///                    combinations
     /// @throws std::length_error where there are 2^64 combinations or more
     ValuePermutations() : ValuePermutations(std::vector<std::uint64_t>()) {}
     explicit ValuePermutations(std::vector<std::uint64_t> dimensions)
@@ -36,9 +37,9 @@ public:
     /// Of each listed qudit.
     [[nodiscard]] const std::vector<std::uint64_t>& dimensions() const noexcept { return dimensions_; }
 
-    /// Steps `levels`, one per qudit and all 0 to start with, to the next combination.
-    void advance(std::vector<int>& levels) const noexcept {
-        for (std::size_t i = 0; i < levels.size(); ++i) {
+    /// Steps the levels of all qudits but the first, all 0 to start with, to the next combination.
+    void advance_others(std::span<int> levels) const noexcept {
+        for (std::size_t i = 1; i < levels.size(); ++i) {
             if (static_cast<std::uint64_t>(++levels[i]) < dimensions_[i])
                 return;
             levels[i] = 0;

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "state/basis_amplitude.hpp"
+#include "state/entries.hpp"
 #include "state/dit_array.hpp"
 #include "state/istate.hpp"
 

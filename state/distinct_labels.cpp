@@ -2,14 +2,12 @@
 
 #include <algorithm>
 
-#include "state/key_index.hpp"
+#include "algorithms/crossovers.hpp"
+#include "algorithms/key_index.hpp"
 
 namespace vantel::qudit {
 
 namespace {
-
-/// As long as a list has no more labels than this, comparing them one by one is cheaper than any memory.
-constexpr std::size_t few = 8;
 
 bool has_label(std::span<const PackedAmplitude> entries, std::uint64_t values) {
     return std::any_of(entries.begin(), entries.end(),
@@ -20,7 +18,7 @@ bool has_label(std::span<const PackedAmplitude> entries, std::uint64_t values) {
 
 std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key_bits) {
     std::size_t kept = 0;
-    if (entries.size() <= few) {
+    if (entries.size() <= crossover::labels_compared) {
         for (const PackedAmplitude& entry : entries)
             if (!has_label(entries.first(kept), entry.values))
                 entries[kept++] = entry;
@@ -35,7 +33,7 @@ std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key
 }
 
 bool has_distinct_labels(std::span<const PackedAmplitude> entries, unsigned key_bits) {
-    if (entries.size() <= few) {
+    if (entries.size() <= crossover::labels_compared) {
         for (std::size_t i = 1; i < entries.size(); ++i)
             if (has_label(entries.first(i), entries[i].values))
                 return false;

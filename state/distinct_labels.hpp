@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <span>
 
-#include "state/basis_amplitude.hpp"
+#include "state/entries.hpp"
 
 namespace vantel::qudit {
 

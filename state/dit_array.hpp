@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 #include <stdexcept>
 #include <vector>
 
@@ -31,8 +32,15 @@ __attribute__((visibility("default"))) std::ostream& operator<<(std::ostream& st
 [[noreturn]] void die_of_dimension();
 [[noreturn]] void die_of_addend();
 
+/// (level + addend) mod dimension. An addend that is not below the dimension ends the process.
+inline std::uint64_t raised(std::uint64_t level, std::uint64_t addend, std::uint64_t dimension) {
+    if (addend >= dimension)
+        die_of_addend();
+    return (level + addend) % dimension;
+}
+
 /// @throws std::out_of_range "qudit index out of range" for an index at or beyond the count. The comparison
-///         is signed and one-sided: a negative index passes. That is meant; callers hand in none.
+///         is signed and one-sided: a negative index passes. That is deliberate; callers hand in none.
 inline void refuse_index(int qudit, int qudit_count) {
     if (qudit >= qudit_count)
         throw std::out_of_range("qudit index out of range");
@@ -58,6 +66,33 @@ struct SlotLayout {
         const auto slot = static_cast<unsigned>(qudit);
         return (slot < slots ? slot : slots - 1) * bits;
     }
+
+    /// The bits of a word in which a qudit's field stands.
+    [[nodiscard]] constexpr std::uint64_t field(int qudit) const noexcept {
+        return mask() << position(qudit);
+    }
+    [[nodiscard]] constexpr std::uint64_t fields(std::span<const int> qudits) const noexcept {
+        std::uint64_t all = 0;
+        for (const int qudit : qudits)
+            all |= field(qudit);
+        return all;
+    }
+    /// Those of the first `count` qudits.
+    [[nodiscard]] constexpr std::uint64_t fields_below(int count) const noexcept {
+        return (std::uint64_t{1} << static_cast<unsigned>(count) * bits) - 1;
+    }
+
+    /// One level of a qudit, in its field.
+    [[nodiscard]] constexpr std::uint64_t one_level(int qudit) const noexcept {
+        return std::uint64_t{1} << position(qudit);
+    }
+    /// A qudit's level from the word of levels, or its number of levels from the word of dimensions.
+    [[nodiscard]] constexpr std::uint64_t level(std::uint64_t values, int qudit) const noexcept {
+        return values >> position(qudit) & mask();
+    }
+    [[nodiscard]] constexpr std::uint64_t dimension(std::uint64_t dimensions, int qudit) const noexcept {
+        return level(dimensions, qudit) + 1;
+    }
 };
 
 /// Writable reference to one slot of a label; short-lived.
@@ -75,7 +110,7 @@ public:
     operator Dit() const { return {value(), dimension()}; }
 
     /// Writes level and dimension of the slot together. Both are held against the build's D only, so a
-    /// three-level slot of a five-level build takes a level of 4; that is intended.
+    /// three-level slot of a five-level build takes a level of 4; that is deliberate.
     DitProxy& operator=(Dit dit) {
         if (dit.value >= D)
             die_of_value(dit.value, D);
@@ -89,11 +124,7 @@ public:
     DitProxy& operator=(const DitProxy& other) { return *this = static_cast<Dit>(other); }
 
     /// The slot's dit raised by `addend` levels, with wrap-around by its own dimension.
-    Dit operator+(std::uint64_t addend) const {
-        if (addend >= dimension())
-            die_of_addend();
-        return {(value() + addend) % dimension(), dimension()};
-    }
+    Dit operator+(std::uint64_t addend) const { return {raised(value(), addend, dimension()), dimension()}; }
 
 private:
     std::uint64_t* values_;
@@ -120,8 +151,7 @@ template <int D, int N> struct DitArray {
     /// Unchecked; an index that is no qudit's reaches some other field of the same label.
     DitProxy<D> operator[](int qudit) { return {values[0], dimensions[0], layout.position(qudit)}; }
     Dit operator[](int qudit) const {
-        const unsigned position = layout.position(qudit);
-        return {values[0] >> position & layout.mask(), (dimensions[0] >> position & layout.mask()) + 1};
+        return {layout.level(values[0], qudit), layout.dimension(dimensions[0], qudit)};
     }
 
     /// The same for an index that a caller supplied. @throws what refuse_index raises

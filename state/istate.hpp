@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "state/basis_amplitude.hpp"
+#include "state/entries.hpp"
 
 namespace vantel::qudit {
 
@@ -19,7 +19,7 @@ struct Predicate {
     bool is_equal; ///< true: the levels must be equal; false: they must differ
 };
 
-/// A gate with all that it is told. It does not own its lists, since two allocations would cost more than a
+/// A gate with its arguments. It does not own its lists, since two allocations would cost more than a
 /// gate on a few entries does.
 struct Gate {
     enum Kind {
@@ -53,13 +53,6 @@ struct DensityMatrixEntry {
     std::vector<int> row_values;    ///< ket side
     std::vector<int> column_values; ///< bra side
     std::complex<double> element;
-};
-
-/// QuditsProbability with its levels still packed: `values` is the level word of the first entry that
-/// shows the outcome, of which only the listed qudits' fields mean anything.
-struct PackedOutcome {
-    std::uint64_t values;
-    double probability;
 };
 
 /// A joint state of num_qudits() qudits: a sparse list of basis states with complex amplitudes.

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
+#include "algorithms/short_list.hpp"
 #include "state/dit_array.hpp"
 
 namespace vantel::qudit {
@@ -24,11 +24,13 @@ public:
         : bits_(layout.bits) {
         while (bits_ + layout.bits <= 12 && std::size_t{16} << (bits_ + layout.bits) <= labels)
             bits_ += layout.bits;
-        tables_.reserve(std::min(qudits.size(), chunks_.size()));
+        for (const int qudit : qudits)
+            add_chunk(layout.position(qudit));
+        tables_.grow(count_ << bits_, 0);
+        for (unsigned i = 0; i < count_; ++i)
+            chunks_[i].ranks = tables_.data() + (std::size_t{i} << bits_);
         for (std::size_t i = 0; i < qudits.size(); ++i) {
-            const unsigned position = layout.position(qudits[i]);
-            const Chunk& chunk = chunk_of(position);
-            add_levels(chunk, position - chunk.shift, layout, dimensions[i]);
+            add_levels(layout, layout.position(qudits[i]), dimensions[i]);
             stride_ *= dimensions[i];
         }
     }
@@ -74,24 +76,28 @@ private:
         }
     };
 
-    const Chunk& chunk_of(unsigned position) {
-        const unsigned shift = position / bits_ * bits_;
-        const auto end = chunks_.begin() + count_;
-        const auto known =
-            std::find_if(chunks_.begin(), end, [shift](const Chunk& chunk) { return chunk.shift == shift; });
-        if (known != end)
-            return *known;
-        tables_.emplace_back(std::size_t{1} << bits_, 0);
-        return chunks_[count_++] = {tables_.back().data(), shift, (std::uint64_t{1} << bits_) - 1};
+    /// The number of the chunk in which a field stands, or of a new one.
+    [[nodiscard]] unsigned chunk_at(unsigned position) const noexcept {
+        unsigned i = 0;
+        while (i < count_ && chunks_[i].shift != position / bits_ * bits_)
+            ++i;
+        return i;
     }
 
-    void add_levels(const Chunk& chunk, unsigned position, SlotLayout layout, std::uint64_t dimension) {
-        std::vector<std::uint64_t>& ranks = tables_[static_cast<std::size_t>(&chunk - chunks_.data())];
-        for (std::size_t block = 0; block < ranks.size(); block += std::size_t{1} << (position + layout.bits))
+    void add_chunk(unsigned position) noexcept {
+        if (chunk_at(position) == count_)
+            chunks_[count_++] = {nothing, position / bits_ * bits_, (std::uint64_t{1} << bits_) - 1};
+    }
+
+    void add_levels(SlotLayout layout, unsigned position, std::uint64_t dimension) noexcept {
+        const unsigned chunk = chunk_at(position);
+        const std::span<std::uint64_t> ranks(&tables_[std::size_t{chunk} << bits_], std::size_t{1} << bits_);
+        const unsigned shift = position - chunks_[chunk].shift;
+        for (std::size_t block = 0; block < ranks.size(); block += std::size_t{1} << (shift + layout.bits))
             for (std::uint64_t level = 1; level <= layout.mask(); ++level) {
                 const std::uint64_t added = level < dimension ? level * stride_ : none;
-                const std::size_t begin = block + (level << position);
-                for (std::size_t fields = begin; fields < begin + (std::size_t{1} << position); ++fields)
+                const std::size_t begin = block + (level << shift);
+                for (std::size_t fields = begin; fields < begin + (std::size_t{1} << shift); ++fields)
                     ranks[fields] = std::min(ranks[fields] + added, none);
             }
     }
@@ -100,7 +106,7 @@ private:
     unsigned count_ = 0;
     std::uint64_t stride_ = 1;
     std::array<Chunk, 64> chunks_; ///< one for each bit of a word at the most
-    std::vector<std::vector<std::uint64_t>> tables_;
+    ShortList<std::uint64_t, 160> tables_;
 };
 
 } // namespace vantel::qudit

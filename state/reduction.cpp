@@ -4,13 +4,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <new>
+#include <vector>
 
-#include "state/builds.hpp"
-#include "state/drop_threshold.hpp"
-#include "state/packed_view.hpp"
-#include "state/radix_sort.hpp"
-#include "state/state.hpp"
-#include "state/two_ended_partition.hpp"
+#include "algorithms/crossovers.hpp"
+#include "algorithms/radix_sort.hpp"
+#include "algorithms/two_ended_partition.hpp"
 
 namespace vantel::qudit {
 
@@ -46,13 +44,11 @@ void radix_sort_entries(std::span<PackedAmplitude> list, unsigned index_bits) {
 
 /// Stable, so that the sums of the merge have one settled order.
 void sort_by_key(std::span<PackedAmplitude> list) noexcept {
-    constexpr std::size_t few = 32;
-    constexpr std::size_t many = 512;   // from here on the counters of a radix pass pay
     constexpr unsigned index_bits = 24; // a key has at most 40 bits
-    if (list.size() <= few)
+    if (list.size() <= crossover::items_inserted)
         return insertion_sort(list);
     try {
-        if (list.size() >= many && list.size() < std::size_t{1} << index_bits)
+        if (list.size() >= crossover::items_for_radix && list.size() < std::size_t{1} << index_bits)
             return radix_sort_entries(list, index_bits);
     } catch (const std::bad_alloc&) {
         // The reduction must not fail for want of scratch memory: it goes on without, more slowly.
@@ -79,12 +75,5 @@ std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept {
                                    return exceeds_threshold(parts_of(entry.amplitude));
                                }));
 }
-
-template <class Label> void State<Label>::reduce(std::vector<Entry>& list) noexcept {
-    const std::size_t kept = reduce_entries(packed_view(list));
-    list.erase(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end());
-}
-
-VANTEL_INSTANTIATE(void, reduce, (std::vector<Entry>&) noexcept)
 
 } // namespace vantel::qudit

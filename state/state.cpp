@@ -6,7 +6,6 @@
 
 #include "state/builds.hpp"
 #include "state/distinct_labels.hpp"
-#include "state/packed_view.hpp"
 
 namespace vantel::qudit {
 

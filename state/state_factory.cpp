@@ -5,7 +5,6 @@
 #include <string>
 
 #include "state/state.hpp"
-#include "state/subkey.hpp"
 
 namespace vantel::qudit {
 
@@ -32,7 +31,7 @@ public:
     void write(std::span<PackedAmplitude> list) const noexcept override {
         const unsigned from = layout_.position(last_);
         const unsigned to = layout_.position(index_);
-        const std::uint64_t rest = all_fields(layout_, last_);
+        const std::uint64_t rest = layout_.fields_below(last_);
         // A handle that two merges have shifted can name no slot at all; nothing is overwritten then.
         const std::uint64_t freed = index_ >= 0 && index_ < last_ ? layout_.mask() : 0;
         const auto without_qudit = [=](std::uint64_t word) {

@@ -6,8 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "state/basis_amplitude.hpp"
-#include "state/entry_source.hpp"
+#include "state/entries.hpp"
 #include "state/exceptions.hpp"
 #include "state/istate.hpp"
 #include "state/limits.hpp"

@@ -14,7 +14,7 @@
 #include <random>
 #include <vector>
 
-#include "state/wide_loop.hpp"
+#include "algorithms/wide_loop.hpp"
 #include "tests/fuzz/calls.hpp"
 
 namespace {
@@ -111,7 +111,7 @@ bool processor_is_wide() {
 } // namespace
 
 // Instead of the library's own.
-bool vantel::qudit::has_wide_vectors() noexcept {
+bool vantel::has_wide_vectors() noexcept {
     return wide;
 }
 

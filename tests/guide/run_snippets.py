@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compiles and runs every program of a page, and holds what it prints against the text block behind it.
 
-Usage: run_snippets.py PAGE SCRATCH_DIRECTORY INCLUDE_DIRECTORY LIBRARY C_COMPILER CXX_COMPILER [FLAG...]
+Usage: run_snippets.py PAGE SCRATCH_DIRECTORY INCLUDE_DIRECTORY LIBRARY_DIRECTORY C_COMPILER CXX_COMPILER [FLAG...]
 A block without a main function becomes the body of one.
 """
 
@@ -10,12 +10,12 @@ import re
 import subprocess
 import sys
 
-page, scratch, include, library, c_compiler, cxx_compiler, *flags = sys.argv[1:]
+page, scratch, include, libraries, c_compiler, cxx_compiler, *flags = sys.argv[1:]
 scratch = pathlib.Path(scratch)
 scratch.mkdir(parents=True, exist_ok=True)
 
 LANGUAGES = {
-    "c": ([c_compiler, "-std=c11"], "#include <assert.h>\n#include <stdio.h>\n#include <vantel.h>\nint main(void) {\n%s}\n"),
+    "c": ([c_compiler, "-std=c11"], "#include <assert.h>\n#include <stdio.h>\n#include <vantel_guarded.h>\nint main(void) {\n%s}\n"),
     "cpp": ([cxx_compiler, "-std=c++20"],
             "#include <cassert>\n#include <cmath>\n#include <cstdio>\n#include <vantel.hpp>\nint main() {\n%s}\n"),
 }
@@ -37,8 +37,8 @@ for match, expected in expected_of.items():
     source = scratch / f"line_{line}.{match[1]}"
     source.write_text(match[2] if "int main" in match[2] else frame % match[2])
     program = source.with_suffix("")
-    subprocess.run([*command, *flags, "-Wall", "-Wextra", "-Werror", f"-I{include}", source, library,
-                    f"-Wl,-rpath,{pathlib.Path(library).parent}", "-o", program], check=True)
+    subprocess.run([*command, *flags, "-Wall", "-Wextra", "-Werror", f"-I{include}", source, f"-L{libraries}",
+                    f"-Wl,-rpath,{libraries}", "-lvantel", "-lvantel_guarded", "-o", program], check=True)
     run = subprocess.run([program], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
     if run.returncode != 0 or expected is not None and run.stdout != expected:
         sys.exit(f"{page}:{line}: exit status {run.returncode}, printed\n{run.stdout}{run.stderr}expected\n{expected}")

@@ -1,7 +1,9 @@
-/* The public header needs nothing before it and can come twice. */
+/* The public headers need nothing before them and can come twice. */
 #include <vantel.h>
+#include <vantel_guarded.h>
 
 #include <vantel.h>
+#include <vantel_guarded.h>
 int main(void) {
     return vantel_ok;
 }

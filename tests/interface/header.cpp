@@ -1,9 +1,11 @@
 // The public headers need nothing before them and can come twice.
 #include <vantel.h>
+#include <vantel_guarded.h>
 #include <vantel.hpp>
 #include <vantel_exceptions.hpp>
 
 #include <vantel.h>
+#include <vantel_guarded.h>
 #include <vantel.hpp>
 #include <vantel_exceptions.hpp>
 int main() {

@@ -2,8 +2,6 @@
 #include <limits>
 #include <random>
 
-#include "state/field_groups.hpp"
-#include "state/key_index.hpp"
 #include "state/state.hpp"
 #include "tests/support/states.hpp"
 
@@ -81,32 +79,6 @@ TEST(Reduction, LeavesTheToldEntriesInTheToldOrder) {
         for (const auto& [label, amplitude] : list)
             left.push_back({label.dits(), amplitude});
         EXPECT_TRUE(same_entries(left, entries_of({10}, after)));
-    }
-}
-
-TEST(KeyIndex, NumbersKeysAsTheyAreFirstSeenHoweverManyCome) {
-    HashedKeyIndex index(1);
-    for (int again = 0; again < 2; ++again) {
-        std::mt19937_64 keys(1);
-        for (std::size_t i = 0; i < 5000; ++i)
-            ASSERT_EQ(index.find_or_add(keys()), i);
-    }
-}
-
-TEST(Groups, HoldMoreMembersThanAByteCounts) {
-    for (const std::size_t size : {256U, 300U}) {
-        std::vector<PackedAmplitude> entries(2 * size);
-        std::uint64_t any = 0;
-        for (std::size_t i = 0; i < entries.size(); ++i)
-            any |= entries[i].values = i;
-        std::size_t group = 0;
-        FieldGroups(entries, 1, any, size).for_each([&](std::span<const std::uint32_t> members) {
-            ASSERT_EQ(members.size(), size);
-            for (std::size_t i = 0; i < size; ++i)
-                EXPECT_EQ(members[i], 2 * i + group);
-            ++group;
-        });
-        EXPECT_EQ(group, 2U);
     }
 }
 
