@@ -21,7 +21,7 @@ foreach(header IN ITEMS vantel vantel_guarded)
 endforeach()
 
 # Pages keep their places to each other. What they link to and is not installed becomes plain text.
-set(pages README.md CHANGELOG.md SECURITY.md docs/guide.md docs/exceptions.md docs/performance.md docs/performance_table.md)
+set(pages README.md CHANGELOG.md SECURITY.md docs/guide.md docs/exceptions.md docs/python.md docs/performance.md docs/performance_table.md)
 file(GLOB pictures RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS docs/*.svg)
 set(kept ${pages} ${pictures} examples)
 list(JOIN kept " " kept)

@@ -97,7 +97,8 @@ if(VANTEL_PYTHON)
 This package has the module for Python 3.")
     set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-vantel)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
-    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+    # Its other libraries are those of libvantel1.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
         "libvantel1 (= ${PROJECT_VERSION}), python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
 endif()

@@ -124,7 +124,7 @@ py::dict tally(py::handle self, std::size_t from, std::size_t to, unsigned threa
 } // namespace
 
 void bind_circuits(py::module_& module) {
-    py::class_<Recorded> circuit(module, "Recorded");
+    py::class_<Recorded> circuit(module, "Recorded", py::is_final());
     class_of<Recorded> = reinterpret_cast<PyTypeObject*>(circuit.ptr());
     circuit.def(py::init<>());
     circuit.def("copy", [](py::handle self) { return Recorded(recorded(self)); });
@@ -168,12 +168,14 @@ void bind_circuits(py::module_& module) {
         return Running{std::make_shared<const vantel::Trials>(runs, seed)};
     });
 
-    py::class_<Running> running(module, "Running");
+    py::class_<Running> running(module, "Running", py::is_final());
     class_of<Running> = reinterpret_cast<PyTypeObject*>(running.ptr());
     running.def("repeatable", [](py::handle self) {
         return get<Running>(self, "trials", "vantel.Trials").trials->repeatable();
     });
     running.def("tally", tally, py::arg("start"), py::arg("stop"), py::arg("threads") = 0);
+    seal<Recorded>();
+    seal<Running>();
 }
 
 } // namespace vantel::python

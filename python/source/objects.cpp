@@ -27,6 +27,40 @@ std::string text_of(const Condition& condition) {
     return text + ">";
 }
 
+Condition& get_condition(py::handle object) {
+    return get<Condition>(object, "a condition", "vantel.Condition");
+}
+
+py::object joined(py::handle left, py::handle right) {
+    const Condition &first = get_condition(left), &second = get_condition(right);
+    Condition both;
+    both.terms.reserve(first.terms.size() + second.terms.size());
+    both.terms.insert(both.terms.end(), first.terms.begin(), first.terms.end());
+    both.terms.insert(both.terms.end(), second.terms.begin(), second.terms.end());
+    return py::cast(std::move(both));
+}
+
+/// Calls as the operators of the interpreter do, past the way by the method's name: conditions are written
+/// anew for nearly every gate.
+template <class Body> PyObject* fast(Body body) {
+    try {
+        return body().release().ptr();
+    } catch (const std::exception&) {
+        raise_in_python(std::current_exception());
+        return nullptr;
+    }
+}
+
+PyObject* compare_fast(PyObject* self, PyObject* level, int operation) {
+    if (operation != Py_EQ && operation != Py_NE)
+        Py_RETURN_NOTIMPLEMENTED;
+    return fast([&] { return compare(self, level, operation == Py_EQ); });
+}
+
+PyObject* join_fast(PyObject* left, PyObject* right) {
+    return fast([&] { return joined(left, right); });
+}
+
 /// Neither a copy nor a file can hold a qudit.
 [[noreturn]] py::object refuse_copy(const py::args&) {
     throw py::type_error("a state of qudits cannot be copied or pickled");
@@ -61,7 +95,7 @@ std::vector<std::reference_wrapper<vantel::Qudit>> QuditArguments::reversed() co
 }
 
 void bind_objects(py::module_& module) {
-    py::class_<Qudit> qudit(module, "Qudit",
+    py::class_<Qudit> qudit(module, "Qudit", py::is_final(),
                             R"(A qudit of 2 to 10 levels, in level 0 and in a joint state of its own.
 
 `q == level` and `q != level` make conditions. A qudit that is closed, by close(), by the end of a `with` block or because
@@ -98,6 +132,7 @@ Raises Error with Status.BAD_DIMENSION for any other.)");
     qudit.def(
         "__ne__", [](py::handle self, py::handle level) { return compare(self, level, false); },
         py::arg("level"));
+    class_of<Qudit>->tp_richcompare = compare_fast;
     qudit.def("__hash__", [](py::handle self) { return reinterpret_cast<std::size_t>(self.ptr()) >> 4; });
     qudit.def("__repr__", [](py::handle self) {
         const Qudit& shown = get_qudit(self);
@@ -105,33 +140,25 @@ Raises Error with Status.BAD_DIMENSION for any other.)");
                (shown.name->closed() ? ", closed>" : ">");
     });
 
-    py::class_<Condition> conditions(module, "Condition",
+    py::class_<Condition> conditions(module, "Condition", py::is_final(),
                                      R"(Where a gate acts: levels of qudits, joined by `&`.
 
 Made by `q == level` and `q != level`. It has no truth value: write `(a == 1) & (c != 0)`, with the brackets, and
 not `and`.)");
     class_of<Condition> = reinterpret_cast<PyTypeObject*>(conditions.ptr());
-    const auto as_condition = [](py::handle object) -> Condition& {
-        return get<Condition>(object, "a condition", "vantel.Condition");
-    };
-    conditions.def(
-        "__and__",
-        [as_condition](py::handle left, py::handle right) {
-            Condition both = as_condition(left);
-            const Condition& more = as_condition(right);
-            both.terms.insert(both.terms.end(), more.terms.begin(), more.terms.end());
-            return both;
-        },
-        py::arg("other"));
+    conditions.def("__and__", joined, py::arg("other"));
+    class_of<Condition>->tp_as_number->nb_and = join_fast;
     conditions.def("__bool__", [](py::handle) -> bool {
         throw py::type_error("a condition has no truth value: join conditions by & and brackets");
     });
-    conditions.def("__repr__", [as_condition](py::handle self) { return text_of(as_condition(self)); });
+    conditions.def("__repr__", [](py::handle self) { return text_of(get_condition(self)); });
     for (const char* const name : {"__copy__", "__deepcopy__", "__reduce__", "__reduce_ex__"}) {
         qudit.def(name, refuse_copy);
         if (std::string_view(name).starts_with("__reduce"))
             conditions.def(name, refuse_copy);
     }
+    seal<Qudit>();
+    seal<Condition>();
 }
 
 } // namespace vantel::python

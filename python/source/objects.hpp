@@ -62,10 +62,17 @@ struct Condition {
 /// Python's class of each, set when the module is made.
 template <class Object> inline PyTypeObject* class_of = nullptr;
 
+/// Ends the making of a class. No other can take the place of an object's class from now on, by inheritance
+/// or by assignment to `__class__`: what is inside is told by the class alone.
+template <class Object> void seal() {
+    class_of<Object>->tp_flags |= Py_TPFLAGS_IMMUTABLETYPE;
+    PyType_Modified(class_of<Object>);
+}
+
 /// The C++ object behind one of Python's; null if that is of another class.
 /// @throws py::type_error  for an object whose initialisation was passed by.
 template <class Object> Object* find(PyObject* object) {
-    if (Py_TYPE(object) != class_of<Object> && PyType_IsSubtype(Py_TYPE(object), class_of<Object>) == 0)
+    if (Py_TYPE(object) != class_of<Object>)
         return nullptr;
     auto inside = reinterpret_cast<py::detail::instance*>(object)->get_value_and_holder();
     if (!inside.holder_constructed())

@@ -33,6 +33,13 @@ class When:
         raise TypeError("a condition has no truth value: join conditions by & and brackets")
 
 
+def _seed(seed: SupportsIndex | None) -> int:
+    number = secrets.randbits(63) if seed is None else seed.__index__()
+    if not 0 <= number < 2**64:
+        raise ValueError("a seed must be in 0 .. 2^64 - 1")
+    return number
+
+
 def _level(number: object, dimension: int) -> int:
     if isinstance(number, bool) or not isinstance(number, SupportsIndex):
         raise TypeError(f"a level that is compared must be an integer, not {type(number).__name__}")
@@ -332,7 +339,10 @@ class Circuit:
         return Circuit._of(self._recorded.inverse())
 
     def repeat(self, times: SupportsIndex) -> Circuit:
-        """The circuit `times` times over."""
+        """The circuit `times` times over, of at most ten million steps."""
+        most_steps = 10_000_000
+        if not 0 <= times.__index__() <= most_steps // max(len(self), 1):
+            raise ValueError(f"a circuit of {times.__index__()} times {len(self)} steps")
         return Circuit._of(self._recorded.repeat(times.__index__()))
 
     def run(self, *qudits: Qudit, seed: SupportsIndex | None = None) -> Run:
@@ -345,7 +355,7 @@ class Circuit:
             raise ValueError("the qudits have not the dimensions of the circuit")
         if not used:
             return Run({}, {})
-        number = secrets.randbits(63) if seed is None else seed.__index__()
+        number = _seed(seed)
         values = self._recorded.run(number, *used)
         return Run({wire.name: qudit for wire, qudit in zip(self.wires, used)}, values)
 
@@ -361,7 +371,7 @@ class Circuit:
         all_shots, (k, n) = shots.__index__(), part
         if all_shots < 0 or not 0 <= k < n:
             raise ValueError("shots must not be negative, and part k, n needs 0 <= k < n")
-        number = secrets.randbits(63) if seed is None else seed.__index__()
+        number = _seed(seed)
         running = self._recorded.trials(number)
         first, end = all_shots * k // n, all_shots * (k + 1) // n
         counts: Counter[tuple[int, ...]] = Counter()

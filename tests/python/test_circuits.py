@@ -90,7 +90,7 @@ def test_values_steer_later_steps() -> None:
     lambda c, a: c.hadamard(a, when=vantel.Value("z") == 1), lambda c, a: a == 3, lambda c, a: c.add_qudit("x", 11),
     lambda c, a: c.phase_rotate(1, when=None), lambda c, a: c.unitary(np.ones((3, 3)), a), lambda c, a: c.run(vantel.Qudit(2)),
     lambda c, a: c.ensemble(-1), lambda c, a: Circuit.from_text("qudit a 3\nhadamrd a\n"),
-    lambda c, a: c.ensemble(5, part=(2, 2)), lambda c, a: c.depolarise(a, 0.1).inverse(),
+    lambda c, a: c.ensemble(5, seed=-1), lambda c, a: c.repeat(10**12), lambda c, a: c.ensemble(5, part=(2, 2)), lambda c, a: c.depolarise(a, 0.1).inverse(),
 ])
 def test_what_cannot_be_recorded_raises(wrong: object) -> None:
     circuit = Circuit(a=3)

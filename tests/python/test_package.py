@@ -86,6 +86,8 @@ REFUSED: list[tuple[Any, Callable[[Any, Any, Any], object]]] = [
     (TypeError, lambda a, b, c: copy.copy(a)),
     (TypeError, lambda a, b, c: copy.deepcopy([a == 1])),
     (TypeError, lambda a, b, c: pickle.dumps(a)),
+    (TypeError, lambda a, b, c: setattr(a, "__class__", vantel.Condition)),
+    (TypeError, lambda a, b, c: type("Other", (Qudit,), {})),
     (ValueError, lambda a, b, c: a == 3),
     (ValueError, lambda a, b, c: a != -1),
     (ValueError, lambda a, b, c: vantel.clock(a, float("nan"))),
