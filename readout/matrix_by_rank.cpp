@@ -79,7 +79,7 @@ void add_few_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::siz
               elements = matrix.data() ](auto vectors) __attribute__((always_inline)) {
                 RowSums<rows, decltype(vectors)> sums[rows];
                 for (std::size_t i = 0; i < size; ++i) {
-                    const std::uint32_t row = ranks[i] % rows;
+                    const std::uint32_t row = ranks[i] % std::uint32_t{rows};
                     sums[row].add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row]);
                 }
                 for (std::size_t row = 0; row < rows; ++row)

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "state/entries.hpp"
 #include "state/dit_array.hpp"
+#include "state/entries.hpp"
 #include "state/istate.hpp"
 
 // The plain meaning of the entry list: unpacked labels and linear searches, nothing shared with

@@ -75,7 +75,8 @@ TEST(DensityMatrix, KeepsTheSignOfAProductThatIsANegativeZero) {
         const auto state = state_of({dimension}, {{{0}, {-0.5, 0.0}}, {{1}, {0.0, -1.0}}});
         std::vector<Complex> elements(dimension * dimension);
         qudit::DensityMatrix(*state, {0}, qudit::ValuePermutations({dimension}))
-            .for_each(elements.size(), [&](std::size_t place, const Complex& element) { elements[place] = element; });
+            .for_each(elements.size(),
+                      [&](std::size_t place, const Complex& element) { elements[place] = element; });
         EXPECT_TRUE(same_bits(elements[1], {-0.0, -0.5})) << dimension;
     }
 }
