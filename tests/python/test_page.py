@@ -1,4 +1,4 @@
-"""The programs of the page about Python, one after the other, and what they print."""
+"""The Python programs of a page, one after the other, and what they print."""
 
 from __future__ import annotations
 
@@ -7,15 +7,18 @@ import io
 import pathlib
 import re
 
-PAGE = pathlib.Path(__file__).parents[2] / "docs" / "python.md"
+import pytest
+
+ROOT = pathlib.Path(__file__).parents[2]
 
 
-def test_the_page_prints_what_stands_beside_it() -> None:
+@pytest.mark.parametrize(("page", "count"), [("README.md", 1), ("docs/python.md", 2)])
+def test_the_page_prints_what_stands_beside_it(page: str, count: int) -> None:
     names: dict[str, object] = {}
-    programs = re.findall(r"^```python\n(.*?)^```\n(?:```text\n(.*?)^```\n)?", PAGE.read_text(), re.M | re.S)
-    assert len(programs) == 2
-    for program, told in programs:
+    programs = re.findall(r"^```python\n(.*?)^```\n(?:```text\n(.*?)^```\n)?", (ROOT / page).read_text(), re.M | re.S)
+    assert len(programs) == count
+    for program, expected in programs:
         printed = io.StringIO()
         with contextlib.redirect_stdout(printed):
-            exec(compile(program, str(PAGE), "exec"), names)
-        assert printed.getvalue() == told
+            exec(compile(program, page, "exec"), names)
+        assert printed.getvalue() == expected
