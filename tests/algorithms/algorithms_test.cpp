@@ -113,11 +113,11 @@ TEST(Factor, GivesTheBitsOfTheStandardProduct) {
 /// What reduce_entries leaves of the children is what each order writes of their sums.
 TEST(Reduction, LeavesTheOrderThatIsWrittenFromTheSums) {
     std::mt19937_64 random(1);
-    for (int times = 0; times < 500; ++times) {
+    for (std::uint64_t times = 0; times < 500; ++times) {
         const std::size_t run = times % 4; // 0: runs of any length, and sums that are dropped
         std::vector<qudit::PackedAmplitude> list;
         std::vector<std::pair<std::size_t, double>> sums;
-        for (std::uint64_t label = 0; label < static_cast<std::uint64_t>(times) / 8; ++label) {
+        for (std::uint64_t label = 0; label < times / 8; ++label) {
             sums.push_back({run == 0 ? 1 + random() % 4 : run, run == 0 && random() % 3 == 0 ? 0.0 : 1.0});
             list.insert(list.end(), sums.back().first, {label, 1, sums.back().second});
         }

@@ -118,7 +118,7 @@ TEST(Guarded, StateOverTheLimitGivesNothingBackUntilItIsMeasured) {
         q.push_back(made(10));
         ASSERT_EQ(vantel_guarded_join(q[0], q.back()), vantel_ok);
     }
-    for (int i = 0; i < 6; ++i)
+    for (std::size_t i = 0; i < 6; ++i)
         EXPECT_EQ(vantel_guarded_hadamard(q[i], nullptr, 0), i < 5 ? vantel_ok : vantel_state_size_exceeded);
     const PredicateRecord one{q[1], 0, 1};
     int answer = -7;
