@@ -90,11 +90,9 @@ inline bool any_highest(Words words) noexcept {
     return Words{mask, mask} ? chosen : other;
 }
 
-#ifdef __x86_64__
-
 // For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a
 // vector by value.
-
+#ifdef __x86_64__
 [[gnu::target("avx2")]] inline bool any_wide(const FourWords& mask) noexcept {
     return __builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(mask)) != 0;
 }
@@ -103,7 +101,9 @@ inline bool any_highest(Words words) noexcept {
                                              FourParts& other) noexcept {
     other = __builtin_ia32_blendvpd256(other, chosen, reinterpret_cast<const FourParts&>(mask));
 }
-
+#else
+bool any_wide(const FourWords& mask) noexcept;
+void put_wide(const FourWords& mask, const FourParts& chosen, FourParts& other) noexcept;
 #endif
 
 /// How many numbers a register holds, in a loop of plain vectors and in one of wide ones.

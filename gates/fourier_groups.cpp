@@ -88,7 +88,6 @@ private:
 
     /// A group that the controls leave out: each entry is a sum of its own.
     void keep(Group& group, const std::uint32_t* row, Parts* sums) {
-        group.run = full ? 1 : 0;
         group.present = 0;
         for (std::uint64_t level = 0; level < d; ++level) {
             if (row[level] == 0)
@@ -97,6 +96,7 @@ private:
             sums[level] = amplitude(row[level] - 1);
             kept_ += exceeds_threshold(sums[level]) ? 1 : 0;
         }
+        group.run = group.present == (1U << d) - 1 ? 1 : 0;
     }
 
     [[nodiscard]] Parts amplitude(std::uint32_t position) const {

@@ -61,6 +61,7 @@ FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept {
     });
 }
 
+template <bool all_stay>
 [[gnu::always_inline]] inline void FourierSums::write_each(std::span<PackedAmplitude> list,
                                                            std::uint32_t* holes) const noexcept {
     ReducedOrder order(list, dimensions_, holes);
@@ -69,7 +70,9 @@ FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept {
             for (std::size_t i = begin; i < end; ++i) {
                 const Group& group = own.groups_[i];
                 const Parts sum = own.sums_[i * own.dimension_ + k];
-                if (group.run != 0)
+                if constexpr (all_stay)
+                    order.keep(group.others | k << own.position_, sum, group.run);
+                else if (group.run != 0)
                     order.add(group.others | k << own.position_, sum, group.run);
                 else if ((group.present >> k & 1) != 0)
                     order.add(group.others | k << own.position_, sum, 1);
@@ -78,11 +81,14 @@ FourierSums::write_uniform(std::span<PackedAmplitude> list) const noexcept {
 }
 
 void FourierSums::write(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept {
-    if (same_run_ && kept_ == count_ * dimension_)
+    if (kept_ != count_ * dimension_)
+        wide_loop([ list, holes, own = *this ]()
+                      __attribute__((always_inline)) { own.write_each<false>(list, holes); });
+    else if (same_run_)
         wide_loop([ list, own = *this ]() __attribute__((always_inline)) { own.write_uniform(list); });
     else
         wide_loop([ list, holes, own = *this ]()
-                      __attribute__((always_inline)) { own.write_each(list, holes); });
+                      __attribute__((always_inline)) { own.write_each<true>(list, holes); });
 }
 
 } // namespace vantel::qudit

@@ -50,6 +50,7 @@ public:
 
 private:
     void write_uniform(std::span<PackedAmplitude> list) const noexcept;
+    template <bool all_stay>
     void write_each(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept;
     template <class Visit> void for_each_stretch(Visit visit) const noexcept;
 

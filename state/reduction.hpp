@@ -55,10 +55,18 @@ public:
     /// Adds the sum of `run` equal labels. Sums come in ascending order of their labels.
     /// @return whether it stays
     [[gnu::always_inline]] bool add(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
+        if (!exceeds_threshold(amplitude)) [[unlikely]] {
+            length_ += run; // places that the next sum notes as holes
+            return false;
+        }
+        keep(values, amplitude, run);
+        return true;
+    }
+
+    /// The same for a sum that is known to stay.
+    [[gnu::always_inline]] void keep(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
         const std::size_t first = length_;
         length_ += run;
-        if (!exceeds_threshold(amplitude)) [[unlikely]]
-            return false; // its place, too, is a hole, which the next sum notes
         std::size_t place = length_ - 1;
         if (place < size_) {
             // No branch depends on how many labels a sum is of, as long as they are one or two and nothing
@@ -78,7 +86,6 @@ public:
         entry.values = values;
         entry.dimensions = dimensions_;
         store(amplitude, entry.amplitude);
-        return true;
     }
 
 private:
