@@ -24,9 +24,10 @@ public:
 
     /// What is known of the sums of a group.
     struct Group {
-        std::uint64_t others;  ///< the levels of all qudits but the target
-        std::uint32_t run;     ///< of how many children each sum is; 0 where that is one or none
-        std::uint32_t present; ///< a bit for each level of which such a group has a child
+        std::uint64_t others; ///< the levels of all qudits but the target
+        std::uint32_t
+            run; ///< of how many children each sum is; 0 where only some levels have a sum, of one entry
+        std::uint32_t present; ///< for such a group, a bit for each of these levels
     };
 
     /// How many entries the reduction leaves.

@@ -6,6 +6,7 @@
 
 #include "algorithms/complex_product.hpp"
 #include "algorithms/constant_count.hpp"
+#include "algorithms/crossovers.hpp"
 #include "algorithms/wide_loop.hpp"
 #include "state/position_table.hpp"
 #include "state/survey.hpp"
@@ -69,11 +70,10 @@ private:
     Register sums_[registers];
 };
 
-constexpr std::size_t few_rows = 4; // whose sums are all at hand, so that entries are taken as they stand
 constexpr std::size_t most_columns = 10; // whose sums are in registers
 
 void add_few_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::size_t side) {
-    with_constant<1, few_rows>(side, [&](auto rows) {
+    with_constant<1, crossover::matrix_rows_at_hand>(side, [&](auto rows) {
         wide_loop(
             [ =, amplitudes = list.amplitudes.get(), ranks = list.ranks.get(),
               elements = matrix.data() ](auto vectors) __attribute__((always_inline)) {
@@ -163,7 +163,7 @@ Matrix matrix_by_rank(PackedEntries entries, SlotLayout layout, std::span<const 
     Matrix matrix(side * side);
     if (!table.is_complete())
         add_any<false>(matrix, list, table, entries.size(), side);
-    else if (side <= few_rows)
+    else if (side <= crossover::matrix_rows_at_hand)
         add_few_rows(matrix, list, entries.size(), side);
     else
         add_many_rows(matrix, list, entries.size(), side);
