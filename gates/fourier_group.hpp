@@ -27,7 +27,7 @@ public:
     }
 
     /// @return whether all of them exceed the threshold, and so none has an infinity to recover
-    [[gnu::always_inline]] bool store(Parts* sums) const {
+    [[gnu::always_inline]] bool store(Parts* sums, std::size_t stride) const {
         auto exceed = ~typename In::Mask{};
         unrolled<registers>([&](auto i) VANTEL_INLINED {
             auto of_register = exceed_threshold<Vectors>(sums_[i]);
@@ -35,7 +35,8 @@ public:
                 of_register |= FourWords{0, 0, ~0ULL, ~0ULL};
             exceed &= of_register;
         });
-        unrolled<d>([&](auto k) VANTEL_INLINED { sums[k] = In::template at<k % In::count>(sums_[k / In::count]); });
+        unrolled<d>([&](auto k)
+                        VANTEL_INLINED { sums[k * stride] = In::template at<k % In::count>(sums_[k / In::count]); });
         return !any_highest(~exceed);
     }
 

@@ -4,21 +4,12 @@
 #include "algorithms/lanes.hpp"
 #include "algorithms/scratch.hpp"
 #include "gates/frame.hpp"
-#include "state/entries.hpp"
-#include <cstddef>
-#include <cstdint>
-#include <span>
-#include <utility>
 
 namespace vantel::qudit {
 /// What becomes of the groups of a list, that is of the entries that differ in the target alone. The children that come
 /// to share a label are those of one group, so their sums are formed group by group, in stored order, and no child is
 /// ever sorted.
-class FourierSums {
-public:
-    /// @param most  how many groups will be added at the most
-    FourierSums(std::size_t most, SlotLayout layout, int target, const PackedAmplitude& first, Scratch& scratch);
-
+struct FourierSums {
     /// What is known of the sums of a group.
     struct Group {
         std::uint64_t others;  ///< the levels of all qudits but the target
@@ -26,38 +17,26 @@ public:
         std::uint32_t present; ///< for such a group, a bit for each of these levels
     };
 
-    /// How many entries the reduction leaves.
-    [[nodiscard]] std::size_t kept() const noexcept { return kept_; }
+    /// @param most  how many groups will be added at the most
+    FourierSums(std::size_t most, SlotLayout layout, int target, const PackedAmplitude& first, Scratch& scratch)
+        : dimension(layout.dimension(first.dimensions, target)), position(layout.position(target)),
+          dimensions(first.dimensions), stride(most + (most < 64 ? 0 : 4)), groups(scratch.take<Group>(most)),
+          sums(scratch.take<Parts>(stride * dimension)) {}
 
-    /// Writes these entries in the order that a reduction leaves. @param holes  scratch for kept() + 1 places
+    /// Writes the sums that stay, `kept` of them, in the order that a reduction leaves.
+    /// @param holes  scratch for kept + 1 places
     void write(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept;
 
-    [[nodiscard]] std::uint64_t dimension() const noexcept { return dimension_; }
-    [[nodiscard]] unsigned position() const noexcept { return position_; }
-    /// Where the groups and the d sums of each go.
-    [[nodiscard]] Group* groups() const noexcept { return groups_; }
-    [[nodiscard]] Parts* sums() const noexcept { return sums_; }
-    /// @param kept      how many sums stay
-    /// @param same_run  whether no group is left out and all have as many children
-    void set_added(std::size_t groups, std::size_t kept, bool same_run) noexcept {
-        count_ = groups;
-        kept_ = kept;
-        same_run_ = same_run;
-    }
-
-private:
-    void write_uniform(std::span<PackedAmplitude> list) const noexcept;
-    template <bool all_stay> void write_each(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept;
-    template <class Visit> void for_each_stretch(Visit visit) const noexcept;
-
-    std::uint64_t dimension_; ///< of the target
-    unsigned position_;
-    std::uint64_t dimensions_; ///< of every label
-    Group* groups_;
-    Parts* sums_;
-    std::size_t count_ = 0;
-    std::size_t kept_ = 0;
-    bool same_run_ = false;
+    std::uint64_t dimension; ///< of the target
+    unsigned position;
+    std::uint64_t dimensions; ///< of every label
+    std::size_t stride;       ///< from level to level; no power of two, or the levels would contend for the cache
+    Group* groups;
+    Parts* sums; ///< of each level those of all groups, which is how they are written
+    std::size_t count = 0;
+    std::size_t kept = 0;
+    bool same_run = true; ///< whether all groups have as many children, and none only some levels
+    bool regular = true;  ///< whether no label is repeated and each level is one of the target's
 };
 
 /// Works out the sums of a list for one target.

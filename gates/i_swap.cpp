@@ -7,7 +7,6 @@
 #include "state/exceptions.hpp"
 #include "state/position_table.hpp"
 #include "state/reduction.hpp"
-#include "state/survey.hpp"
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -151,10 +150,8 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
     if (size < crossover::entries_for_ranks) return false;
     const Survey survey(list.entries());
     if (!survey.same_dimensions) return false;
-    std::vector<int> qudits = survey.varying_qudits(layout, layout.field(low) | layout.field(high));
-    qudits.insert(std::upper_bound(qudits.begin(), qudits.end(), low), low);
-    qudits.insert(std::upper_bound(qudits.begin(), qudits.end(), high), high);
-    PositionTable table(list.entries().front(), layout, qudits, size);
+    const std::uint64_t varying = survey.varying() | layout.field(low) | layout.field(high);
+    PositionTable table(list.entries(), layout, {}, varying);
     if (!table.is_close()) return false;
     Scratch scratch(list.spare_behind(std::clamp(table.size(), size, 2 * size)));
     const std::span<const PackedAmplitude> entries = list.entries();

@@ -4,7 +4,6 @@
 #include "algorithms/crossovers.hpp"
 #include "algorithms/wide_loop.hpp"
 #include "state/position_table.hpp"
-#include "state/survey.hpp"
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -136,9 +135,7 @@ Matrix matrix_by_rank(PackedEntries entries, SlotLayout layout, std::span<const 
     if (!survey.same_dimensions) return {};
     for (std::size_t i = 0; i < qudits.size(); ++i)
         if (layout.dimension(entries.front().dimensions, qudits[i]) != dimensions[i]) return {};
-    std::vector<int> ranked = survey.varying_qudits(layout, layout.fields(qudits));
-    ranked.insert(ranked.begin(), qudits.begin(), qudits.end());
-    PositionTable table(entries.front(), layout, ranked, entries.size());
+    PositionTable table(entries, layout, qudits, survey.varying());
     Scratch scratch;
     if (!table.is_close() || !table.fill(entries, scratch)) return {};
 

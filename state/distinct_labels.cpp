@@ -5,37 +5,38 @@
 
 namespace vantel::qudit {
 namespace {
-bool has_label(std::span<const PackedAmplitude> entries, std::uint64_t values) {
-    return std::any_of(entries.begin(), entries.end(),
-                       [values](const PackedAmplitude& entry) { return entry.values == values; });
-}
-} // namespace
-
-std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key_bits) {
-    std::size_t kept = 0;
-    if (entries.size() <= crossover::labels_compared) {
-        for (const PackedAmplitude& entry : entries)
-            if (!has_label(entries.first(kept), entry.values)) entries[kept++] = entry;
-        return kept;
+/// Calls `use(is_new)`, where is_new(entry) tells whether no entry that it was asked for before has this one's label.
+template <class Use> std::size_t with_labels_seen(std::size_t entries, unsigned key_bits, Use use) {
+    if (entries <= crossover::labels_compared) {
+        std::array<std::uint64_t, crossover::labels_compared> seen;
+        auto end = seen.begin();
+        return use([&](const PackedAmplitude& entry) {
+            if (std::find(seen.begin(), end, entry.values) != end) return false;
+            *end++ = entry.values;
+            return true;
+        });
     }
-    return with_key_index(key_bits, entries.size(), [entries, kept](auto& seen) mutable {
-        for (const PackedAmplitude& entry : entries)
-            if (seen.find_or_add(entry.values) == kept) entries[kept++] = entry;
-        return kept;
-    });
-}
-
-bool has_distinct_labels(std::span<const PackedAmplitude> entries, unsigned key_bits) {
-    if (entries.size() <= crossover::labels_compared) {
-        for (std::size_t i = 1; i < entries.size(); ++i)
-            if (has_label(entries.first(i), entries[i].values)) return false;
-        return true;
-    }
-    return with_key_index(key_bits, entries.size(), [entries](auto& seen) {
-        return std::all_of(entries.begin(), entries.end(), [&seen](const PackedAmplitude& entry) {
+    return with_key_index(key_bits, entries, [&](auto& seen) {
+        return use([&](const PackedAmplitude& entry) {
             const std::size_t known = seen.size();
             return seen.find_or_add(entry.values) == known;
         });
     });
+}
+} // namespace
+
+std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key_bits) {
+    return with_labels_seen(entries.size(), key_bits, [entries](auto is_new) {
+        std::size_t kept = 0;
+        for (const PackedAmplitude& entry : entries)
+            if (is_new(entry)) entries[kept++] = entry;
+        return kept;
+    });
+}
+
+bool has_distinct_labels(PackedEntries entries, unsigned key_bits) {
+    return with_labels_seen(entries.size(), key_bits, [entries](auto is_new) -> std::size_t {
+               return std::all_of(entries.begin(), entries.end(), is_new);
+           }) != 0;
 }
 } // namespace vantel::qudit

@@ -2,8 +2,6 @@
 #pragma once
 
 #include "state/entries.hpp"
-#include <cstddef>
-#include <span>
 
 namespace vantel::qudit {
 /// Moves the entries whose labels are new to the front, in their order; the first of a label stands.
@@ -13,5 +11,5 @@ namespace vantel::qudit {
 std::size_t keep_first_of_label(std::span<PackedAmplitude> entries, unsigned key_bits);
 
 /// Whether no label stands twice. @throws std::bad_alloc
-bool has_distinct_labels(std::span<const PackedAmplitude> entries, unsigned key_bits);
+bool has_distinct_labels(PackedEntries entries, unsigned key_bits);
 } // namespace vantel::qudit

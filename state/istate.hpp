@@ -64,6 +64,9 @@ struct DensityMatrixEntry {
 /// repeated one repeatedly.
 class IState {
 public:
+    using Targets = std::vector<int>;
+    using Controls = std::vector<Predicate>;
+
     virtual ~IState() = default;
 
     /// The largest dimension D that the build holds, whatever qudits the state has now.
@@ -85,49 +88,39 @@ public:
     virtual std::vector<int> measure(std::vector<int> qudits) = 0;
 
     /// Multiplies selected amplitudes by exp(i angle), with single-precision sine and cosine.
-    virtual void phase_rotate(std::vector<Predicate> controls, float angle) {
-        act({Gate::phase_rotate, angle, {}, controls});
-    }
+    virtual void phase_rotate(Controls controls, float angle) { act({Gate::phase_rotate, angle, {}, controls}); }
     /// Level v goes to (v + d - 1) mod d.
-    virtual void shift(std::vector<int> targets, std::vector<Predicate> controls) {
-        act({Gate::shift, 0, targets, controls});
-    }
+    virtual void shift(Targets targets, Controls controls) { act({Gate::shift, 0, targets, controls}); }
     /// A power of `shift`, by way of the Fourier basis.
-    virtual void shift(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+    virtual void shift(Targets targets, float fraction, Controls controls) {
         act({Gate::fractional_shift, fraction, targets, controls});
     }
     /// A power of `cycle`, by way of the Fourier basis.
-    virtual void cycle(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+    virtual void cycle(Targets targets, float fraction, Controls controls) {
         act({Gate::fractional_cycle, fraction, targets, controls});
     }
     /// Level v goes to (v + 1) mod d.
-    virtual void cycle(std::vector<int> targets, std::vector<Predicate> controls) {
-        act({Gate::cycle, 0, targets, controls});
-    }
+    virtual void cycle(Targets targets, Controls controls) { act({Gate::cycle, 0, targets, controls}); }
     /// Multiplies by exp(2 pi i v / d).
-    virtual void clock(std::vector<int> targets, std::vector<Predicate> controls) {
-        act({Gate::clock, 0, targets, controls});
-    }
+    virtual void clock(Targets targets, Controls controls) { act({Gate::clock, 0, targets, controls}); }
     /// Multiplies by exp(2 pi i (v fraction) / d), with v fraction in single precision.
-    virtual void clock(std::vector<int> targets, float fraction, std::vector<Predicate> controls) {
+    virtual void clock(Targets targets, float fraction, Controls controls) {
         act({Gate::fractional_clock, fraction, targets, controls});
     }
     /// Level v goes to the sum over k of exp(2 pi i (d - k) v / d) / sqrt(d) times level k.
-    virtual void hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
-        act({Gate::hadamard, 0, targets, controls});
-    }
+    virtual void hadamard(Targets targets, Controls controls) { act({Gate::hadamard, 0, targets, controls}); }
     /// `hadamard` with the opposite sign of the exponent.
-    virtual void inverse_hadamard(std::vector<int> targets, std::vector<Predicate> controls) {
+    virtual void inverse_hadamard(Targets targets, Controls controls) {
         act({Gate::inverse_hadamard, 0, targets, controls});
     }
     /// Exchanges the dits of two qudits. @throws DifferentDimensions before any change
-    virtual void swap(int first, int second, std::vector<Predicate> controls) {
+    virtual void swap(int first, int second, Controls controls) {
         const std::array targets{first, second};
         act({Gate::swap, 0, targets, controls});
     }
     /// Levels (p, q), p != q, go to cos t (p, q) + i sin t (q, p) with t = fraction pi / 2.
     /// @throws DifferentDimensions before any change
-    virtual void i_swap(int first, int second, float fraction, std::vector<Predicate> controls) {
+    virtual void i_swap(int first, int second, float fraction, Controls controls) {
         const std::array targets{first, second};
         act({Gate::i_swap, fraction, targets, controls});
     }

@@ -99,27 +99,11 @@ private:
     std::size_t length_ = 0;  ///< of the sorted list up to now
 };
 
-/// The places that ReducedOrder gives where every sum is of `run` labels and none is dropped: from any sum on, and
-/// without a list of holes.
+/// The places that ReducedOrder gives where every sum is of `run` labels and none is dropped, without a list of holes.
 class UniformOrder {
 public:
-    UniformOrder() = default;
-    UniformOrder(std::size_t sums, std::size_t run, std::size_t first = 0) noexcept : run_(run) {
-        const std::size_t at_home = sums / run; // they stand where their runs end
-        staying_ = at_home - std::min(first, at_home);
-        place_ = std::min(first, at_home) * run + run - 1;
-        holes_left_ = sums % run;
-        if (first <= at_home) return;
-        // Backwards through the holes: the tail that is no whole run, and then one run before another.
-        std::size_t passed = first - at_home;
-        if (passed >= holes_left_) {
-            passed -= holes_left_;
-            place_ -= (passed / (run - 1) + 1) * run;
-            holes_left_ = run - 1;
-            passed %= run - 1;
-        }
-        holes_left_ -= passed;
-    }
+    UniformOrder(std::size_t sums, std::size_t run) noexcept
+        : run_(run), staying_(sums / run), place_(run - 1), holes_left_(sums % run) {}
 
     /// Calls `use(i, place)` for the next `count` sums, ascending by label.
     template <class Use> [[gnu::always_inline]] void take(std::size_t count, Use use) noexcept {

@@ -29,9 +29,9 @@ template <class Label> State<Label>::State(const std::vector<BasisAmplitudeData>
     amplitudes.resize(keep_first_nonzero(packed_view(amplitudes), false, Label::key_bits));
 }
 
-template <class Label> State<Label>::State(const EntrySource& entries) : amplitudes(entries.size()) {
+template <class Label> State<Label>::State(const EntrySource& entries) : amplitudes(entries.size) {
     entries.write(packed_view(amplitudes));
-    amplitudes.resize(keep_first_nonzero(packed_view(amplitudes), entries.known_distinct(), Label::key_bits));
+    amplitudes.resize(keep_first_nonzero(packed_view(amplitudes), entries.distinct, Label::key_bits));
 }
 
 template <class Label> std::uint64_t State<Label>::dimension() const { return Label::max_dimension; }

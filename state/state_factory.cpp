@@ -9,39 +9,12 @@ namespace {
 using Factory = StateFactory<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>;
 
 /// The size is tested before the shape, so a list that is too long is reported as such in either case.
-template <class Entries> std::unique_ptr<IState> make_checked(Factory::BasisConfig config, const Entries& entries) {
-    if (entries.size() > MAX_STATE_ENTRIES) throw StateSizeExceeded("State size exceeded maximum allowed size");
+template <class Entries>
+std::unique_ptr<IState> make_checked(Factory::BasisConfig config, std::size_t size, const Entries& entries) {
+    if (size > MAX_STATE_ENTRIES) throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
     return std::unique_ptr<IState>(Factory::make<MIN_QUDIT_DIMENSION, 1, const Entries&>(config, entries));
 }
-
-/// The entries of a state less one of its qudits, in whose slot the last one stands.
-class WithoutQudit final : public EntrySource {
-public:
-    WithoutQudit(const IState& state, int index, int last)
-        : EntrySource(state.packed_amplitudes().size()), former_(state.packed_amplitudes()),
-          layout_(SlotLayout::of(state.dimension())), index_(index), last_(last) {}
-
-    void write(std::span<PackedAmplitude> list) const noexcept override {
-        const unsigned from = layout_.position(last_);
-        const unsigned to = layout_.position(index_);
-        const std::uint64_t rest = layout_.fields_below(last_);
-        // A handle that two merges have shifted can name no slot at all; nothing is overwritten then.
-        const std::uint64_t freed = index_ >= 0 && index_ < last_ ? layout_.mask() : 0;
-        const auto without_qudit = [=](std::uint64_t word) {
-            return ((word & ~(freed << to)) | (word >> from & freed) << to) & rest;
-        };
-        std::transform(former_.begin(), former_.end(), list.begin(), [&](const PackedAmplitude& entry) {
-            return PackedAmplitude{without_qudit(entry.values), without_qudit(entry.dimensions), entry.amplitude};
-        });
-    }
-
-private:
-    PackedEntries former_;
-    SlotLayout layout_;
-    int index_;
-    int last_;
-};
 } // namespace
 
 template <int MAX_DIMENSION, int MAX_NUM> template <int D, int N, class Entries>
@@ -64,19 +37,33 @@ template <int MAX_DIMENSION, int MAX_NUM> void StateFactory<MAX_DIMENSION, MAX_N
 template <int MAX_DIMENSION, int MAX_NUM> std::unique_ptr<IState>
 StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
                                                         const std::vector<BasisAmplitudeData>& entries) {
-    return make_checked(config, entries);
+    return make_checked(config, entries.size(), entries);
 }
 
 template <int MAX_DIMENSION, int MAX_NUM> std::unique_ptr<IState>
 StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config, const EntrySource& entries) {
-    return make_checked(config, entries);
+    return make_checked(config, entries.size, entries);
 }
 
 template <int MAX_DIMENSION, int MAX_NUM>
 std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique_ptr<IState>& state, int index) {
+    const PackedEntries former = state->packed_amplitudes();
+    const SlotLayout layout = SlotLayout::of(state->dimension());
     const int last = static_cast<int>(state->num_qudits()) - 1;
-    const WithoutQudit rest(*state, index, last);
-    state = make_unique_state({state->dimension(), static_cast<std::uint64_t>(last)}, rest);
+    const unsigned from = layout.position(last);
+    const unsigned to = layout.position(index);
+    // A handle that two merges have shifted can name no slot at all; nothing is overwritten then.
+    const std::uint64_t freed = index >= 0 && index < last ? layout.mask() : 0;
+    const auto without_qudit = [&](std::uint64_t word) {
+        return ((word & ~(freed << to)) | (word >> from & freed) << to) & layout.fields_below(last);
+    };
+    const auto write = [&](std::span<PackedAmplitude> list) {
+        std::transform(former.begin(), former.end(), list.begin(), [=](const PackedAmplitude& entry) {
+            return PackedAmplitude{without_qudit(entry.values), without_qudit(entry.dimensions), entry.amplitude};
+        });
+    };
+    state = make_unique_state({state->dimension(), static_cast<std::uint64_t>(last)},
+                              EntrySource{former.size(), std::ref(write)});
     return {last, index};
 }
 
