@@ -2,9 +2,6 @@
 #pragma once
 
 #include "algorithms/lanes.hpp"
-#include <cmath>
-#include <complex>
-#include <cstdint>
 
 namespace vantel {
 /// The number with the sign of one part turned.

@@ -3,7 +3,6 @@
 
 #include "algorithms/wide_loop.hpp"
 #include <cstddef>
-#include <type_traits>
 #include <utility>
 
 namespace vantel {

@@ -3,8 +3,6 @@
 
 #include "algorithms/crossovers.hpp"
 #include <bit>
-#include <cstddef>
-#include <cstdint>
 #include <limits>
 #include <stdexcept>
 #include <vector>

@@ -40,8 +40,9 @@ inline std::complex<double> complex_of(Parts parts) noexcept { return {parts[0],
 [[gnu::always_inline]] inline Parts low_half(FourParts both) noexcept {
     return __builtin_shufflevector(both, both, 0, 1);
 }
+/// Read as it lies in memory, since with a store gcc makes one instruction of that and two of a shuffle.
 [[gnu::always_inline]] inline Parts high_half(FourParts both) noexcept {
-    return __builtin_shufflevector(both, both, 2, 3);
+    return reinterpret_cast<const StoredParts*>(&both)[1];
 }
 /// Each number with its parts exchanged.
 inline Parts exchanged(Parts number) noexcept { return __builtin_shufflevector(number, number, 1, 0); }
@@ -82,8 +83,16 @@ inline bool any_highest(Words words) noexcept {
 // For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a vector by
 // value.
 #ifdef __x86_64__
-[[gnu::target("avx2")]] inline bool any_wide(const FourWords& mask) noexcept {
-    return __builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(mask)) != 0;
+/// Whether any bit is set.
+[[gnu::target("avx2")]] inline bool any_wide(const FourWords& words) noexcept {
+    using Signed [[gnu::vector_size(32)]] = long long;
+    return __builtin_ia32_ptestz256(reinterpret_cast<const Signed&>(words), reinterpret_cast<const Signed&>(words)) ==
+           0;
+}
+/// A mask of where a or b is NaN.
+[[gnu::target("avx2")]] inline void find_nan_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept {
+    constexpr int unordered = 3;
+    mask = reinterpret_cast<FourWords>(__builtin_ia32_cmppd256(a, b, unordered));
 }
 /// Puts `chosen` where the mask is set.
 [[gnu::target("avx2")]] inline void put_wide(const FourWords& mask, const FourParts& chosen,
@@ -91,7 +100,8 @@ inline bool any_highest(Words words) noexcept {
     other = __builtin_ia32_blendvpd256(other, chosen, reinterpret_cast<const FourParts&>(mask));
 }
 #else
-bool any_wide(const FourWords& mask) noexcept;
+bool any_wide(const FourWords& words) noexcept;
+void find_nan_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept;
 void put_wide(const FourWords& mask, const FourParts& chosen, FourParts& other) noexcept;
 #endif
 

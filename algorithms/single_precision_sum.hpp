@@ -4,8 +4,6 @@
 #include "algorithms/complex_product.hpp"
 #include <array>
 #include <bit>
-#include <cstddef>
-#include <cstdint>
 
 namespace vantel {
 /// The literal form is `sum = float(double(sum) + weight)` for one weight after another, in which each addition waits

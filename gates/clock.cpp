@@ -1,9 +1,6 @@
 #include "algorithms/crossovers.hpp"
 #include "gates/kernels.hpp"
 #include "gates/rephase.hpp"
-#include <array>
-#include <cmath>
-#include <complex>
 
 namespace vantel::qudit {
 namespace {
@@ -14,52 +11,22 @@ std::complex<double> phase(std::uint64_t dimension, double steps) {
     return {std::cos(theta), std::sin(theta)};
 }
 
-/// How many steps of the clock a level stands for.
-struct WholeSteps {
-    double operator()(std::uint64_t level) const { return static_cast<double>(level); }
-};
-
-/// The product is rounded to single precision before it is widened, deliberately.
-struct FractionalSteps {
-    float fraction;
-
-    double operator()(std::uint64_t level) const { return static_cast<double>(static_cast<float>(level) * fraction); }
-};
-
-/// The phases of the levels of a dit in a call, each worked out once.
-using Phases = std::array<Doubled, 16>;
-
-template <class Steps> Phases phases_of(std::span<const PackedAmplitude> entries, unsigned position,
-                                        std::uint64_t field, std::uint64_t dimension, Steps steps) {
-    // A phase costs as much as many entries.
-    std::uint32_t occurring = ~std::uint32_t{0};
-    if (entries.size() < crossover::entries_for_all_phases) {
-        occurring = 0;
-        for (const PackedAmplitude& entry : entries)
-            occurring |= std::uint32_t{1} << ((entry.values & field) >> position);
-    }
-    Phases phases;
-    for (std::uint64_t level = 0; level <= field >> position; ++level)
-        if ((occurring >> level & 1) != 0) phases[level] = Doubled(phase(dimension, steps(level)));
-    return phases;
-}
-
-/// The phases of one target in a call.
+/// The turning of one target. @tparam Steps  steps(level) is how many steps of the clock a level stands for
 template <class Steps> struct Turning {
     Steps steps;
     unsigned position;
-    std::uint64_t levels; ///< mask of a level as a number
-    std::uint64_t field;  ///< the same in place
-    std::uint64_t top;    ///< the target's highest level in the first entry, in place
-    const Phases* phases;
+    std::uint64_t levels;  ///< mask of a level as a number
+    std::uint64_t field;   ///< the same in place
+    std::uint64_t top;     ///< the target's highest level in the first entry, in place
+    const Doubled* phases; ///< of the levels of such a target, each worked out once a call
 
-    [[nodiscard]] const Doubled& factor(const PackedAmplitude& entry) const { return (*phases)[level(entry)]; }
+    [[nodiscard]] std::uint64_t level(const PackedAmplitude& entry) const { return entry.values >> position & levels; }
+    [[nodiscard]] const Doubled& factor(const PackedAmplitude& entry) const { return phases[level(entry)]; }
     [[nodiscard]] Factor any_factor(const PackedAmplitude& entry) const {
         const std::uint64_t own_top = entry.dimensions & field;
         return own_top == top ? Factor(factor(entry).parts())
                               : Factor(phase((own_top >> position) + 1, steps(level(entry))));
     }
-    [[nodiscard]] std::uint64_t level(const PackedAmplitude& entry) const { return entry.values >> position & levels; }
 };
 
 /// Multiplies each selected amplitude by phase(d, steps(v)), target by target.
@@ -67,11 +34,19 @@ template <class Steps> void turn(std::span<PackedAmplitude> entries, SlotLayout 
     if (entries.empty()) return;
     const ControlTest controls_hold(gate.controls, layout);
     for (const int target : gate.targets) {
-        const unsigned position = layout.position(target);
+        std::array<Doubled, 16> phases;
         const std::uint64_t field = layout.field(target);
-        const std::uint64_t top = entries.front().dimensions & field;
-        const Phases phases = phases_of(entries, position, field, (top >> position) + 1, steps);
-        rephase_selected(entries, controls_hold, Turning<Steps>{steps, position, layout.mask(), field, top, &phases});
+        const Turning<Steps> turning{
+            steps, layout.position(target), layout.mask(), field, entries.front().dimensions & field, phases.data()};
+        // A phase costs as much as many entries.
+        const bool all = entries.size() >= crossover::entries_for_all_phases;
+        std::uint32_t occurring = all ? ~std::uint32_t{0} : 0;
+        for (const PackedAmplitude& entry : entries.first(all ? 0 : entries.size()))
+            occurring |= std::uint32_t{1} << turning.level(entry);
+        for (std::uint64_t level = 0; level <= turning.levels; ++level)
+            if ((occurring >> level & 1) != 0)
+                phases[level] = Doubled(phase((turning.top >> turning.position) + 1, steps(level)));
+        rephase_selected(entries, controls_hold, turning);
     }
 }
 } // namespace
@@ -80,11 +55,14 @@ template <class Steps> void turn(std::span<PackedAmplitude> entries, SlotLayout 
 
 void clock(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
     refuse_overlap(gate, "Clock operation has overlapping targets and controls");
-    turn(entries, layout, gate, WholeSteps{});
+    turn(entries, layout, gate, [](std::uint64_t level) { return static_cast<double>(level); });
 }
 
 void fractional_clock(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
     refuse_overlap(gate, "Fractional Clock operation has overlapped targets and controls");
-    turn(entries, layout, gate, FractionalSteps{gate.number});
+    // The product is rounded to single precision before it is widened, deliberately.
+    turn(entries, layout, gate, [fraction = gate.number](std::uint64_t level) {
+        return static_cast<double>(static_cast<float>(level) * fraction);
+    });
 }
 } // namespace vantel::qudit

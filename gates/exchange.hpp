@@ -3,7 +3,6 @@
 
 #include "state/dit_array.hpp"
 #include <algorithm>
-#include <cstdint>
 
 namespace vantel::qudit {
 class Exchange {

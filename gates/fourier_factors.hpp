@@ -4,8 +4,6 @@
 #include "algorithms/complex_product.hpp"
 #include <array>
 #include <bitset>
-#include <cmath>
-#include <cstdint>
 
 namespace vantel::qudit {
 /// The factors by which an amplitude goes from level v to each level k of a d-level qudit: exp(i sign 2 pi (d - k) v /

@@ -6,11 +6,6 @@
 #include "gates/fourier_factors.hpp"
 #include "state/limits.hpp"
 #include "state/reduction.hpp"
-#include <algorithm>
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <utility>
 
 namespace vantel::qudit {
 /// The d sums of a group in registers.

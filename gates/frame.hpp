@@ -3,14 +3,16 @@
 
 #include "algorithms/crossovers.hpp"
 #include "algorithms/lanes.hpp"
-#include "algorithms/wide_loop.hpp"
 #include "state/istate.hpp"
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <span>
 
 namespace vantel::qudit {
+/// What holds where there are no controls.
+struct EveryLabel {
+    template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
+        return ~(values ^ values);
+    }
+};
+
 /// The test of an entry's levels against all controls of a call, made ready once a call: the levels that must be equal
 /// are one masked comparison, and each level that a qudit must not have is one more.
 class ControlTest {
@@ -33,19 +35,23 @@ public:
     /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of mask() that
     /// has the same answers and `vectors` is the loop's tag.
     template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
+        const auto all = [this](auto values) VANTEL_INLINED { return mask(values); };
         // A few entries cost less than the way into a wide loop.
-        if (entries.size() < crossover::entries_walked_wide) return loop(entries, All{*this}, PlainVectors{});
+        if (entries.size() < crossover::entries_walked_wide) return loop(entries, all, PlainVectors{});
         const auto run = [&](auto holds) {
             wide_loop([=](auto vectors) VANTEL_INLINED { loop(entries, holds, vectors); });
         };
+        const auto equals = [fields = fields_, wanted = wanted_](auto values)
+                                VANTEL_INLINED { return equal(values & fields, wanted); };
         if (refusals_ > 1)
-            run(All{*this});
+            run(all);
         else if (refusals_ == 1)
-            run(WantedAndOneRefused{{fields_, wanted_}, refused_[0]});
+            run([equals, refused = refused_[0]](auto values)
+                    VANTEL_INLINED { return equals(values) & ~equal(values & refused.field, refused.level); });
         else if (is_empty())
-            run(Any{});
+            run(EveryLabel{});
         else
-            run(Wanted{fields_, wanted_});
+            run(equals);
     }
 
 private:
@@ -53,38 +59,6 @@ private:
     struct Refusal {
         std::uint64_t field;
         std::uint64_t level;
-    };
-
-    struct All {
-        const ControlTest& test;
-
-        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
-            return test.mask(values);
-        }
-    };
-
-    struct Any {
-        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
-            return ~(values ^ values);
-        }
-    };
-
-    struct Wanted {
-        std::uint64_t fields;
-        std::uint64_t wanted;
-
-        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
-            return equal(values & fields, wanted);
-        }
-    };
-
-    struct WantedAndOneRefused {
-        Wanted others;
-        Refusal refused;
-
-        template <class Word> [[gnu::always_inline]] Word operator()(Word values) const noexcept {
-            return others(values) & ~equal(values & refused.field, refused.level);
-        }
     };
 
     void require(unsigned position, std::int64_t level) noexcept;
@@ -96,6 +70,20 @@ private:
     unsigned refusals_ = 0;
     std::array<Refusal, 256> refused_; ///< one for each level of each position at the most
 };
+
+/// Calls four(entries, one_by_one) for each four entries in a loop of wide vectors, which can turn to one_by_one(), and
+/// one(entry) for the others.
+template <class Vectors, class Four, class One>
+[[gnu::always_inline]] inline void for_each_by_four(std::span<PackedAmplitude> entries, Vectors, Four four, One one) {
+    PackedAmplitude* entry = entries.data();
+    PackedAmplitude* const end = entry + entries.size();
+    if constexpr (std::is_same_v<Vectors, WideVectors>)
+        for (; end - entry >= 4; entry += 4)
+            four(entry, [=]() VANTEL_INLINED {
+                for (PackedAmplitude& each : std::span(entry, 4)) one(each);
+            });
+    for (; entry != end; ++entry) one(*entry);
+}
 
 /// Raises TargetControlOverlap with the gate's own text if a target stands in some control.
 void refuse_overlap(const Gate& gate, const char* text);

@@ -4,21 +4,11 @@
 #include "gates/frame.hpp"
 #include "gates/kernels.hpp"
 #include "state/reduction.hpp"
-#include <array>
-#include <cstddef>
-#include <vector>
 
 namespace vantel::qudit {
 namespace {
 std::uint64_t dimension_of(PackedEntries entries, SlotLayout layout, int target) {
     return entries.empty() ? 0 : layout.dimension(entries.front().dimensions, target);
-}
-
-/// How many entries one pass over `input` yields.
-std::size_t count_children(PackedEntries input, const ControlTest& controls_hold, std::uint64_t dimension) {
-    std::size_t count = input.size();
-    for (const PackedAmplitude& entry : input) count += controls_hold(entry.values) ? dimension - 1 : 0;
-    return count;
 }
 
 /// One pass of the gate as it is defined: each selected entry becomes one child for each level k of the target,
@@ -43,17 +33,15 @@ PackedAmplitude* branch(PackedEntries input, SlotLayout layout, int target, cons
     return output;
 }
 
-/// All passes of the gate, without reduction.
-std::vector<PackedAmplitude> branched(PackedEntries input, SlotLayout layout, std::span<const int> targets,
+/// The same into memory of its own.
+std::vector<PackedAmplitude> branched(PackedEntries input, SlotLayout layout, int target,
                                       const ControlTest& controls_hold, double sign) {
-    std::vector<PackedAmplitude> working(input.begin(), input.end());
-    for (const int target : targets) {
-        std::vector<PackedAmplitude> next(
-            count_children(working, controls_hold, dimension_of(working, layout, target)));
-        branch(working, layout, target, controls_hold, sign, next.data());
-        working.swap(next);
-    }
-    return working;
+    const auto selected = std::count_if(input.begin(), input.end(),
+                                        [&](const PackedAmplitude& entry) { return controls_hold(entry.values); });
+    const std::uint64_t dimension = dimension_of(input, layout, target);
+    std::vector<PackedAmplitude> children(input.size() + static_cast<std::size_t>(selected) * (dimension - 1));
+    branch(input, layout, target, controls_hold, sign, children.data());
+    return children;
 }
 
 void replace(EntryList& list, PackedEntries kept) {
@@ -81,15 +69,14 @@ void hadamard(EntryList& list, SlotLayout layout, const Gate& gate, double sign)
             return transform_few(list, layout, target, controls_hold, sign);
         if (transform_by_groups(list, layout, target, controls_hold, sign)) return guard_size(list.entries().size());
     }
-    std::vector<PackedAmplitude> working = branched(list.entries(), layout, gate.targets, controls_hold, sign);
+    std::vector<PackedAmplitude> working(list.entries().begin(), list.entries().end());
+    for (const int target : gate.targets) working = branched(working, layout, target, controls_hold, sign);
     replace(list, std::span(working).first(reduce_entries(working)));
     guard_size(list.entries().size());
 }
 
 void hadamard_no_reduce(PackedEntries input, SlotLayout layout, int target, std::span<const Predicate> controls,
                         double sign, EntryList& output) {
-    const ControlTest controls_hold(controls, layout);
-    output.resize(count_children(input, controls_hold, dimension_of(input, layout, target)));
-    branch(input, layout, target, controls_hold, sign, output.entries().data());
+    replace(output, branched(input, layout, target, ControlTest(controls, layout), sign));
 }
 } // namespace vantel::qudit

@@ -7,9 +7,6 @@
 #include "state/exceptions.hpp"
 #include "state/position_table.hpp"
 #include "state/reduction.hpp"
-#include <algorithm>
-#include <cmath>
-#include <vector>
 
 namespace vantel::qudit {
 namespace {
@@ -52,26 +49,25 @@ struct Copy {
 
 /// The gate together with its reduction: at most two shares meet in a label, what stays of its own entry and what
 /// crosses from its partner, and both are found by rank.
-class SharedByRank {
-public:
-    /// @param positions  by rank, and by how much a rank rises with a level of the lower target and of the higher
-    /// @param entries    copies, since the list is written over
-    SharedByRank(std::span<std::uint32_t> positions, std::uint64_t low_stride, std::uint64_t high_stride,
-                 const Copy* entries, const ControlTest& controls_hold, const Exchange& exchange, const Shares& shares)
-        : positions_(positions), stride_(high_stride - low_stride), entries_(entries), controls_hold_(controls_hold),
-          exchange_(exchange), shares_(shares) {}
+struct SharedByRank {
+    std::span<std::uint32_t> positions; ///< of copies, by rank
+    std::uint64_t stride;               ///< how far off the partner is for each level that the two qudits differ by
+    const Copy* entries;                ///< copies, since the list is written over
+    const ControlTest& controls_hold;
+    Exchange exchange;
+    Shares shares;
 
     /// Notes, for each label without an entry that a share reaches, whose share that is.
     /// @return how many there are
     [[nodiscard]] std::size_t note_reached() const {
         return wide_loop([own = *this]() VANTEL_INLINED {
             std::size_t reached = 0;
-            for (std::size_t rank = 0; rank < own.positions_.size(); ++rank) {
-                const std::uint32_t position = own.positions_[rank];
+            for (std::size_t rank = 0; rank < own.positions.size(); ++rank) {
+                const std::uint32_t position = own.positions[rank];
                 if (position == 0 || position >= of_partner) continue;
-                const std::uint64_t values = own.entries_[position - 1].values;
+                const std::uint64_t values = own.entries[position - 1].values;
                 std::uint32_t& partner = own.partner_of(rank, values);
-                if (partner != 0 || !own.controls_hold_(values)) continue;
+                if (partner != 0 || !own.controls_hold(values)) continue;
                 partner = position | of_partner;
                 ++reached;
             }
@@ -85,62 +81,54 @@ public:
     template <bool complete> [[nodiscard]] std::size_t write(std::span<PackedAmplitude> list, std::uint64_t dimensions,
                                                              std::uint32_t* holes) const {
         std::size_t kept = 0;
-        controls_hold_.walk(list, [own = *this, dimensions, holes, &kept](std::span<PackedAmplitude> written,
-                                                                          auto holds, auto) VANTEL_INLINED {
+        controls_hold.walk(list, [own = *this, dimensions, holes, &kept](std::span<PackedAmplitude> written, auto holds,
+                                                                         auto) VANTEL_INLINED {
             ReducedOrder order(written, dimensions, holes);
             std::size_t count = 0;
-            for (std::size_t rank = 0; rank < own.positions_.size(); ++rank)
+            for (std::size_t rank = 0; rank < own.positions.size(); ++rank)
                 if constexpr (complete)
                     count += own.add_complete(order, rank, holds) ? 1 : 0;
-                else if (const std::uint32_t position = own.positions_[rank]; position != 0)
+                else if (const std::uint32_t position = own.positions[rank]; position != 0)
                     count += own.add(order, rank, position, holds) ? 1 : 0;
             kept = count;
         });
         return kept;
     }
 
-private:
     /// Set in the position of a label without an entry, which is then that of the partner's.
     static constexpr std::uint32_t of_partner = std::uint32_t{1} << 31;
 
     [[nodiscard]] std::uint32_t& partner_of(std::size_t rank, std::uint64_t values) const {
-        return positions_[rank + exchange_.ahead(values) * stride_];
+        return positions[rank + exchange.ahead(values) * stride];
     }
 
     // Controls are on other qudits, so they hold for both partners or for neither.
 
     template <class Holds> [[gnu::always_inline]] bool add(ReducedOrder& order, std::size_t rank,
                                                            std::uint32_t position, const Holds& holds) const {
-        const Copy& entry = entries_[(position & ~of_partner) - 1];
+        const Copy& entry = entries[(position & ~of_partner) - 1];
         const std::uint64_t values = entry.values;
         const Parts amplitude = parts_of(entry.amplitude);
         if (position >= of_partner)
-            return order.add(values ^ exchange_.difference(values), shares_.crossing(amplitude), 1);
+            return order.add(values ^ exchange.difference(values), shares.crossing(amplitude), 1);
         const std::uint32_t partner = partner_of(rank, values);
         if (partner == position || holds(values) == 0) return order.add(values, amplitude, 1);
-        if (partner >= of_partner) return order.add(values, shares_.staying(amplitude), 1);
-        const Parts share = shares_.crossing(parts_of(entries_[partner - 1].amplitude));
-        return order.add(values, shares_.staying(amplitude) + share, 2);
+        if (partner >= of_partner) return order.add(values, shares.staying(amplitude), 1);
+        const Parts share = shares.crossing(parts_of(entries[partner - 1].amplitude));
+        return order.add(values, shares.staying(amplitude) + share, 2);
     }
 
     /// The same without a branch on what an entry is.
     template <class Holds>
     [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank, const Holds& holds) const {
-        const std::uint64_t values = entries_[rank].values;
-        const std::uint64_t ahead = exchange_.ahead(values);
+        const std::uint64_t values = entries[rank].values;
+        const std::uint64_t ahead = exchange.ahead(values);
         const std::uint64_t shared = ~equal(ahead, 0) & holds(values);
-        const Parts amplitude = parts_of(entries_[rank].amplitude);
-        const Parts met = shares_.staying.unrecovered(amplitude) +
-                          shares_.crossing.unrecovered(parts_of(entries_[rank + ahead * stride_].amplitude));
+        const Parts amplitude = parts_of(entries[rank].amplitude);
+        const Parts met = shares.staying.unrecovered(amplitude) +
+                          shares.crossing.unrecovered(parts_of(entries[rank + ahead * stride].amplitude));
         return order.add(values, select(shared, met, amplitude), 1 + (shared & 1));
     }
-
-    std::span<std::uint32_t> positions_;
-    std::uint64_t stride_; ///< how far off the partner is for each level that the two qudits differ by
-    const Copy* entries_;
-    const ControlTest& controls_hold_;
-    Exchange exchange_;
-    Shares shares_;
 };
 
 /// @return whether it did; where not, the list stands, and the gate as it is defined is to serve
@@ -165,8 +153,8 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
             copies[copied] = {entry.values, entry.amplitude};
             position = ++copied;
         }
-    const SharedByRank shared(table.positions(), table.rank()(layout.one_level(low)),
-                              table.rank()(layout.one_level(high)), copies, controls_hold, exchange, shares);
+    const std::uint64_t stride = table.rank()(layout.one_level(high)) - table.rank()(layout.one_level(low));
+    const SharedByRank shared{table.positions(), stride, copies, controls_hold, exchange, shares};
     const std::uint64_t dimensions = entries.front().dimensions;
     const std::size_t reached = table.is_complete() ? 0 : shared.note_reached();
     std::uint32_t* const holes = scratch.take<std::uint32_t>(size + reached + 1);

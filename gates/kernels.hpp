@@ -3,8 +3,6 @@
 
 #include "state/entries.hpp"
 #include "state/istate.hpp"
-#include <span>
-#include <vector>
 
 namespace vantel::qudit {
 // These leave a list as long as it is.

@@ -1,7 +1,5 @@
 #include "gates/kernels.hpp"
 #include "gates/rephase.hpp"
-#include <cmath>
-#include <complex>
 
 namespace vantel::qudit {
 namespace {

@@ -2,8 +2,6 @@
 #pragma once
 
 #include "gates/frame.hpp"
-#include <span>
-#include <type_traits>
 
 namespace vantel::qudit {
 /// Gives all selected entries new labels. The selection follows no pattern that a processor could predict, so no branch
@@ -14,26 +12,20 @@ namespace vantel::qudit {
 template <class Relabelling>
 void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold, Relabelling gate) {
     controls_hold.walk(entries, [gate](std::span<PackedAmplitude> walked, auto holds, auto vectors) VANTEL_INLINED {
-        const auto relabel = [=](PackedAmplitude& entry) VANTEL_INLINED {
+        const auto four = [=](PackedAmplitude* entry, auto one_by_one) VANTEL_INLINED {
+            const FourRecords labels(entry);
+            if (any_highest(gate.is_irregular(labels.first, labels.second))) [[unlikely]]
+                return one_by_one();
+            const FourWords values = gate(labels.first, labels.second, holds(labels.first));
+            for (int i = 0; i < 4; ++i) entry[i].values = values[i];
+        };
+        for_each_by_four(walked, vectors, four, [=](PackedAmplitude& entry) VANTEL_INLINED {
             if (any_highest(gate.is_irregular(entry.values, entry.dimensions))) [[unlikely]] {
                 if (holds(entry.values) != 0) gate.one(entry);
-                return;
+            } else {
+                entry.values = gate(entry.values, entry.dimensions, holds(entry.values));
             }
-            entry.values = gate(entry.values, entry.dimensions, holds(entry.values));
-        };
-        PackedAmplitude* entry = walked.data();
-        PackedAmplitude* const end = entry + walked.size();
-        if constexpr (std::is_same_v<decltype(vectors), WideVectors>)
-            for (; end - entry >= 4; entry += 4) {
-                const FourRecords labels(entry);
-                if (any_highest(gate.is_irregular(labels.first, labels.second))) [[unlikely]] {
-                    for (PackedAmplitude& each : std::span(entry, 4)) relabel(each);
-                    continue;
-                }
-                const FourWords values = gate(labels.first, labels.second, holds(labels.first));
-                for (int i = 0; i < 4; ++i) entry[i].values = values[i];
-            }
-        for (; entry != end; ++entry) relabel(*entry);
+        });
     });
 }
 } // namespace vantel::qudit

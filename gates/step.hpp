@@ -3,8 +3,6 @@
 
 #include "gates/frame.hpp"
 #include "gates/relabel.hpp"
-#include <cstdint>
-#include <span>
 
 namespace vantel::qudit {
 /// The new label of a selected entry, one level on, with wrap-around by the dimension that the entry's own label gives

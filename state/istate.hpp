@@ -2,12 +2,6 @@
 #pragma once
 
 #include "state/entries.hpp"
-#include <array>
-#include <complex>
-#include <cstddef>
-#include <cstdint>
-#include <span>
-#include <vector>
 
 namespace vantel::qudit {
 /// One control condition, by qudit index. A list of them is joined by AND; an empty list always holds.

@@ -2,7 +2,6 @@
 #include "algorithms/gathered_bits.hpp"
 #include "algorithms/radix_sort.hpp"
 #include <algorithm>
-#include <bit>
 #include <numeric>
 
 namespace vantel::qudit {

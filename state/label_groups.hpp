@@ -3,9 +3,6 @@
 
 #include "algorithms/scratch.hpp"
 #include "state/entries.hpp"
-#include <cstddef>
-#include <cstdint>
-#include <span>
 
 namespace vantel::qudit {
 /// For lists whose labels lie too far apart for a table: groups are found by sorting.

@@ -3,10 +3,7 @@
 #include "algorithms/crossovers.hpp"
 #include "algorithms/radix_sort.hpp"
 #include "algorithms/two_ended_partition.hpp"
-#include <algorithm>
-#include <cstddef>
 #include <new>
-#include <vector>
 
 namespace vantel::qudit {
 namespace {

@@ -4,10 +4,6 @@
 #include "algorithms/lanes.hpp"
 #include "state/entries.hpp"
 #include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <span>
 
 namespace vantel::qudit {
 /// 2^-23, compared in double.

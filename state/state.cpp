@@ -2,8 +2,6 @@
 #include "state/state.hpp"
 #include "state/builds.hpp"
 #include "state/distinct_labels.hpp"
-#include <cstddef>
-#include <span>
 
 namespace vantel::qudit {
 namespace {

@@ -3,9 +3,6 @@
 
 #include "state/entries.hpp"
 #include "state/istate.hpp"
-#include <complex>
-#include <cstdint>
-#include <vector>
 
 namespace vantel::qudit {
 /// A joint state whose labels are `Label`, a DitArray<D, N>. What it does stands in kernels that are compiled once; its

@@ -1,7 +1,6 @@
 #include "state/state_factory.hpp"
 #include "state/state.hpp"
 #include <algorithm>
-#include <stdexcept>
 #include <string>
 
 namespace vantel::qudit {

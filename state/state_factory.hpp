@@ -5,10 +5,8 @@
 #include "state/exceptions.hpp"
 #include "state/istate.hpp"
 #include "state/limits.hpp"
-#include <cstdint>
 #include <memory>
 #include <utility>
-#include <vector>
 
 namespace vantel::qudit {
 template <int MAX_DIMENSION, int MAX_NUM> class StateFactory {
