@@ -20,11 +20,9 @@ add_library(vantel_objects OBJECT
     property/joint_state.cpp
     property/operations.cpp
     readout/density_matrix.cpp
-    readout/draw.cpp
     readout/matrix_by_rank.cpp
     readout/measure.cpp
     readout/outcomes.cpp
-    readout/partners.cpp
     readout/probabilities.cpp
     state/distinct_labels.cpp
     state/dit_array.cpp
