@@ -16,18 +16,13 @@ add_library(vantel_objects OBJECT
     gates/swap.cpp
     interface/frame.cpp
     interface/gates.cpp
-    interface/quantum_property.cpp
     interface/readouts.cpp
-    property/gates.cpp
-    property/merge.cpp
-    property/readouts.cpp
-    property/release.cpp
+    property/joint_state.cpp
+    property/operations.cpp
     readout/density_matrix.cpp
-    readout/draw.cpp
     readout/matrix_by_rank.cpp
     readout/measure.cpp
     readout/outcomes.cpp
-    readout/partners.cpp
     readout/probabilities.cpp
     state/distinct_labels.cpp
     state/dit_array.cpp

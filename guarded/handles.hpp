@@ -2,8 +2,7 @@
 /// two have changed name each live handle once, so that a merge raises none twice.
 #pragma once
 
-#include "interface/quantum_property.hpp"
-#include "property/merge.hpp"
+#include "property/operations.hpp"
 
 namespace vantel::guarded {
 /// Takes the handle's qudit out of its joint state and deletes the handle.

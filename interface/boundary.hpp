@@ -4,12 +4,9 @@
 #include "interface/quantum_property.hpp"
 #include "interface/vantel.h"
 #include "state/exceptions.hpp"
-#include <cstddef>
 #include <iostream>
 #include <limits>
 #include <new>
-#include <stdexcept>
-#include <vector>
 
 namespace vantel {
 /// The status code of an exception class.
@@ -23,15 +20,12 @@ template <> inline constexpr int status_of<qudit::StateSizeExceeded> = vantel_st
 /// Runs the body of an exported function. There is one handler for each class that the function lists, and none for
 /// anything else: whatever is not listed passes out untouched. The lists differ from function to function on purpose.
 /// @return vantel_ok, or the code of the failure that was handled, whose text then stands on std::cerr
-template <class... Handled> struct Translate;
-
-template <> struct Translate<> {
+template <class... Handled> struct Translate {
     template <class Body> static int run(Body body) {
         body();
         return vantel_ok;
     }
 };
-
 template <class First, class... Rest> struct Translate<First, Rest...> {
     template <class Body> static int run(Body body) {
         try {

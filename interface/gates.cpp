@@ -10,11 +10,6 @@ using AnySwapFailure =
     vantel::Translate<TargetControlOverlap, DifferentDimensions, BadDimension, BadQuditNumber, StateSizeExceeded>;
 using AnyISwapFailure = vantel::Translate<TargetControlOverlap, DifferentDimensions, BadQuditNumber, StateSizeExceeded>;
 
-namespace {
-/// The fraction that stands for the whole gate; only this very number selects the integer form.
-constexpr float whole = 1.0F;
-} // namespace
-
 int vantel_hadamard(QuantumProperty* target, const PredicateRecord* predicates, size_t predicate_count) {
     return OverlapOrSize::run([&] { vantel::hadamard(*target, conditions(predicates, predicate_count)); });
 }
@@ -24,30 +19,15 @@ int vantel_inverse_hadamard(QuantumProperty* target, const PredicateRecord* pred
 }
 
 int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
-    return OverlapOrSize::run([&] {
-        if (fraction == whole)
-            vantel::cycle(*target, conditions(predicates, predicate_count));
-        else
-            vantel::cycle(*target, fraction, conditions(predicates, predicate_count));
-    });
+    return OverlapOrSize::run([&] { vantel::cycle(*target, fraction, conditions(predicates, predicate_count)); });
 }
 
 int vantel_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
-    return OverlapOrSize::run([&] {
-        if (fraction == whole)
-            vantel::shift(*target, conditions(predicates, predicate_count));
-        else
-            vantel::shift(*target, fraction, conditions(predicates, predicate_count));
-    });
+    return OverlapOrSize::run([&] { vantel::shift(*target, fraction, conditions(predicates, predicate_count)); });
 }
 
 int vantel_clock(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
-    return OverlapOrSize::run([&] {
-        if (fraction == whole)
-            vantel::clock(*target, conditions(predicates, predicate_count));
-        else
-            vantel::clock(*target, fraction, conditions(predicates, predicate_count));
-    });
+    return OverlapOrSize::run([&] { vantel::clock(*target, fraction, conditions(predicates, predicate_count)); });
 }
 
 int vantel_phase_rotate(const PredicateRecord* predicates, size_t predicate_count, float angle) {

@@ -4,9 +4,7 @@
 #include "algorithms/short_list.hpp"
 #include "state/istate.hpp"
 #include "state/limits.hpp"
-#include <cstddef>
 #include <memory>
-#include <utility>
 
 namespace vantel {
 /// A handle to one qudit. `SharedState::properties` stores its address, so it never moves: it is built in the storage
@@ -26,7 +24,9 @@ struct QuantumProperty {
     QuantumProperty(const QuantumProperty&) = delete;
     QuantumProperty& operator=(const QuantumProperty&) = delete;
 
-    /// Takes the qudit out of its joint state if other qudits remain there. A failure ends the process.
+    /// Takes the qudit out of its joint state, unless it is the last one there, and renumbers the handle of the qudit
+    /// that moves into its place. No level is measured and no amplitude changes; entries that differed in this qudit
+    /// alone become one, the first stored. A failure ends the process.
     ~QuantumProperty();
 
     std::shared_ptr<SharedState> shared_state; ///< one for all handles of a joint state
@@ -35,9 +35,8 @@ struct QuantumProperty {
 
 /// One joint state and the handles of its qudits.
 struct QuantumProperty::SharedState {
-    SharedState(std::unique_ptr<qudit::IState> of_all, QuantumProperty* only)
-        : state(std::move(of_all)), properties(1) {
-        properties[0] = only;
+    SharedState(std::unique_ptr<qudit::IState> of_all, QuantumProperty* only) : state(std::move(of_all)) {
+        properties.push_back(only);
     }
 
     std::unique_ptr<qudit::IState> state;

@@ -1,8 +1,6 @@
 #include "interface/boundary.hpp"
 #include "property/operations.hpp"
 #include <algorithm>
-#include <span>
-#include <stdexcept>
 #include <string>
 
 using namespace vantel::qudit;
@@ -13,11 +11,12 @@ using vantel::listed;
 using ReadoutFailure = vantel::Translate<BadDimension, BadQuditNumber>;
 
 namespace {
-/// Reports a table whose size does not fit 32 bits, and raises the same text.
-void refuse_overflow(const ValuePermutations& permutations) {
-    if (permutations.size() == static_cast<std::uint64_t>(permutations.wrapped_size())) return;
-    const std::string text = "permutations.size(): " + std::to_string(permutations.size()) +
-                             " != output_size: " + std::to_string(permutations.wrapped_size());
+/// Reports a table whose size does not fit 32 bits, where it wraps, and raises the same text.
+void refuse_overflow(std::uint64_t permutations) {
+    const auto wrapped = static_cast<std::int32_t>(permutations);
+    if (permutations == static_cast<std::uint64_t>(wrapped)) return;
+    const std::string text =
+        "permutations.size(): " + std::to_string(permutations) + " != output_size: " + std::to_string(wrapped);
     std::cerr << text << '\n';
     throw std::runtime_error(text);
 }
@@ -71,7 +70,7 @@ int vantel_probabilities(QuantumProperty** properties, size_t property_count, Pr
     ProbabilityTable table;
     const int status = ReadoutFailure::run([&] { table = vantel::probabilities(listed(properties, property_count)); });
     if (status != vantel_ok) return status;
-    refuse_overflow(table.permutations());
+    refuse_overflow(table.permutations().size());
     table.for_each([next = records](int first, std::span<const int> levels, double probability) mutable {
         write_levels(first, levels, next->qudit_values);
         (next++)->probability = static_cast<float>(probability);

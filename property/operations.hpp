@@ -3,21 +3,31 @@
 #pragma once
 
 #include "interface/quantum_property.hpp"
-#include "property/merge.hpp"
 #include "readout/density_matrix.hpp"
 #include "readout/probabilities.hpp"
-#include <vector>
 
 namespace vantel {
-// Gates: as the IState operation of the name, with its exceptions and those of a merge.
+using Properties = std::span<QuantumProperty* const>;
+using Predicates = std::span<const QuantumProperty::Predicate>;
+
+/// Merges b's joint state into a's: the tensor product replaces a's state, and the indices of b's handles rise by a's
+/// qudit count. Handles of one joint state merge for nothing.
+/// @return the joint state that holds both, owned by its SharedState
+/// @throws qudit::StateSizeExceeded, qudit::BadQuditNumber, std::bad_alloc; nothing has changed then
+qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b);
+/// Merges all listed properties, and then those of the predicates, into the first one's joint state, in order. Where a
+/// merge fails, those before it stand.
+/// @return the joint state; null where nothing is listed
+/// @throws as the pair form
+qudit::IState* tensor_state(Properties properties, Predicates predicates = {});
+
+// Gates: as the IState operation of the name, with its exceptions and those of a merge. A fraction of exactly 1, and of
+// no other number, stands for the form without one.
 
 void hadamard(QuantumProperty& target, Predicates predicates);
 void inverse_hadamard(QuantumProperty& target, Predicates predicates);
-void cycle(QuantumProperty& target, Predicates predicates);
 void cycle(QuantumProperty& target, float fraction, Predicates predicates);
-void shift(QuantumProperty& target, Predicates predicates);
 void shift(QuantumProperty& target, float fraction, Predicates predicates);
-void clock(QuantumProperty& target, Predicates predicates);
 void clock(QuantumProperty& target, float fraction, Predicates predicates);
 /// Without predicates there is no joint state to act on: nothing is done.
 void phase_rotate(Predicates predicates, float angle);

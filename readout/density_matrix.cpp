@@ -4,19 +4,84 @@
 #include "algorithms/gathered_bits.hpp"
 #include "algorithms/key_index.hpp"
 #include "algorithms/wide_loop.hpp"
-#include "readout/matrix_by_rank.hpp"
 #include "readout/outcomes.hpp"
-#include "readout/partners.hpp"
 #include "state/builds.hpp"
+#include "state/label_groups.hpp"
 #include "state/level_rank.hpp"
 #include "state/state.hpp"
 #include <algorithm>
-#include <bit>
-#include <span>
-#include <stdexcept>
 
 namespace vantel::qudit {
 namespace {
+/// The positions of the entries that share their levels in some fields with others, and of a few that are alone there
+/// but have the hash of another.
+std::vector<std::uint32_t> crowded_positions(PackedEntries entries, std::uint64_t fields) {
+    constexpr std::uint64_t spacious = 8; // places an entry at the least
+    const auto shift = 63 - static_cast<unsigned>(std::bit_width(spacious * std::max<std::size_t>(entries.size(), 8)));
+    // Two bits for each hash: whether any entry has it, and whether more than one.
+    const auto place_of = [=](std::uint64_t values) VANTEL_INLINED {
+        constexpr std::uint64_t golden = 0x9E3779B97F4A7C15U; // 2^64 over the golden ratio
+        return (values & fields) * golden >> shift & ~std::uint64_t{1};
+    };
+    std::vector<std::uint64_t> all_bits((std::uint64_t{1} << (64 - shift)) / 64);
+    wide_loop([=, bits = all_bits.data()]() VANTEL_INLINED {
+        for (const PackedAmplitude& entry : entries) {
+            const std::uint64_t place = place_of(entry.values);
+            std::uint64_t& word = bits[place / 64];
+            const std::uint64_t once = std::uint64_t{1} << place % 64;
+            word |= (word & once) + once; // which carries into the bit above if there was one before
+        }
+    });
+    std::vector<std::uint32_t> positions(entries.size());
+    positions.resize(wide_loop([=, bits = all_bits.data(), begin = positions.data()]() VANTEL_INLINED {
+        std::uint32_t* end = begin;
+        std::uint32_t position = 0;
+        for (const PackedAmplitude& entry : entries) {
+            const std::uint64_t place = place_of(entry.values);
+            *end = position++; // no branch depends on the hash: what is not crowded is overwritten
+            end += bits[place / 64] >> place % 64 >> 1 & 1;
+        }
+        return static_cast<std::size_t>(end - begin);
+    }));
+    return positions;
+}
+
+/// The entries that pair with each: those with the same levels in the traced fields, itself included, in stored order.
+/// Only such pairs contribute.
+class Partners {
+public:
+    /// @param entries  fewer than 2^32
+    Partners(PackedEntries entries, std::uint64_t traced) : group_of_(entries.size(), alone), begins_{0} {
+        const std::vector<std::uint32_t> positions = crowded_positions(entries, traced);
+        std::vector<PackedAmplitude> crowded(positions.size());
+        for (std::size_t i = 0; i < crowded.size(); ++i) crowded[i] = entries[positions[i]];
+        members_.reserve(crowded.size());
+        Scratch scratch;
+        LabelGroups(crowded, traced, scratch).for_each([&](std::span<const std::uint32_t> group) {
+            if (group.size() == 1) return;
+            for (const std::uint32_t member : group) {
+                members_.push_back(positions[member]);
+                group_of_[positions[member]] = static_cast<std::uint32_t>(begins_.size());
+            }
+            begins_.push_back(static_cast<std::uint32_t>(members_.size()));
+        });
+    }
+
+    /// Calls `visit(partner)` for each partner of an entry.
+    template <class Visit> [[gnu::always_inline]] void for_each_of(std::uint32_t entry, Visit visit) const {
+        const std::uint32_t group = group_of_[entry];
+        if (group == alone) return visit(entry);
+        for (std::uint32_t i = begins_[group - 1]; i < begins_[group]; ++i) visit(members_[i]);
+    }
+
+private:
+    static constexpr std::uint32_t alone = 0;
+
+    std::vector<std::uint32_t> group_of_; ///< of each entry, counted from 1
+    std::vector<std::uint32_t> begins_;   ///< of each group's members, and where the last group ends
+    std::vector<std::uint32_t> members_;  ///< of all groups of more than one
+};
+
 /// A number for each entry's levels in some fields.
 struct Numbering {
     std::vector<std::uint32_t> of; ///< of each entry
@@ -25,9 +90,8 @@ struct Numbering {
     Numbering(PackedEntries entries, std::uint64_t fields) : of(entries.size()) {
         const GatheredBits levels(fields);
         if (levels.bits() <= 8) { // levels so few that they are numbers themselves
-            std::transform(entries.begin(), entries.end(), of.begin(), [&](const PackedAmplitude& entry) {
-                return static_cast<std::uint32_t>(levels(entry.values));
-            });
+            for (std::size_t i = 0; i < entries.size(); ++i)
+                of[i] = static_cast<std::uint32_t>(levels(entries[i].values));
             size = std::size_t{1} << levels.bits();
             return;
         }
@@ -39,23 +103,20 @@ struct Numbering {
     }
 };
 
-/// DensityMatrixEntry with its levels still packed: the words of the first two entries that reach it, of which only the
-/// kept qudits' fields mean anything.
-struct PackedElement {
-    std::uint64_t row_values;
-    std::uint64_t column_values;
-    std::complex<double> element;
-};
-
-/// The sum over all pairs of entries that agree in the traced fields of a times the conjugate of b, one for each pair
-/// of levels in the kept fields, in first-seen order.
-std::vector<PackedElement> elements_of(PackedEntries entries, std::uint64_t kept_fields, std::uint64_t traced_fields) {
-    const Numbering kept(entries, kept_fields);
-    const Partners partners(entries, traced_fields);
+/// The sum over all pairs of entries that agree in the fields of the qudits not listed of a times the conjugate of b,
+/// one for each pair of levels of those listed, in first-seen order. Rows and columns are the words of levels of the
+/// first two entries that reach them.
+std::vector<DensityMatrix::Reached> elements_of(PackedEntries entries, SlotLayout layout, std::span<const int> listed,
+                                                std::uint64_t qudit_count) {
+    if (entries.size() > std::numeric_limits<std::uint32_t>::max()) // positions are noted in 32 bits
+        throw std::length_error("too many basis states for a density matrix");
+    const std::uint64_t fields = layout.fields(listed);
+    const Numbering kept(entries, fields);
+    const Partners partners(entries, layout.fields_below(static_cast<int>(qudit_count)) & ~fields);
     const auto bits = static_cast<unsigned>(std::bit_width(kept.size * kept.size));
     return with_key_index(bits, entries.size(), [&](auto& seen) {
         return wide_loop([&, entries]() VANTEL_INLINED {
-            std::vector<PackedElement> elements;
+            std::vector<DensityMatrix::Reached> elements;
             for (std::uint32_t a = 0; a < entries.size(); ++a) {
                 const Factor amplitude(entries[a].amplitude);
                 partners.for_each_of(a, [&](std::uint32_t b) VANTEL_INLINED {
@@ -71,44 +132,29 @@ std::vector<PackedElement> elements_of(PackedEntries entries, std::uint64_t kept
         });
     });
 }
-
-/// Positions are noted in 32 bits.
-void refuse_too_many(PackedEntries entries) {
-    if (entries.size() > std::numeric_limits<std::uint32_t>::max())
-        throw std::length_error("too many basis states for a density matrix");
-}
 } // namespace
 
 DensityMatrix::DensityMatrix(const IState& state, const std::vector<int>& qudits, const ValuePermutations& permutations)
     : side_(permutations.size()) {
     const PackedEntries entries = state.packed_amplitudes();
     if (entries.empty() || side_ == 0) return;
-    refuse_too_many(entries);
     const SlotLayout layout = SlotLayout::of(state.dimension());
     if (side_ <= crossover::matrix_rows_by_rank && crossover::is_close_to(entries.size(), side_ * side_)) {
-        all_ = matrix_by_rank(entries, layout, qudits, permutations.dimensions(), side_);
+        all_ = by_rank(entries, layout, qudits, permutations);
         if (!all_.empty()) return;
     }
     const LevelRank rank(layout, qudits, permutations.dimensions(), entries.size());
-    const std::uint64_t kept = layout.fields(qudits);
-    const std::uint64_t all = layout.fields_below(static_cast<int>(state.num_qudits()));
-    for (const PackedElement& element : elements_of(entries, kept, all & ~kept)) {
-        const std::uint64_t row = rank(element.row_values);
-        const std::uint64_t column = rank(element.column_values);
-        if (row < side_ && column < side_) some_.push_back({row, column, element.element});
-    }
+    some_ = elements_of(entries, layout, qudits, state.num_qudits());
+    for (Reached& reached : some_) reached = {rank(reached.row), rank(reached.column), reached.element};
+    std::erase_if(some_, [this](const Reached& reached) { return std::max(reached.row, reached.column) >= side_; });
 }
 
 template <class Label>
 std::vector<DensityMatrixEntry> State<Label>::reduced_density_matrix(std::vector<int> qudits) const {
-    const PackedEntries entries = packed_view(amplitudes);
-    refuse_too_many(entries);
-    const std::uint64_t kept = Label::layout.fields(qudits);
-    const std::uint64_t traced = Label::layout.fields_below(Label::qudit_count) & ~kept;
     std::vector<DensityMatrixEntry> matrix;
-    for (const PackedElement& element : elements_of(entries, kept, traced))
-        matrix.push_back({levels_of(Label::layout, element.row_values, qudits),
-                          levels_of(Label::layout, element.column_values, qudits), element.element});
+    for (const auto& [row, column, element] :
+         elements_of(packed_view(amplitudes), Label::layout, qudits, Label::qudit_count))
+        matrix.push_back({levels_of(Label::layout, row, qudits), levels_of(Label::layout, column, qudits), element});
     return matrix;
 }
 

@@ -3,11 +3,6 @@
 
 #include "readout/value_permutations.hpp"
 #include "state/istate.hpp"
-#include <complex>
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <vector>
 
 namespace vantel::qudit {
 /// The elements of IState::reduced_density_matrix by row and column, each a combination of levels.
@@ -31,12 +26,20 @@ public:
                 write(reached.row * side_ + reached.column, reached.element);
     }
 
-private:
+    /// An element by row and column, be it their ranks or labels that show their levels.
     struct Reached {
         std::uint64_t row;
         std::uint64_t column;
         std::complex<double> element;
     };
+
+private:
+    /// The elements row by row, by way of a table of all labels; none where no such table can be made, or the qudits
+    /// have other dimensions by now.
+    /// @param entries  at least one
+    static std::vector<std::complex<double>> by_rank(PackedEntries entries, SlotLayout layout,
+                                                     const std::vector<int>& qudits,
+                                                     const ValuePermutations& permutations);
 
     std::uint64_t side_ = 0;
     std::vector<std::complex<double>> all_; ///< row by row; or empty

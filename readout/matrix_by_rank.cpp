@@ -1,12 +1,9 @@
-#include "readout/matrix_by_rank.hpp"
 #include "algorithms/complex_product.hpp"
 #include "algorithms/constant_count.hpp"
 #include "algorithms/crossovers.hpp"
-#include "algorithms/wide_loop.hpp"
+#include "readout/density_matrix.hpp"
 #include "state/position_table.hpp"
 #include <algorithm>
-#include <cmath>
-#include <memory>
 
 namespace vantel::qudit {
 namespace {
@@ -15,13 +12,16 @@ using Matrix = std::vector<std::complex<double>>;
 /// A list in the order of its table. Groups, which are the entries that differ in the listed qudits alone, are
 /// neighbours there, with the columns in order.
 struct Ranked {
-    std::unique_ptr<Parts[]> amplitudes;    ///< by rank, and one place more
-    std::unique_ptr<std::uint32_t[]> ranks; ///< in stored order
+    std::size_t size;     ///< of the list
+    std::uint32_t side;   ///< of the matrix, and the size of a group
+    Parts* amplitudes;    ///< by rank, and one place more
+    std::uint32_t* ranks; ///< in stored order
 
-    Ranked(PackedEntries entries, const PositionTable& table)
-        : amplitudes(new Parts[table.size() + 1]), ranks(new std::uint32_t[entries.size()]) {
+    Ranked(PackedEntries entries, const PositionTable& table, std::uint64_t side_of_matrix, Scratch& scratch)
+        : size(entries.size()), side(static_cast<std::uint32_t>(side_of_matrix)),
+          amplitudes(scratch.take<Parts>(table.size() + 1)), ranks(scratch.take<std::uint32_t>(size)) {
         table.rank().cheapest([&](auto rank_of) {
-            wide_loop([=, by_rank = amplitudes.get(), next = ranks.get()]() VANTEL_INLINED {
+            wide_loop([=, by_rank = amplitudes, next = ranks]() VANTEL_INLINED {
                 for (std::size_t i = 0; i < entries.size(); ++i) {
                     next[i] = static_cast<std::uint32_t>(rank_of(entries[i].values));
                     by_rank[next[i]] = parts_of(entries[i].amplitude);
@@ -67,14 +67,13 @@ private:
 
 constexpr std::size_t most_columns = 10; // whose sums are in registers
 
-void add_few_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::size_t side) {
-    with_constant<1, crossover::matrix_rows_at_hand>(side, [&](auto rows) {
-        wide_loop([=, amplitudes = list.amplitudes.get(), ranks = list.ranks.get(),
-                   elements = matrix.data()](auto vectors) VANTEL_INLINED {
+void add_few_rows(Matrix& matrix, const Ranked& list) {
+    with_constant<1, crossover::matrix_rows_at_hand>(list.side, [&](auto rows) {
+        wide_loop([=, elements = matrix.data()](auto vectors) VANTEL_INLINED {
             RowSums<rows, decltype(vectors)> sums[rows];
-            for (std::size_t i = 0; i < size; ++i) {
-                const std::uint32_t row = ranks[i] % std::uint32_t{rows};
-                sums[row].add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row]);
+            for (std::size_t i = 0; i < list.size; ++i) {
+                const std::uint32_t row = list.ranks[i] % std::uint32_t{rows};
+                sums[row].add(list.amplitudes[list.ranks[i]], &list.amplitudes[list.ranks[i] - row]);
             }
             for (std::size_t row = 0; row < rows; ++row) sums[row].write(elements + row * rows);
         });
@@ -82,38 +81,37 @@ void add_few_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::siz
 }
 
 /// Row by row: the sums of a row are those of its entries in stored order.
-void add_many_rows(Matrix& matrix, const Ranked& list, std::size_t size, std::size_t side) {
-    const std::size_t groups = size / side;
-    const std::unique_ptr<std::uint32_t[]> by_row(new std::uint32_t[size]);
-    std::vector<std::uint32_t*> ends(side);
-    for (std::size_t row = 0; row < side; ++row) ends[row] = by_row.get() + row * groups;
-    for (std::size_t i = 0; i < size; ++i) *ends[list.ranks[i] % static_cast<std::uint32_t>(side)]++ = list.ranks[i];
-    wide_loop([=, ranks = by_row.get(), amplitudes = list.amplitudes.get(),
+void add_many_rows(Matrix& matrix, const Ranked& list, Scratch& scratch) {
+    const std::size_t groups = list.size / list.side;
+    std::uint32_t* const by_row = scratch.take<std::uint32_t>(list.size);
+    std::vector<std::uint32_t*> ends(list.side);
+    for (std::size_t row = 0; row < list.side; ++row) ends[row] = by_row + row * groups;
+    for (std::size_t i = 0; i < list.size; ++i) *ends[list.ranks[i] % list.side]++ = list.ranks[i];
+    wide_loop([=, side = std::size_t{list.side}, amplitudes = list.amplitudes,
                elements = matrix.data()](auto vectors) VANTEL_INLINED {
         for (std::size_t row = 0; row < side; ++row)
             for (std::size_t first = 0; first < side; first += most_columns)
                 with_constant<1, most_columns>(std::min(most_columns, side - first), [=](auto columns) VANTEL_INLINED {
                     RowSums<columns, decltype(vectors)> sums;
                     for (std::size_t i = row * groups; i < (row + 1) * groups; ++i)
-                        sums.add(amplitudes[ranks[i]], &amplitudes[ranks[i] - row + first]);
+                        sums.add(amplitudes[by_row[i]], &amplitudes[by_row[i] - row + first]);
                     sums.write(&elements[row * side + first]);
                 });
     });
 }
 
 /// The same for any list, with the product of the standard where `recovering`.
-template <bool recovering>
-void add_any(Matrix& matrix, const Ranked& list, const PositionTable& table, std::size_t size, std::size_t side) {
+template <bool recovering> void add_any(Matrix& matrix, const Ranked& list, const PositionTable& table) {
     std::vector<unsigned char> reached(matrix.size(), 0);
-    wide_loop([=, ranks = list.ranks.get(), amplitudes = list.amplitudes.get(), positions = table.positions().data(),
-               sums = matrix.data(), flags = reached.data()]() VANTEL_INLINED {
-        for (std::size_t i = 0; i < size; ++i) {
-            const std::uint32_t row = ranks[i] % static_cast<std::uint32_t>(side);
-            const Factor factor(amplitudes[ranks[i]]);
-            std::size_t place = row * side;
-            for (std::size_t partner = ranks[i] - row; partner < ranks[i] - row + side; ++partner, ++place) {
+    wide_loop([=, positions = table.positions().data(), sums = matrix.data(), flags = reached.data()]() VANTEL_INLINED {
+        for (std::size_t i = 0; i < list.size; ++i) {
+            const std::uint32_t row = list.ranks[i] % list.side;
+            const std::size_t group = list.ranks[i] - row;
+            const Factor factor(list.amplitudes[list.ranks[i]]);
+            std::size_t place = std::size_t{row} * list.side;
+            for (std::size_t partner = group; partner < group + list.side; ++partner, ++place) {
                 if (positions[partner] == 0) continue;
-                const Parts number = conjugate(amplitudes[partner]);
+                const Parts number = conjugate(list.amplitudes[partner]);
                 const Parts product = recovering ? factor(number) : factor.unrecovered(number);
                 store(flags[place] != 0 ? parts_of(sums[place]) + product : product, sums[place]);
                 flags[place] = 1;
@@ -121,36 +119,31 @@ void add_any(Matrix& matrix, const Ranked& list, const PositionTable& table, std
         }
     });
 }
-
-bool has_nan(const Matrix& matrix) {
-    return std::any_of(matrix.begin(), matrix.end(), [](const std::complex<double>& element) {
-        return std::isnan(element.real()) || std::isnan(element.imag());
-    });
-}
 } // namespace
 
-Matrix matrix_by_rank(PackedEntries entries, SlotLayout layout, std::span<const int> qudits,
-                      std::span<const std::uint64_t> dimensions, std::size_t side) {
+Matrix DensityMatrix::by_rank(PackedEntries entries, SlotLayout layout, const std::vector<int>& qudits,
+                              const ValuePermutations& permutations) {
     const Survey survey(entries);
     if (!survey.same_dimensions) return {};
     for (std::size_t i = 0; i < qudits.size(); ++i)
-        if (layout.dimension(entries.front().dimensions, qudits[i]) != dimensions[i]) return {};
+        if (layout.dimension(entries.front().dimensions, qudits[i]) != permutations.dimensions()[i]) return {};
     PositionTable table(entries, layout, qudits, survey.varying());
     Scratch scratch;
     if (!table.is_close() || !table.fill(entries, scratch)) return {};
 
-    const Ranked list(entries, table);
-    Matrix matrix(side * side);
+    const Ranked list(entries, table, permutations.size(), scratch);
+    Matrix matrix(permutations.size() * permutations.size());
     if (!table.is_complete())
-        add_any<false>(matrix, list, table, entries.size(), side);
-    else if (side <= crossover::matrix_rows_at_hand)
-        add_few_rows(matrix, list, entries.size(), side);
+        add_any<false>(matrix, list, table);
+    else if (list.side <= crossover::matrix_rows_at_hand)
+        add_few_rows(matrix, list);
     else
-        add_many_rows(matrix, list, entries.size(), side);
+        add_many_rows(matrix, list, scratch);
     // A product with an infinity to recover leaves NaN.
-    if (has_nan(matrix)) {
+    const auto is_nan = [](const auto& element) { return std::isnan(element.real()) || std::isnan(element.imag()); };
+    if (std::any_of(matrix.begin(), matrix.end(), is_nan)) {
         std::fill(matrix.begin(), matrix.end(), std::complex<double>());
-        add_any<true>(matrix, list, table, entries.size(), side);
+        add_any<true>(matrix, list, table);
     }
     return matrix;
 }

@@ -1,18 +1,39 @@
+#include "algorithms/first_words.hpp"
 #include "algorithms/gathered_bits.hpp"
 #include "algorithms/single_precision_sum.hpp"
 #include "algorithms/two_ended_partition.hpp"
-#include "algorithms/wide_loop.hpp"
-#include "readout/draw.hpp"
 #include "readout/outcomes.hpp"
 #include "readout/weights.hpp"
 #include "state/builds.hpp"
 #include "state/state.hpp"
-#include <algorithm>
-#include <array>
-#include <cmath>
 
 namespace vantel::qudit {
 namespace {
+/// Draws one outcome in proportion to its weight, with one word of the system's randomness. This is written out and not
+/// left to std::discrete_distribution, whose choice at an exact tie of the number with a running sum differs between
+/// standard libraries.
+/// @param outcomes  at least one
+/// @throws what the system's random source raises when it cannot be opened or read
+const PackedOutcome& drawn_of(std::span<const PackedOutcome> outcomes) {
+    // The weights pass through single precision; deliberately.
+    const auto weight_of = [](const PackedOutcome& outcome) {
+        return static_cast<double>(static_cast<float>(outcome.probability));
+    };
+    double sum = 0.0;
+    for (const PackedOutcome& outcome : outcomes) sum += weight_of(outcome);
+
+    std::random_device device("/dev/urandom");
+    const auto [low, high] = first_words<2>(device());
+    const double number = (static_cast<double>(high) * 0x1p32 + static_cast<double>(low)) * 0x1p-64;
+
+    double running = 0.0;
+    for (const PackedOutcome& outcome : outcomes.first(outcomes.size() - 1)) {
+        running += weight_of(outcome) / sum;
+        if (running > number) return outcome;
+    }
+    return outcomes.back();
+}
+
 [[gnu::always_inline]] inline float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
     SinglePrecisionSum sum;
     std::array<double, SinglePrecisionSum::block> weights;
@@ -63,8 +84,8 @@ template <class Label> std::vector<int> State<Label>::measure(std::vector<int> q
     if (amplitudes.empty()) return std::vector<int>(qudits.size(), 0);
     const std::span<PackedAmplitude> entries = packed_view(amplitudes);
     const std::uint64_t listed = known_fields(Label::layout, qudits, Label::qudit_count);
-    const auto [outcomes, numbers] = numbered_outcomes_of(entries, listed);
-    const std::uint64_t drawn = outcomes[draw_outcome(outcomes)].values;
+    OutcomeNumbers numbers;
+    const std::uint64_t drawn = drawn_of(outcomes_of(entries, listed, &numbers)).values;
     std::vector<int> levels = levels_of(Label::layout, drawn, qudits);
     const std::size_t kept = project(entries, listed, drawn, numbers);
     renormalise(entries.first(kept));

@@ -3,12 +3,9 @@
 #include "algorithms/key_index.hpp"
 #include "readout/weights.hpp"
 #include <algorithm>
-#include <cmath>
 
 namespace vantel::qudit {
 namespace {
-constexpr auto unnoted = [](std::size_t) {};
-
 /// Outcomes that are so few in kind that each has a place from the beginning.
 template <class Weight, class Note> std::vector<PackedOutcome> few_outcomes(PackedEntries entries, std::uint64_t listed,
                                                                             const GatheredBits& number_of, Note note) {
@@ -26,49 +23,47 @@ template <class Weight, class Note> std::vector<PackedOutcome> few_outcomes(Pack
             }
             return number;
         };
-        sum_up<Weight>(
-            entries, listed, place_of, [sums = sums.data()](std::size_t place) -> double& { return sums[place]; },
-            note);
+        sum_up<Weight>(entries, listed, place_of, sums.data(), note);
     });
     for (PackedOutcome& outcome : outcomes) outcome.probability = sums[number_of(outcome.values)];
     return outcomes;
 }
 
-template <class Weight> std::vector<PackedOutcome> outcomes_by(PackedEntries entries, std::uint64_t listed) {
-    const GatheredBits key_of(listed);
-    if (key_of.bits() <= OutcomeNumbers::bits) return few_outcomes<Weight>(entries, listed, key_of, unnoted);
-    return with_key_index(key_of.bits(), entries.size(), [&](auto& seen) {
-        std::vector<PackedOutcome> outcomes;
-        const auto place_of = [&](std::uint64_t values) {
+template <class Weight>
+std::vector<PackedOutcome> many_outcomes(PackedEntries entries, std::uint64_t listed, const GatheredBits& key_of) {
+    const auto sums = std::make_unique_for_overwrite<double[]>(entries.size());
+    std::vector<PackedOutcome> outcomes;
+    outcomes.reserve(entries.size());
+    with_key_index(key_of.bits(), entries.size(), [&](auto& seen) {
+        const auto place_of = [&, sums = sums.get()](std::uint64_t values) {
             const std::size_t place = seen.find_or_add(key_of(values));
-            if (place == outcomes.size()) outcomes.push_back({values, 0.0});
+            if (place == outcomes.size()) {
+                outcomes.push_back({values, 0.0});
+                sums[place] = 0.0;
+            }
             return place;
         };
-        sum_up<Weight>(
-            entries, listed, place_of,
-            [&outcomes](std::size_t place) -> double& { return outcomes[place].probability; }, unnoted);
-        return outcomes;
+        sum_up<Weight>(entries, listed, place_of, sums.get());
     });
-}
-
-bool any_is_nan(const std::vector<PackedOutcome>& outcomes) {
-    return std::any_of(outcomes.begin(), outcomes.end(),
-                       [](const PackedOutcome& outcome) { return std::isnan(outcome.probability); });
-}
-} // namespace
-
-std::vector<PackedOutcome> outcomes_of(PackedEntries entries, std::uint64_t listed) {
-    std::vector<PackedOutcome> outcomes = outcomes_by<PlainSquare>(entries, listed);
-    if (any_is_nan(outcomes)) outcomes = outcomes_by<SquaredModulus>(entries, listed);
+    for (std::size_t i = 0; i < outcomes.size(); ++i) outcomes[i].probability = sums[i];
     return outcomes;
 }
 
-NumberedOutcomes numbered_outcomes_of(PackedEntries entries, std::uint64_t listed) {
+template <class Weight>
+std::vector<PackedOutcome> outcomes_by(PackedEntries entries, std::uint64_t listed, OutcomeNumbers* numbers) {
     const GatheredBits number_of(listed);
-    if (number_of.bits() > OutcomeNumbers::bits) return {outcomes_of(entries, listed), {}};
-    NumberedOutcomes numbered{{}, OutcomeNumbers(entries.size())};
-    numbered.outcomes = few_outcomes<PlainSquare>(entries, listed, number_of, numbered.numbers.noting());
-    if (any_is_nan(numbered.outcomes)) numbered.outcomes = outcomes_by<SquaredModulus>(entries, listed);
-    return numbered;
+    if (number_of.bits() > OutcomeNumbers::bits) return many_outcomes<Weight>(entries, listed, number_of);
+    if (numbers == nullptr) return few_outcomes<Weight>(entries, listed, number_of, unnoted);
+    *numbers = OutcomeNumbers(entries.size());
+    return few_outcomes<Weight>(entries, listed, number_of, numbers->noting());
+}
+} // namespace
+
+std::vector<PackedOutcome> outcomes_of(PackedEntries entries, std::uint64_t listed, OutcomeNumbers* numbers) {
+    std::vector<PackedOutcome> outcomes = outcomes_by<PlainSquare>(entries, listed, numbers);
+    const auto is_nan = [](const PackedOutcome& outcome) { return std::isnan(outcome.probability); };
+    if (std::any_of(outcomes.begin(), outcomes.end(), is_nan))
+        outcomes = outcomes_by<SquaredModulus>(entries, listed, nullptr);
+    return outcomes;
 }
 } // namespace vantel::qudit

@@ -5,10 +5,7 @@
 #include "state/entries.hpp"
 #include <array>
 #include <bit>
-#include <cstddef>
-#include <cstdint>
 #include <memory>
-#include <vector>
 
 namespace vantel::qudit {
 /// QuditsProbability with its levels still packed: `values` is the level word of the first entry that shows the
@@ -21,7 +18,7 @@ struct PackedOutcome {
 /// A byte for each entry, so that whoever looks for the entries of one outcome need not read them all again.
 class OutcomeNumbers {
 public:
-    static constexpr unsigned bits = 8; ///< of a number
+    static constexpr int bits = 8; ///< of a number
 
     OutcomeNumbers() = default;
     explicit OutcomeNumbers(std::size_t entries)
@@ -65,15 +62,9 @@ private:
 };
 
 /// What IState::probabilities reports of the listed fields, its levels still packed.
-std::vector<PackedOutcome> outcomes_of(PackedEntries entries, std::uint64_t listed);
-
-struct NumberedOutcomes {
-    std::vector<PackedOutcome> outcomes;
-    OutcomeNumbers numbers; ///< GatheredBits of the listed fields; none where these have too many bits
-};
-
-/// The same, with the outcomes' numbers where they have so few kinds.
-NumberedOutcomes numbered_outcomes_of(PackedEntries entries, std::uint64_t listed);
+/// @param numbers  if not null, is given the outcome of each entry, by GatheredBits of the listed fields, where these
+///                 have so few bits
+std::vector<PackedOutcome> outcomes_of(PackedEntries entries, std::uint64_t listed, OutcomeNumbers* numbers = nullptr);
 
 /// The fields of listed qudits, each of which is one of `qudit_count`. @throws what refuse_index raises
 inline std::uint64_t known_fields(SlotLayout layout, std::span<const int> qudits, int qudit_count) {

@@ -6,8 +6,6 @@
 #include "state/level_rank.hpp"
 #include "state/state.hpp"
 #include <algorithm>
-#include <cmath>
-#include <utility>
 
 namespace vantel::qudit {
 namespace {
@@ -16,10 +14,10 @@ std::vector<double> sums_by_rank(PackedEntries entries, std::uint64_t listed, co
     // Labels with a level beyond its dimension share one more place, which is dropped.
     std::vector<double> sums(rank.size() + 1, 0.0);
     rank.cheapest([&](auto rank_of) {
-        sum_up<Weight>(
-            entries, listed,
-            [rank_of, beyond = rank.size()](std::uint64_t values) { return std::min(rank_of(values), beyond); },
-            [sums = sums.data()](std::size_t place) -> double& { return sums[place]; }, [](std::size_t) {});
+        const auto place_of = [rank_of, beyond = rank.size()](std::uint64_t values) {
+            return std::min(rank_of(values), beyond);
+        };
+        sum_up<Weight>(entries, listed, place_of, sums.data());
     });
     sums.pop_back();
     return sums;

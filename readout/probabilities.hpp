@@ -3,9 +3,6 @@
 
 #include "readout/value_permutations.hpp"
 #include "state/istate.hpp"
-#include <cstdint>
-#include <span>
-#include <vector>
 
 namespace vantel::qudit {
 /// The sums of IState::probabilities for every combination of levels, whether an entry shows it or not. Where the

@@ -1,7 +1,6 @@
 /// The order of every table that a caller gets: all combinations of levels of a list of qudits.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -17,8 +16,7 @@ public:
     /// @param dimensions  of each listed qudit; a qudit of an empty joint state has no levels, and an empty list no
     ///                    combinations
     /// @throws std::length_error where there are 2^64 combinations or more
-    ValuePermutations() : ValuePermutations(std::vector<std::uint64_t>()) {}
-    explicit ValuePermutations(std::vector<std::uint64_t> dimensions)
+    explicit ValuePermutations(std::vector<std::uint64_t> dimensions = {})
         : dimensions_(std::move(dimensions)), size_(dimensions_.empty() ? 0 : 1) {
         for (const std::uint64_t dimension : dimensions_) {
             if (size_ > std::numeric_limits<std::uint64_t>::max() / (dimension | 1))
@@ -28,10 +26,6 @@ public:
     }
 
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
-
-    /// The product of the dimensions as 32-bit arithmetic leaves it, wrapped where it overflows.
-    [[nodiscard]] std::int32_t wrapped_size() const noexcept { return static_cast<std::int32_t>(size_); }
-
     /// Of each listed qudit.
     [[nodiscard]] const std::vector<std::uint64_t>& dimensions() const noexcept { return dimensions_; }
 

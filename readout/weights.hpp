@@ -2,12 +2,8 @@
 #pragma once
 
 #include "algorithms/lanes.hpp"
-#include "algorithms/wide_loop.hpp"
 #include "state/entries.hpp"
 #include <array>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -34,13 +30,8 @@ struct PlainSquare {
     void operator()(const PackedAmplitude* entries, std::array<double, count>& weights) const noexcept {
         static_assert(count % 4 == 0);
         for (std::size_t i = 0; i < count; i += 4) {
-            const FourParts even = joined(parts_of(entries[i].amplitude), parts_of(entries[i + 2].amplitude));
-            const FourParts uneven = joined(parts_of(entries[i + 1].amplitude), parts_of(entries[i + 3].amplitude));
-            const FourParts even_squares = even * even;
-            const FourParts uneven_squares = uneven * uneven;
-            *reinterpret_cast<StoredFourParts*>(&weights[i]) =
-                __builtin_shufflevector(even_squares, uneven_squares, 0, 4, 2, 6) +
-                __builtin_shufflevector(even_squares, uneven_squares, 1, 5, 3, 7);
+            const FourRecords four(&entries[i]);
+            *reinterpret_cast<StoredFourParts*>(&weights[i]) = four.real * four.real + four.imaginary * four.imaginary;
         }
     }
 };
@@ -63,22 +54,20 @@ inline bool is_mixed(PackedEntries entries, std::uint64_t listed) {
 }
 
 /// Adds weight after weight to sums in memory.
-template <class Weight, class PlaceOf, class SumAt, class Note>
-[[gnu::always_inline]] inline void sum_up_each(PackedEntries entries, PlaceOf place_of, SumAt sum_at, Note note) {
-    const Weight weight;
+template <class Weight, class PlaceOf, class Note>
+[[gnu::always_inline]] inline void sum_up_each(PackedEntries entries, PlaceOf place_of, double* sums, Note note) {
 #pragma GCC unroll 4
     for (const PackedAmplitude& entry : entries) {
         const std::size_t place = place_of(entry.values);
-        sum_at(place) += weight(entry.amplitude);
+        sums[place] += Weight{}(entry.amplitude);
         note(place);
     }
 }
 
 /// The same where most entries show one of the two outcomes that were met last: their sums stay in registers, since a
 /// sum in memory has to come back from its last store before it can be added to.
-template <class Weight, class PlaceOf, class SumAt, class Note> [[gnu::always_inline]] inline void
-sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed, PlaceOf place_of, SumAt sum_at, Note note) {
-    const Weight weight;
+template <class Weight, class PlaceOf, class Note> [[gnu::always_inline]] inline void
+sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed, PlaceOf place_of, double* sums, Note note) {
     const PackedAmplitude* entry = entries.data();
     const PackedAmplitude* const end = entry + entries.size();
     if (entry == end) return;
@@ -89,16 +78,16 @@ sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed, PlaceOf place_of
     };
     const auto take = [&](const PackedAmplitude& first) VANTEL_INLINED {
         const std::size_t place = place_of(first.values);
-        return AtHand{first.values & listed, place, sum_at(place)};
+        return AtHand{first.values & listed, place, sums[place]};
     };
     // Adds a run of entries that show one outcome, for which another may have to go. Returns whether there are more.
     const auto add_run = [&](AtHand& hand) VANTEL_INLINED {
         if ((entry->values & listed) != hand.shown) {
-            sum_at(hand.place) = hand.sum;
+            sums[hand.place] = hand.sum;
             hand = take(*entry);
         }
         do {
-            hand.sum += weight((entry++)->amplitude);
+            hand.sum += Weight{}((entry++)->amplitude);
             note(hand.place);
         } while (entry != end && (entry->values & listed) == hand.shown);
         return entry != end;
@@ -107,19 +96,20 @@ sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed, PlaceOf place_of
     AtHand other = one; // until the first run of another outcome, and then stored before it could do harm
     while (add_run(one) && add_run(other)) {
     }
-    sum_at(other.place) = other.sum;
-    sum_at(one.place) = one.sum;
+    sums[other.place] = other.sum;
+    sums[one.place] = one.sum;
 }
 
-/// Sums up the weights of the entries in stored order.
+constexpr auto unnoted = [](std::size_t) {};
+
+/// Adds the weights of the entries, in stored order, to the sums at their places.
 /// @param place_of  place_of(values) depends on the listed fields alone, so not every entry is asked for it
-/// @param sum_at    sum_at(place) is the sum up to now
 /// @param note      note(place) is given the place of each entry, one after another
-template <class Weight, class PlaceOf, class SumAt, class Note>
-void sum_up(PackedEntries entries, std::uint64_t listed, PlaceOf place_of, SumAt sum_at, Note note) {
+template <class Weight, class PlaceOf, class Note = decltype(unnoted)>
+void sum_up(PackedEntries entries, std::uint64_t listed, PlaceOf place_of, double* sums, Note note = unnoted) {
     if (is_mixed(entries, listed))
-        wide_loop([=]() VANTEL_INLINED { sum_up_each<Weight>(entries, place_of, sum_at, note); });
+        wide_loop([=]() VANTEL_INLINED { sum_up_each<Weight>(entries, place_of, sums, note); });
     else
-        wide_loop([=]() VANTEL_INLINED { sum_up_two_at_hand<Weight>(entries, listed, place_of, sum_at, note); });
+        wide_loop([=]() VANTEL_INLINED { sum_up_two_at_hand<Weight>(entries, listed, place_of, sums, note); });
 }
 } // namespace vantel::qudit
