@@ -60,7 +60,7 @@ public:
         unrolled<d>([&](auto level) VANTEL_INLINED {
             members_[full ? decltype(level)() : count_] =
                 (row[level] - 1) << level_bits | static_cast<std::uint32_t>(level);
-            count_ += row[level] != 0 ? 1 : 0;
+            if constexpr (!full) count_ += row[level] != 0 ? 1 : 0;
         });
         // Two summands have one sum in either order.
         if constexpr (!full)

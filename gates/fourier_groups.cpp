@@ -31,7 +31,7 @@ public:
         if (controls_hold_ != nullptr && !(*controls_hold_)(values))
             keep(group, row, sums);
         else
-            sums_.kept += transform<Vectors>(members, sums) ? d : recover(members, sums);
+            sums_.kept += transform<Vectors>(members, sums) ? d : recover(entries_, rows_, row, sums, sums_.stride);
         sums_.same_run &= group.run != 0 && group.run == sums_.groups[0].run;
     }
 
@@ -52,22 +52,29 @@ private:
         return of_group.store(sums, sums_.stride);
     }
 
-    /// Sums in which an infinity could be recovered take the standard's product throughout.
+    // This object is not handed over below, so that it stays in registers.
+
+    /// Looks at each sum of a group: one in which an infinity could be recovered takes the standard's product
+    /// throughout.
     /// @return how many stay
-    [[gnu::noinline]] std::size_t recover(Members members, Parts* sums) const {
+    [[gnu::noinline]] static std::size_t recover(const PackedAmplitude* entries, const FourierFactors::Row* rows,
+                                                 const std::uint32_t* row, Parts* sums, std::size_t stride) {
         std::size_t kept = 0;
-        for (std::uint64_t k = 0; k < d; ++k) {
-            Parts& sum = sums[k * sums_.stride];
-            if (is_lost(sum)) {
-                const auto child = [&](std::size_t i) {
-                    return rows_[members.level(i)][k](amplitude(members.position(i)));
-                };
-                sum = child(0);
-                for (std::size_t i = 1; i < members.size(); ++i) sum += child(i);
-            }
-            kept += exceeds_threshold(sum) ? 1 : 0;
+        for (std::uint64_t k = 0; k < d; ++k, sums += stride) {
+            if (is_lost(*sums)) [[unlikely]]
+                *sums = recovered(entries, rows, Members(row), k);
+            kept += exceeds_threshold(*sums) ? 1 : 0;
         }
         return kept;
+    }
+    static Parts recovered(const PackedAmplitude* entries, const FourierFactors::Row* rows, Members members,
+                           std::uint64_t k) {
+        const auto child = [&](std::size_t i) {
+            return rows[members.level(i)][k](parts_of(entries[members.position(i)].amplitude));
+        };
+        Parts sum = child(0);
+        for (std::size_t i = 1; i < members.size(); ++i) sum += child(i);
+        return sum;
     }
 
     /// A group that the controls leave out: each entry is a sum of its own.

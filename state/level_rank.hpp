@@ -5,36 +5,40 @@
 #include "state/dit_array.hpp"
 
 namespace vantel::qudit {
-/// Numbers the combinations of some qudits' levels, the qudit that was added first varying fastest. Several fields of a
-/// word are ranked at once, by looking them up in tables that are filled first.
+/// Numbers the combinations of some qudits' levels, the first qudit varying fastest. Several fields of a
+/// word are ranked at once, by looking them up in tables that a call fills first.
 class LevelRank {
 public:
-    /// @param labels  about as many labels will be ranked, so the tables stay smaller than that
-    LevelRank(SlotLayout layout, std::size_t labels) noexcept : layout_(layout), bits_(layout.bits) {
+    /// @param labels           about as many labels will be ranked, so the tables stay smaller than that
+    /// @param for_each_qudit   for_each_qudit(add) calls add(qudit, dimension) for each, which may be one more than
+    /// once
+    /// @throws std::bad_alloc
+    template <class ForEach> LevelRank(SlotLayout layout, std::size_t labels, ForEach for_each_qudit)
+        : bits_(layout.bits) {
         while (bits_ + layout.bits <= 12 && std::size_t{16} << (bits_ + layout.bits) <= labels) bits_ += layout.bits;
+        std::array<Field, 64> fields{};
+        for_each_qudit([&](int qudit, std::uint64_t dimension) {
+            const unsigned position = layout.position(qudit);
+            Field& field = fields[position];
+            if (field.dimension == 0) note_chunk(position / bits_ * bits_);
+            field = {field.dimension == 0 ? dimension : std::min(field.dimension, dimension), field.stride + size_};
+            size_ *= dimension;
+        });
+        tables_.grow(count_ << bits_, 0);
+        for (unsigned i = 0; i < count_; ++i) {
+            chunks_[i].ranks = &tables_[std::size_t{i} << bits_];
+            fill(std::span(&tables_[std::size_t{i} << bits_], std::size_t{1} << bits_), layout.bits,
+                 &fields[chunks_[i].shift]);
+        }
     }
-    /// The same, and adds the qudits. @throws std::bad_alloc
     LevelRank(SlotLayout layout, std::span<const int> qudits, std::span<const std::uint64_t> dimensions,
               std::size_t labels)
-        : LevelRank(layout, labels) {
-        for (std::size_t i = 0; i < qudits.size(); ++i) add(qudits[i], dimensions[i]);
-    }
+        : LevelRank(layout, labels, [&](auto add) {
+              for (std::size_t i = 0; i < qudits.size(); ++i) add(qudits[i], dimensions[i]);
+          }) {}
 
     LevelRank(const LevelRank&) = delete; // chunks point into the tables
     LevelRank& operator=(const LevelRank&) = delete;
-
-    /// Adds a qudit, which may have been added before. @throws std::bad_alloc
-    void add(int qudit, std::uint64_t dimension) {
-        const unsigned position = layout_.position(qudit);
-        const unsigned chunk = chunk_at(position / bits_ * bits_);
-        const std::span<std::uint64_t> ranks(&tables_[std::size_t{chunk} << bits_], std::size_t{1} << bits_);
-        const std::size_t one_level = std::size_t{1} << (position - chunks_[chunk].shift);
-        for (std::size_t fields = 0; fields < ranks.size(); ++fields) {
-            const std::uint64_t level = fields / one_level & layout_.mask();
-            ranks[fields] = std::min(ranks[fields] + (level < dimension ? level * size_ : none), none);
-        }
-        size_ *= dimension;
-    }
 
     /// How many combinations there are.
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
@@ -68,17 +72,31 @@ private:
         std::uint64_t operator()(std::uint64_t values) const noexcept { return ranks[values >> shift & mask]; }
     };
 
-    /// The number of the chunk that begins at a bit, a new one if there is none.
-    unsigned chunk_at(unsigned shift) {
+    struct Field {
+        std::uint64_t dimension; ///< the least that it was given; 0 of a qudit that is not ranked
+        std::uint64_t stride;    ///< by how much the rank rises with each level
+    };
+
+    void note_chunk(unsigned shift) noexcept {
         for (unsigned i = 0; i < count_; ++i)
-            if (chunks_[i].shift == shift) return i;
-        tables_.grow((count_ + std::size_t{1}) << bits_, 0);
-        chunks_[count_] = {nothing, shift, (std::uint64_t{1} << bits_) - 1};
-        for (unsigned i = 0; i <= count_; ++i) chunks_[i].ranks = &tables_[std::size_t{i} << bits_];
-        return count_++;
+            if (chunks_[i].shift == shift) return;
+        chunks_[count_++] = {nothing, shift, (std::uint64_t{1} << bits_) - 1};
     }
 
-    SlotLayout layout_;
+    /// Field by field: with a level of the next one, ranks are those without it and so much more.
+    static void fill(std::span<std::uint64_t> ranks, unsigned bits, const Field* fields) noexcept {
+        for (unsigned position = 0; std::size_t{1} << position < ranks.size(); position += bits) {
+            const std::size_t below = std::size_t{1} << position;
+            const Field& field = fields[position];
+            for (std::size_t i = below; i < below << bits; ++i) {
+                const std::uint64_t level = i >> position;
+                const std::uint64_t added =
+                    field.dimension == 0 || level < field.dimension ? level * field.stride : none;
+                ranks[i] = std::min(ranks[i & (below - 1)] + added, none);
+            }
+        }
+    }
+
     unsigned bits_; ///< of a chunk, a whole number of fields
     unsigned count_ = 0;
     std::uint64_t size_ = 1;

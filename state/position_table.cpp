@@ -25,12 +25,12 @@ Survey::Survey(PackedEntries entries) noexcept {
 
 PositionTable::PositionTable(PackedEntries entries, SlotLayout layout, std::span<const int> first,
                              std::uint64_t varying)
-    : entries_(entries.size()), rank_(layout, entries.size()) {
-    const auto add = [&](int qudit) { rank_.add(qudit, layout.dimension(entries.front().dimensions, qudit)); };
-    for (const int qudit : first) add(qudit);
-    for (int qudit = 0; qudit < MAX_QUDIT_NUM; ++qudit)
-        if ((varying & ~layout.fields(first) & layout.field(qudit)) != 0) add(qudit);
-}
+    : entries_(entries.size()), rank_(layout, entries.size(), [&](auto add_ranked) {
+          const auto add = [&](int qudit) { add_ranked(qudit, layout.dimension(entries.front().dimensions, qudit)); };
+          for (const int qudit : first) add(qudit);
+          for (int qudit = 0; qudit < MAX_QUDIT_NUM; ++qudit)
+              if ((varying & ~layout.fields(first) & layout.field(qudit)) != 0) add(qudit);
+      }) {}
 
 bool PositionTable::is_close() const noexcept {
     return rank_.size() <= crossover::places_an_entry * entries_ && rank_.size() >> 31 == 0;
