@@ -24,9 +24,8 @@ public:
     [[nodiscard]] constexpr unsigned bits() const noexcept { return bits_; }
 
     [[nodiscard]] constexpr std::uint64_t operator()(std::uint64_t word) const noexcept {
-        // One or two runs are the common case; where there is no run, its mask is empty.
-        std::uint64_t key = (word & runs_[0].mask) >> runs_[0].shift | (word & runs_[1].mask) >> runs_[1].shift;
-        for (unsigned run = 2; run < count_; ++run) key |= (word & runs_[run].mask) >> runs_[run].shift;
+        std::uint64_t key = 0;
+        for (unsigned run = 0; run < count_; ++run) key |= (word & runs_[run].mask) >> runs_[run].shift;
         return key;
     }
 

@@ -13,7 +13,6 @@ namespace vantel {
 class DirectKeyIndex {
 public:
     explicit DirectKeyIndex(std::size_t key_space) : slots_(key_space, 0) {}
-
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
     /// The key's number; equal to the former size() if it is new.

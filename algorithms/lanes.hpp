@@ -136,10 +136,7 @@ struct FourRecords {
 
     [[gnu::always_inline]] explicit FourRecords(const void* records) noexcept {
         const StoredFourWords* const record = static_cast<const StoredFourWords*>(records);
-        const FourWords a = record[0];
-        const FourWords b = record[1];
-        const FourWords c = record[2];
-        const FourWords d = record[3];
+        const FourWords a = record[0], b = record[1], c = record[2], d = record[3];
         const FourWords even = __builtin_shufflevector(a, c, 0, 1, 4, 5);
         const FourWords uneven = __builtin_shufflevector(b, d, 0, 1, 4, 5);
         first = __builtin_shufflevector(even, uneven, 0, 4, 2, 6);

@@ -17,11 +17,9 @@ public:
     /// A list of elements that are still to be written.
     /// @throws std::length_error for a size beyond all memory; std::bad_alloc
     explicit ShortList(std::size_t size) : size_(size), many_(size > few ? size : 0) {}
-
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
     [[nodiscard]] T* data() noexcept { return size_ > few ? many_.data() : few_.data(); }
     [[nodiscard]] const T* data() const noexcept { return size_ > few ? many_.data() : few_.data(); }
-
     T* begin() noexcept { return data(); }
     T* end() noexcept { return data() + size_; }
     [[nodiscard]] const T* begin() const noexcept { return data(); }

@@ -52,11 +52,9 @@ template <class Loop> [[gnu::noinline]] auto in_plain_vectors(Loop loop) { retur
 #endif
 
 /// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor turns out
-/// to have them. What is written differently for wide vectors is chosen by the tag that a loop may have as its
-/// parameter.
-///
-/// A loop is a VANTEL_INLINED lambda that captures by value: then no store that it makes can be thought to change what
-/// it reads, and every compiler puts all of it into both forms.
+/// to have them. What is written differently for wide vectors is chosen by the tag that a loop may take. A loop is a
+/// VANTEL_INLINED lambda that captures by value: then no store that it makes can be thought to change what it reads,
+/// and every compiler puts all of it into both forms.
 /// @return what the loop returns
 template <class Loop> auto wide_loop(const Loop& loop) {
 #if defined(__x86_64__) && !defined(__AVX2__)

@@ -1,7 +1,6 @@
 # The library: one set of objects for the shared library and for the unit tests.
 
 add_library(vantel_objects OBJECT
-    algorithms/radix_sort.cpp
     gates/act.cpp
     gates/clock.cpp
     gates/cycle.cpp
@@ -24,10 +23,8 @@ add_library(vantel_objects OBJECT
     readout/measure.cpp
     readout/outcomes.cpp
     readout/probabilities.cpp
-    state/distinct_labels.cpp
     state/dit_array.cpp
     state/exceptions.cpp
-    state/label_groups.cpp
     state/position_table.cpp
     state/reduction.cpp
     state/state.cpp

@@ -28,8 +28,7 @@ template <class Label> void State<Label>::act(const Gate& gate) {
 }
 
 template <class Label> void State<Label>::reduce(std::vector<Entry>& list) noexcept {
-    const std::size_t kept = reduce_entries(packed_view(list));
-    list.erase(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end());
+    list.resize(reduce_entries(packed_view(list)));
 }
 
 template <class Label> auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int target,

@@ -24,7 +24,7 @@ template <class Steps> struct Turning {
     [[nodiscard]] const Doubled& factor(const PackedAmplitude& entry) const { return phases[level(entry)]; }
     [[nodiscard]] Factor any_factor(const PackedAmplitude& entry) const {
         const std::uint64_t own_top = entry.dimensions & field;
-        return own_top == top ? Factor(factor(entry).parts())
+        return own_top == top ? factor_of(factor(entry))
                               : Factor(phase((own_top >> position) + 1, steps(level(entry))));
     }
 };
@@ -45,7 +45,7 @@ template <class Steps> void turn(std::span<PackedAmplitude> entries, SlotLayout 
             occurring |= std::uint32_t{1} << turning.level(entry);
         for (std::uint64_t level = 0; level <= turning.levels; ++level)
             if ((occurring >> level & 1) != 0)
-                phases[level] = Doubled(phase((turning.top >> turning.position) + 1, steps(level)));
+                phases[level] = doubled(phase((turning.top >> turning.position) + 1, steps(level)));
         rephase_selected(entries, controls_hold, turning);
     }
 }

@@ -1,7 +1,8 @@
-/// The exchange of two qudits' fields in a packed word, which `swap` and `i_swap` share.
+/// The exchange of two qudits, which `swap` and `i_swap` share.
 #pragma once
 
-#include "state/dit_array.hpp"
+#include "algorithms/lanes.hpp"
+#include "state/entries.hpp"
 #include <algorithm>
 
 namespace vantel::qudit {
@@ -21,6 +22,21 @@ public:
     template <class Word> [[nodiscard, gnu::always_inline]] Word difference(Word word) const noexcept {
         const Word low = (word ^ word >> distance_) & (mask_ << low_);
         return low | low << distance_;
+    }
+
+    /// The new label of a selected entry, for one or for four.
+    template <class Word>
+    [[gnu::always_inline]] Word operator()(Word values, Word /*dimensions*/, Word selected) const noexcept {
+        return values ^ (difference(values) & selected);
+    }
+    /// Dimensions differ only in a label whose own ones are not those of the first entry.
+    template <class Word>
+    [[nodiscard, gnu::always_inline]] Word is_irregular(Word /*values*/, Word dimensions) const noexcept {
+        return -difference(dimensions);
+    }
+    void one(PackedAmplitude& entry) const noexcept {
+        entry.values ^= difference(entry.values);
+        entry.dimensions ^= difference(entry.dimensions);
     }
 
 private:

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "algorithms/constant_count.hpp"
-#include "algorithms/lanes.hpp"
 #include "gates/fourier_factors.hpp"
 #include "state/limits.hpp"
 #include "state/reduction.hpp"

@@ -52,10 +52,8 @@ private:
         return of_group.store(sums, sums_.stride);
     }
 
-    // This object is not handed over below, so that it stays in registers.
-
-    /// Looks at each sum of a group: one in which an infinity could be recovered takes the standard's product
-    /// throughout.
+    /// A sum in which an infinity could be recovered takes the standard's product throughout. Static, since an object
+    /// that is handed over would not stay in registers.
     /// @return how many stay
     [[gnu::noinline]] static std::size_t recover(const PackedAmplitude* entries, const FourierFactors::Row* rows,
                                                  const std::uint32_t* row, Parts* sums, std::size_t stride) {

@@ -1,14 +1,12 @@
 /// The Fourier transform of one qudit without its list of children.
 #pragma once
 
-#include "algorithms/lanes.hpp"
 #include "algorithms/scratch.hpp"
 #include "gates/frame.hpp"
 
 namespace vantel::qudit {
-/// What becomes of the groups of a list, that is of the entries that differ in the target alone. The children that come
-/// to share a label are those of one group, so their sums are formed group by group, in stored order, and no child is
-/// ever sorted.
+/// What becomes of the groups of a list, that is of the entries that differ in the target alone. Children that come to
+/// share a label are of one group, so their sums are formed group by group, in stored order, and none is ever sorted.
 struct FourierSums {
     /// What is known of the sums of a group.
     struct Group {

@@ -5,12 +5,8 @@
 
 namespace vantel::qudit {
 ControlTest::ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept : field_(layout.mask()) {
-    for (const Predicate& control : controls) {
-        if (control.is_equal)
-            require(layout.position(control.qudit_index), control.value);
-        else
-            refuse(layout.position(control.qudit_index), control.value);
-    }
+    for (const auto& [qudit, value, is_equal] : controls)
+        is_equal ? require(layout.position(qudit), value) : refuse(layout.position(qudit), value);
 }
 
 void ControlTest::require(unsigned position, std::int64_t level) noexcept {
@@ -31,10 +27,7 @@ void ControlTest::refuse(unsigned position, std::int64_t level) noexcept {
     if (level < 0 || level > static_cast<std::int64_t>(field_)) return;
     const Refusal refusal{field_ << position, static_cast<std::uint64_t>(level) << position};
     const auto end = refused_.begin() + refusals_;
-    const bool known = std::any_of(refused_.begin(), end, [&](const Refusal& other) {
-        return other.field == refusal.field && other.level == refusal.level;
-    });
-    if (!known) refused_[refusals_++] = refusal;
+    if (std::find(refused_.begin(), end, refusal) == end) refused_[refusals_++] = refusal;
 }
 
 void refuse_overlap(const Gate& gate, const char* text) {

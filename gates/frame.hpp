@@ -18,10 +18,8 @@ struct EveryLabel {
 class ControlTest {
 public:
     ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept;
-
     /// Whether there are no controls, so that they hold for every label.
     [[nodiscard]] bool is_empty() const noexcept { return fields_ == 0 && wanted_ == 0 && refusals_ == 0; }
-
     /// Whether every control holds for a label of these levels.
     [[nodiscard]] bool operator()(std::uint64_t values) const noexcept { return mask(values) != 0; }
 
@@ -59,6 +57,7 @@ private:
     struct Refusal {
         std::uint64_t field;
         std::uint64_t level;
+        friend bool operator==(const Refusal&, const Refusal&) = default;
     };
 
     void require(unsigned position, std::int64_t level) noexcept;

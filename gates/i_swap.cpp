@@ -1,6 +1,5 @@
 #include "algorithms/complex_product.hpp"
 #include "algorithms/crossovers.hpp"
-#include "algorithms/scratch.hpp"
 #include "gates/exchange.hpp"
 #include "gates/frame.hpp"
 #include "gates/kernels.hpp"

@@ -1,7 +1,6 @@
 /// One kernel for each gate, compiled once for all builds. Each refuses what it must before any change.
 #pragma once
 
-#include "state/entries.hpp"
 #include "state/istate.hpp"
 
 namespace vantel::qudit {

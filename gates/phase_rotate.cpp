@@ -10,14 +10,14 @@ struct Rotation {
     Doubled turn;
 
     [[nodiscard]] const Doubled& factor(const PackedAmplitude& /*entry*/) const { return turn; }
-    [[nodiscard]] Factor any_factor(const PackedAmplitude& /*entry*/) const { return Factor(turn.parts()); }
+    [[nodiscard]] Factor any_factor(const PackedAmplitude& /*entry*/) const { return factor_of(turn); }
 };
 } // namespace
 
 void phase_rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
     const float angle = gate.number;
     // Single precision, unlike the other phases, and deliberate: repeated rotations let the norm drift by as much.
-    const Doubled turn(std::complex<double>(std::cos(angle), std::sin(angle)));
+    const Doubled turn = doubled({std::cos(angle), std::sin(angle)});
     rephase_selected(entries, ControlTest(gate.controls, layout), Rotation{turn});
     guard_size(entries.size());
 }

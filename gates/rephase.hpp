@@ -5,20 +5,13 @@
 #include "gates/frame.hpp"
 
 namespace vantel::qudit {
-/// A number that stands twice, so that either half of a vector can be taken from where it is.
-class Doubled {
-public:
-    Doubled() = default;
-    explicit Doubled(const std::complex<double>& number) noexcept
-        : words_(reinterpret_cast<FourWords>(joined(parts_of(number), parts_of(number)))) {}
-
-    /// As words, since gcc joins halves of those in one cheap instruction and halves of doubles in a dear one.
-    [[nodiscard]] const FourWords& words() const noexcept { return words_; }
-    [[nodiscard]] Parts parts() const noexcept { return *reinterpret_cast<const StoredParts*>(&words_); }
-
-private:
-    FourWords words_;
-};
+/// A number that stands twice, so that either half of a vector can be taken from where it is. As words, since gcc joins
+/// halves of those in one cheap instruction and halves of doubles in a dear one.
+using Doubled = FourWords;
+[[gnu::always_inline]] inline Doubled doubled(const std::complex<double>& number) noexcept {
+    return reinterpret_cast<FourWords>(joined(parts_of(number), parts_of(number)));
+}
+inline Factor factor_of(const Doubled& number) noexcept { return Factor(reinterpret_cast<const StoredParts&>(number)); }
 
 /// Multiplies the amplitudes of all selected entries. A group of four of which none is selected is passed over.
 /// @param gate  gate.factor(entry), Doubled, is the factor of an entry whose dimensions have gate.top in gate.field;
@@ -31,10 +24,8 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
             const FourWords selected = holds(records.first);
             if constexpr (!std::is_same_v<decltype(holds), EveryLabel>)
                 if (!any_wide(selected)) return;
-            const FourWords even =
-                __builtin_shufflevector(gate.factor(entry[0]).words(), gate.factor(entry[2]).words(), 0, 1, 6, 7);
-            const FourWords uneven =
-                __builtin_shufflevector(gate.factor(entry[1]).words(), gate.factor(entry[3]).words(), 0, 1, 6, 7);
+            const FourWords even = __builtin_shufflevector(gate.factor(entry[0]), gate.factor(entry[2]), 0, 1, 6, 7);
+            const FourWords uneven = __builtin_shufflevector(gate.factor(entry[1]), gate.factor(entry[3]), 0, 1, 6, 7);
             const auto f = reinterpret_cast<FourParts>(__builtin_shufflevector(even, uneven, 0, 4, 2, 6));
             const auto g = reinterpret_cast<FourParts>(__builtin_shufflevector(even, uneven, 1, 5, 3, 7));
             const FourParts real = records.real * f - records.imaginary * g;

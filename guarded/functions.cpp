@@ -104,17 +104,32 @@ int vantel_guarded_inverse_hadamard(QuantumProperty* target, const PredicateReco
 
 int vantel_guarded_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                          size_t predicate_count) {
-    return guard(__func__, [&] { vantel::cycle(usable(target), fraction, when(predicates, predicate_count)); });
+    return guard(__func__, [&] {
+        if (fraction == 1.0F)
+            vantel::cycle(usable(target), when(predicates, predicate_count));
+        else
+            vantel::cycle(usable(target), fraction, when(predicates, predicate_count));
+    });
 }
 
 int vantel_guarded_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                          size_t predicate_count) {
-    return guard(__func__, [&] { vantel::shift(usable(target), fraction, when(predicates, predicate_count)); });
+    return guard(__func__, [&] {
+        if (fraction == 1.0F)
+            vantel::shift(usable(target), when(predicates, predicate_count));
+        else
+            vantel::shift(usable(target), fraction, when(predicates, predicate_count));
+    });
 }
 
 int vantel_guarded_clock(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
                          size_t predicate_count) {
-    return guard(__func__, [&] { vantel::clock(usable(target), fraction, when(predicates, predicate_count)); });
+    return guard(__func__, [&] {
+        if (fraction == 1.0F)
+            vantel::clock(usable(target), when(predicates, predicate_count));
+        else
+            vantel::clock(usable(target), fraction, when(predicates, predicate_count));
+    });
 }
 
 int vantel_guarded_phase_rotate(const PredicateRecord* predicates, size_t predicate_count, float angle) {

@@ -10,6 +10,9 @@ using AnySwapFailure =
     vantel::Translate<TargetControlOverlap, DifferentDimensions, BadDimension, BadQuditNumber, StateSizeExceeded>;
 using AnyISwapFailure = vantel::Translate<TargetControlOverlap, DifferentDimensions, BadQuditNumber, StateSizeExceeded>;
 
+/// The fraction that stands for the whole gate; only this very number selects the integer form.
+constexpr float whole = 1.0F;
+
 int vantel_hadamard(QuantumProperty* target, const PredicateRecord* predicates, size_t predicate_count) {
     return OverlapOrSize::run([&] { vantel::hadamard(*target, conditions(predicates, predicate_count)); });
 }
@@ -19,15 +22,24 @@ int vantel_inverse_hadamard(QuantumProperty* target, const PredicateRecord* pred
 }
 
 int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
-    return OverlapOrSize::run([&] { vantel::cycle(*target, fraction, conditions(predicates, predicate_count)); });
+    return OverlapOrSize::run([&] {
+        const vantel::Conditions list = conditions(predicates, predicate_count);
+        fraction == whole ? vantel::cycle(*target, list) : vantel::cycle(*target, fraction, list);
+    });
 }
 
 int vantel_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
-    return OverlapOrSize::run([&] { vantel::shift(*target, fraction, conditions(predicates, predicate_count)); });
+    return OverlapOrSize::run([&] {
+        const vantel::Conditions list = conditions(predicates, predicate_count);
+        fraction == whole ? vantel::shift(*target, list) : vantel::shift(*target, fraction, list);
+    });
 }
 
 int vantel_clock(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
-    return OverlapOrSize::run([&] { vantel::clock(*target, fraction, conditions(predicates, predicate_count)); });
+    return OverlapOrSize::run([&] {
+        const vantel::Conditions list = conditions(predicates, predicate_count);
+        fraction == whole ? vantel::clock(*target, list) : vantel::clock(*target, fraction, list);
+    });
 }
 
 int vantel_phase_rotate(const PredicateRecord* predicates, size_t predicate_count, float angle) {

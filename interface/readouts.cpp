@@ -1,6 +1,5 @@
 #include "interface/boundary.hpp"
 #include "property/operations.hpp"
-#include <algorithm>
 #include <string>
 
 using namespace vantel::qudit;

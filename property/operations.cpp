@@ -1,6 +1,4 @@
 #include "property/operations.hpp"
-#include <algorithm>
-#include <array>
 #include <initializer_list>
 
 namespace vantel {
@@ -23,11 +21,6 @@ void act(Gate::Kind kind, float number, std::initializer_list<QuantumProperty*> 
     state->act({kind, number, std::span(indices).first(targets.size()), controls});
 }
 
-/// A gate that a fraction can be asked of.
-void act(Gate::Kind whole, Gate::Kind fractional, float fraction, QuantumProperty& target, Predicates predicates) {
-    act(fraction == 1.0F ? whole : fractional, fraction, {&target}, predicates);
-}
-
 std::vector<int> indices_of(Properties properties) {
     std::vector<int> indices(properties.size());
     std::transform(properties.begin(), properties.end(), indices.begin(), index_of);
@@ -39,14 +32,17 @@ void hadamard(QuantumProperty& target, Predicates predicates) { act(Gate::hadama
 void inverse_hadamard(QuantumProperty& target, Predicates predicates) {
     act(Gate::inverse_hadamard, 0, {&target}, predicates);
 }
+void cycle(QuantumProperty& target, Predicates predicates) { act(Gate::cycle, 0, {&target}, predicates); }
 void cycle(QuantumProperty& target, float fraction, Predicates predicates) {
-    act(Gate::cycle, Gate::fractional_cycle, fraction, target, predicates);
+    act(Gate::fractional_cycle, fraction, {&target}, predicates);
 }
+void shift(QuantumProperty& target, Predicates predicates) { act(Gate::shift, 0, {&target}, predicates); }
 void shift(QuantumProperty& target, float fraction, Predicates predicates) {
-    act(Gate::shift, Gate::fractional_shift, fraction, target, predicates);
+    act(Gate::fractional_shift, fraction, {&target}, predicates);
 }
+void clock(QuantumProperty& target, Predicates predicates) { act(Gate::clock, 0, {&target}, predicates); }
 void clock(QuantumProperty& target, float fraction, Predicates predicates) {
-    act(Gate::clock, Gate::fractional_clock, fraction, target, predicates);
+    act(Gate::fractional_clock, fraction, {&target}, predicates);
 }
 void phase_rotate(Predicates predicates, float angle) { act(Gate::phase_rotate, angle, {}, predicates); }
 void swap(QuantumProperty& first, QuantumProperty& second, Predicates predicates) {
@@ -66,7 +62,7 @@ int measure(Predicates predicates) {
     // A two-level ancilla in front of the joint state, flipped where the conditions hold, carries the answer; its
     // destruction takes it out again.
     QuantumProperty ancilla = make_quantum_property(2);
-    cycle(ancilla, 1, predicates);
+    cycle(ancilla, predicates);
     QuantumProperty* const alone[] = {&ancilla};
     return measure(alone).front();
 }

@@ -21,13 +21,15 @@ qudit::IState* tensor_state(QuantumProperty& a, QuantumProperty& b);
 /// @throws as the pair form
 qudit::IState* tensor_state(Properties properties, Predicates predicates = {});
 
-// Gates: as the IState operation of the name, with its exceptions and those of a merge. A fraction of exactly 1, and of
-// no other number, stands for the form without one.
+// Gates: as the IState operation of the name, with its exceptions and those of a merge.
 
 void hadamard(QuantumProperty& target, Predicates predicates);
 void inverse_hadamard(QuantumProperty& target, Predicates predicates);
+void cycle(QuantumProperty& target, Predicates predicates);
 void cycle(QuantumProperty& target, float fraction, Predicates predicates);
+void shift(QuantumProperty& target, Predicates predicates);
 void shift(QuantumProperty& target, float fraction, Predicates predicates);
+void clock(QuantumProperty& target, Predicates predicates);
 void clock(QuantumProperty& target, float fraction, Predicates predicates);
 /// Without predicates there is no joint state to act on: nothing is done.
 void phase_rotate(Predicates predicates, float angle);

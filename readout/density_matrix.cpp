@@ -3,13 +3,11 @@
 #include "algorithms/crossovers.hpp"
 #include "algorithms/gathered_bits.hpp"
 #include "algorithms/key_index.hpp"
-#include "algorithms/wide_loop.hpp"
 #include "readout/outcomes.hpp"
 #include "state/builds.hpp"
 #include "state/label_groups.hpp"
 #include "state/level_rank.hpp"
 #include "state/state.hpp"
-#include <algorithm>
 
 namespace vantel::qudit {
 namespace {

@@ -3,7 +3,6 @@
 #include "algorithms/crossovers.hpp"
 #include "readout/density_matrix.hpp"
 #include "state/position_table.hpp"
-#include <algorithm>
 
 namespace vantel::qudit {
 namespace {

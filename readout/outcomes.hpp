@@ -3,8 +3,6 @@
 
 #include "algorithms/lanes.hpp"
 #include "state/entries.hpp"
-#include <array>
-#include <bit>
 #include <memory>
 
 namespace vantel::qudit {

@@ -5,7 +5,6 @@
 #include "state/builds.hpp"
 #include "state/level_rank.hpp"
 #include "state/state.hpp"
-#include <algorithm>
 
 namespace vantel::qudit {
 namespace {

@@ -3,7 +3,6 @@
 
 #include "algorithms/lanes.hpp"
 #include "state/entries.hpp"
-#include <array>
 #include <limits>
 #include <utility>
 

@@ -97,7 +97,6 @@ public:
         : values_(&values_word), dimensions_(&dimensions_word), position_(position) {}
 
     DitProxy(const DitProxy&) = default;
-
     [[nodiscard]] std::uint64_t value() const { return *values_ >> position_ & layout.mask(); }
     [[nodiscard]] std::uint64_t dimension() const { return (*dimensions_ >> position_ & layout.mask()) + 1; }
     operator Dit() const { return {value(), dimension()}; }
@@ -114,7 +113,6 @@ public:
     /// Writes what the other slot holds; the reference itself stays where it is.
     // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a slot that is written with what it holds
     DitProxy& operator=(const DitProxy& other) { return *this = static_cast<Dit>(other); }
-
     /// The slot's dit raised by `addend` levels, with wrap-around by its own dimension.
     Dit operator+(std::uint64_t addend) const { return {raised(value(), addend, dimension()), dimension()}; }
 

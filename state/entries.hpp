@@ -36,12 +36,7 @@ template <int D, int N>
 BasisAmplitude<DitArray<D, N>> make_basis_amplitude(const std::vector<Dit>& dits, std::complex<double> amplitude) {
     BasisAmplitude<DitArray<D, N>> entry{{}, amplitude};
     DitArray<D, N> beyond;
-    for (std::size_t i = 0; i < dits.size(); ++i) {
-        if (i < N)
-            entry.label[static_cast<int>(i)] = dits[i];
-        else
-            beyond[0] = dits[i];
-    }
+    for (std::size_t i = 0; i < dits.size(); ++i) (i < N ? entry.label[static_cast<int>(i)] : beyond[0]) = dits[i];
     return entry;
 }
 
@@ -66,14 +61,11 @@ class EntryList {
 public:
     EntryList(const EntryList&) = delete;
     EntryList& operator=(const EntryList&) = delete;
-
     /// Good until the next resize().
     [[nodiscard]] std::span<PackedAmplitude> entries() const noexcept { return entries_; }
-
     /// Keeps the entries that stand before `size`. What the others hold is unspecified.
     /// @throws std::bad_alloc, and nothing has changed then
     virtual void resize(std::size_t size) = 0;
-
     /// Scratch memory that the list owns, as much as `longest` entries take: good as long as the list gets no longer
     /// than that. It stays with the list, for the gates to come. The list may move.
     /// @throws std::bad_alloc, and nothing has changed then

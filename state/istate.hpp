@@ -62,7 +62,6 @@ public:
     using Controls = std::vector<Predicate>;
 
     virtual ~IState() = default;
-
     /// The largest dimension D that the build holds, whatever qudits the state has now.
     [[nodiscard]] virtual std::uint64_t dimension() const = 0;
     /// The number of levels of one qudit; 0 in an empty state.
@@ -70,7 +69,6 @@ public:
     [[nodiscard]] virtual std::uint64_t num_qudits() const = 0;
     /// The entries, unpacked, in stored order.
     [[nodiscard]] virtual std::vector<BasisAmplitudeData> basis_amplitudes() const = 0;
-
     /// The joint outcomes of the listed qudits with their summed squared moduli; never normalised.
     /// @throws std::out_of_range "qudit index out of range" for an index at or beyond num_qudits()
     [[nodiscard]] virtual std::vector<QuditsProbability> probabilities(std::vector<int> qudits) const = 0;
@@ -80,7 +78,6 @@ public:
     /// @return the drawn levels, in list order; zeros from an empty state
     /// @throws as `probabilities`, and what the system's random source raises; the state stands then
     virtual std::vector<int> measure(std::vector<int> qudits) = 0;
-
     /// Multiplies selected amplitudes by exp(i angle), with single-precision sine and cosine.
     virtual void phase_rotate(Controls controls, float angle) { act({Gate::phase_rotate, angle, {}, controls}); }
     /// Level v goes to (v + d - 1) mod d.
@@ -124,7 +121,6 @@ public:
 
     /// The gates above as one operation, which they all go through.
     virtual void act(const Gate& gate) = 0;
-
     /// basis_amplitudes(), still packed and still the state's own: good until the state changes.
     [[nodiscard]] virtual PackedEntries packed_amplitudes() const = 0;
 

@@ -9,9 +9,8 @@ namespace vantel::qudit {
 /// word are ranked at once, by looking them up in tables that a call fills first.
 class LevelRank {
 public:
-    /// @param labels           about as many labels will be ranked, so the tables stay smaller than that
-    /// @param for_each_qudit   for_each_qudit(add) calls add(qudit, dimension) for each, which may be one more than
-    /// once
+    /// @param labels          about as many labels will be ranked, so the tables stay smaller than that
+    /// @param for_each_qudit  for_each_qudit(add) calls add(qudit, dimension) for each, for one perhaps repeatedly
     /// @throws std::bad_alloc
     template <class ForEach> LevelRank(SlotLayout layout, std::size_t labels, ForEach for_each_qudit)
         : bits_(layout.bits) {
@@ -39,15 +38,13 @@ public:
 
     LevelRank(const LevelRank&) = delete; // chunks point into the tables
     LevelRank& operator=(const LevelRank&) = delete;
-
     /// How many combinations there are.
     [[nodiscard]] std::uint64_t size() const noexcept { return size_; }
 
     /// The label's number; size() or more where some level is beyond its dimension.
     [[nodiscard]] std::uint64_t operator()(std::uint64_t values) const noexcept {
-        // One or two chunks are the common case; where there is no chunk, its table has one place.
-        std::uint64_t rank = chunks_[0](values) + chunks_[1](values);
-        for (unsigned i = 2; i < count_; ++i) rank += chunks_[i](values);
+        std::uint64_t rank = 0;
+        for (unsigned i = 0; i < count_; ++i) rank += chunks_[i](values);
         return rank;
     }
 

@@ -31,15 +31,12 @@ public:
     /// @param varying  bits in the fields of the qudits that follow, in ascending order
     /// @throws std::bad_alloc
     PositionTable(PackedEntries entries, SlotLayout layout, std::span<const int> first, std::uint64_t varying);
-
     /// Whether the table has not many more places than there are entries, and a place fits 32 bits.
     [[nodiscard]] bool is_close() const noexcept;
-
     /// Notes the positions of a list for which is_close(), the one that the table was made for.
     /// @return false where a label is repeated, or a level stands beyond its dimension: there is no table then
     /// @throws std::bad_alloc
     bool fill(PackedEntries entries, Scratch& scratch);
-
     /// By rank, a position in the list counted from 1; 0 where no entry has the label.
     [[nodiscard]] std::span<std::uint32_t> positions() const noexcept { return positions_; }
     [[nodiscard]] std::size_t size() const noexcept { return rank_.size(); }

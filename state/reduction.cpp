@@ -7,8 +7,6 @@
 
 namespace vantel::qudit {
 namespace {
-bool by_key(const PackedAmplitude& left, const PackedAmplitude& right) { return left.values < right.values; }
-
 void insertion_sort(std::span<PackedAmplitude> list) noexcept {
     for (std::size_t i = 1; i < list.size(); ++i) {
         const PackedAmplitude entry = list[i];
@@ -40,7 +38,7 @@ void sort_by_key(std::span<PackedAmplitude> list) noexcept {
     } catch (const std::bad_alloc&) {
         // The reduction must not fail for want of scratch memory: it goes on without, more slowly.
     }
-    std::stable_sort(list.begin(), list.end(), by_key);
+    std::ranges::stable_sort(list, {}, &PackedAmplitude::values);
 }
 
 /// Sums each run of equal labels forward into its last entry and leaves zeros before it.

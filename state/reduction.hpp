@@ -28,15 +28,13 @@ template <class Vectors>
 
 /// Makes a list sparse again: sorts it by label, sums the amplitudes of equal labels in the order in which they stood,
 /// and drops each sum that does not exceed the threshold. The drop fills each hole with the kept entry nearest the
-/// tail, so the list is not sorted afterwards; that is deliberate, as the stored order decides the order of every
-/// result.
+/// tail, so the list is not sorted afterwards, deliberately: the stored order decides the order of every result.
 /// @return how many entries stay, at the front of the list; what lies behind them is to be erased
 std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept;
 
 /// Writes what reduce_entries leaves of a list, order included, from the list's sums alone. In the sorted list a run of
 /// equal labels ends with its sum and is a hole before it. The drop lets each kept sum stand that has its place among
-/// the first of the list, as many as there are kept sums; the others fill the holes between, the last of them the first
-/// hole.
+/// the first of the list, as many as are kept; the others fill the holes between, the last of them the first hole.
 class ReducedOrder {
 public:
     /// @param list        as many entries as sums that exceed the threshold will be added

@@ -2,6 +2,7 @@
 #include "state/state.hpp"
 #include "state/builds.hpp"
 #include "state/distinct_labels.hpp"
+#include <algorithm>
 
 namespace vantel::qudit {
 namespace {
@@ -11,11 +12,7 @@ bool is_zero(const PackedAmplitude& entry) { return entry.amplitude.real() == 0.
 /// @return how many entries stay, at the front
 std::size_t keep_first_nonzero(std::span<PackedAmplitude> entries, bool distinct, unsigned key_bits) {
     if (!distinct && entries.size() > 1) entries = entries.first(keep_first_of_label(entries, key_bits));
-    std::size_t kept = 0;
-    while (kept < entries.size() && !is_zero(entries[kept])) ++kept;
-    for (std::size_t i = kept + 1; i < entries.size(); ++i)
-        if (!is_zero(entries[i])) entries[kept++] = entries[i];
-    return kept;
+    return static_cast<std::size_t>(std::remove_if(entries.begin(), entries.end(), is_zero) - entries.begin());
 }
 } // namespace
 

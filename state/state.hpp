@@ -1,7 +1,6 @@
 /// The one implementation of IState, built once for each pair of largest dimension and qudit count.
 #pragma once
 
-#include "state/entries.hpp"
 #include "state/istate.hpp"
 
 namespace vantel::qudit {
@@ -16,20 +15,15 @@ public:
     explicit State(const std::vector<BasisAmplitudeData>& entries);
     /// The same for entries that come packed for this build.
     explicit State(const EntrySource& entries);
-
     [[nodiscard]] std::uint64_t dimension() const override;
     [[nodiscard]] std::uint64_t qudit_dimension(int qudit) const override;
     [[nodiscard]] std::uint64_t num_qudits() const override;
     [[nodiscard]] std::vector<BasisAmplitudeData> basis_amplitudes() const override;
-
     [[nodiscard]] std::vector<QuditsProbability> probabilities(std::vector<int> qudits) const override;
     [[nodiscard]] std::vector<DensityMatrixEntry> reduced_density_matrix(std::vector<int> qudits) const override;
     std::vector<int> measure(std::vector<int> qudits) override;
-
     void act(const Gate& gate) override;
-
     [[nodiscard]] PackedEntries packed_amplitudes() const override;
-
     /// reduce_entries(), and the list ends behind what stays.
     static void reduce(std::vector<Entry>& list) noexcept;
 

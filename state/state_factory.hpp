@@ -1,7 +1,6 @@
 /// From run-time numbers to the right build of State. Nobody else knows the builds.
 #pragma once
 
-#include "state/entries.hpp"
 #include "state/exceptions.hpp"
 #include "state/istate.hpp"
 #include "state/limits.hpp"

@@ -4,31 +4,21 @@
 
 namespace vantel::qudit {
 namespace {
-/// Packs entries of one state for the slots from `offset` on of a build of dimension `dimension`.
-class Repacking {
-public:
-    Repacking(const IState& state, std::uint64_t dimension, std::uint64_t offset)
-        : from_(SlotLayout::of(state.dimension())), to_(SlotLayout::of(dimension)),
-          count_(static_cast<int>(state.num_qudits())), place_(static_cast<unsigned>(offset) * to_.bits) {}
-
-    PackedAmplitude operator()(const PackedAmplitude& entry) const {
-        return {repacked(entry.values), repacked(entry.dimensions), entry.amplitude};
-    }
-
-private:
-    [[nodiscard]] std::uint64_t repacked(std::uint64_t word) const {
-        if (from_.bits == to_.bits) return word << place_;
+/// What packs the entries of a state for the slots from `offset` on of a build of dimension `dimension`.
+auto repacking(const IState& state, std::uint64_t dimension, std::uint64_t offset) {
+    const SlotLayout from = SlotLayout::of(state.dimension());
+    const SlotLayout to = SlotLayout::of(dimension);
+    const auto repacked = [from, to, count = state.num_qudits(), place = offset * to.bits](std::uint64_t word) {
+        if (from.bits == to.bits) return word << place;
         std::uint64_t wide = 0;
-        for (int slot = 0; slot < count_; ++slot, word >>= from_.bits)
-            wide |= (word & from_.mask()) << (place_ + static_cast<unsigned>(slot) * to_.bits);
+        for (std::uint64_t slot = 0; slot < count; ++slot, word >>= from.bits)
+            wide |= (word & from.mask()) << (place + slot * to.bits);
         return wide;
-    }
-
-    SlotLayout from_;
-    SlotLayout to_;
-    int count_;
-    unsigned place_; ///< of the first field
-};
+    };
+    return [repacked](const PackedAmplitude& entry) {
+        return PackedAmplitude{repacked(entry.values), repacked(entry.dimensions), entry.amplitude};
+    };
+}
 
 bool is_distinct(const IState& state) {
     const PackedEntries entries = state.packed_amplitudes();
@@ -47,9 +37,8 @@ template <int MAX_DIMENSION, int MAX_NUM> std::unique_ptr<IState> tensor_product
     const std::size_t size = of_a.size() * of_b.size();
     if (size > MAX_STATE_ENTRIES) throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
-
-    const Repacking in_front(a, config.dim, 0);
-    const Repacking behind(b, config.dim, a.num_qudits());
+    const auto in_front = repacking(a, config.dim, 0);
+    const auto behind = repacking(b, config.dim, a.num_qudits());
     const auto write = [&](std::span<PackedAmplitude> list) {
         if (list.empty()) return;
         // The second's entries wait, packed, where their products with the last of the first's will stand.
