@@ -1,4 +1,4 @@
-# `cpack` in the build directory makes the three Debian packages and a tar.gz. The same source gives the same
+# `cpack` in the build directory makes the Debian packages and a tar.gz. The same source gives the same
 # bytes wherever it is built, as long as SOURCE_DATE_EPOCH says one time.
 
 target_compile_options(vantel_compiler INTERFACE
@@ -6,6 +6,9 @@ target_compile_options(vantel_compiler INTERFACE
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 target_link_options(vantel PRIVATE LINKER:-z,relro,-z,now)
 target_link_options(vantel_guarded PRIVATE LINKER:-z,relro,-z,now)
+if(TARGET vantel_python)
+    target_link_options(vantel_python PRIVATE LINKER:-z,relro,-z,now)
+endif()
 
 # What Debian wants beside a package, and only there: whose it is, what changed, and what lintian is asked to let pass.
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
@@ -97,10 +100,15 @@ if(VANTEL_PYTHON)
 This package has the module for Python 3.")
     set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-vantel)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
-    # Its other libraries are those of libvantel1.
-    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
+    # The one library that no installed package knows is that of libvantel1.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
     set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
         "libvantel1 (= ${PROJECT_VERSION}), python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
+    # Modules are compiled where they are installed, and what that made is removed with them.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+        ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 endif()
 
 include(CPack)

@@ -1,7 +1,7 @@
 #include "svg.h"
 #include <math.h>
 
-enum { most_rows = 12, cell = 30, line_height = 15, level_width = 15 };
+enum { most_rows = 10, cell = 28, line_height = 15, level_width = 15 };
 
 /* The names of the qudits above the levels of the rows, slanting upwards. */
 static void put_row_labels(FILE* stream, const VantelPicture* picture, const Rows* rows, double top) {

@@ -1,7 +1,7 @@
 #include "svg.h"
 #include <math.h>
 
-enum { most_columns = 12, column_width = 36, others_width = 76, bar_height = 180, top = 66, line_height = 15 };
+enum { most_columns = 10, column_width = 32, others_width = 68, bar_height = 180, top = 66, line_height = 15 };
 
 static void put_axis(FILE* stream, double left, double width) {
     enum { steps = 4 };

@@ -24,18 +24,24 @@ void vantel_draw_svg_text(FILE* stream, const char* text) {
 
 static void put_description(FILE* stream, const VantelPicture* picture, const Rows* rows, const char* kind) {
     char name[vantel_draw_name_length], number[vantel_draw_number_length];
-    fprintf(stream, "<desc>%s.", kind);
+    const char* before = ". ";
+    fprintf(stream, "<desc>%s", kind);
     for (size_t i = 0; i < rows->count; ++i) {
         const size_t row = rows->shown[i];
+        const double probability = vantel_draw_size(picture, row, row);
+        if (!(probability >= VANTEL_DRAW_VISIBLE)) continue;
         for (size_t qudit = 0; qudit < picture->qudit_count; ++qudit) {
-            fputs(qudit == 0 ? " " : ", ", stream);
+            fputs(qudit == 0 ? before : ", ", stream);
             vantel_draw_svg_text(stream, vantel_draw_name(picture, qudit, name));
             fprintf(stream, " %zu", vantel_draw_level(picture, row, qudit));
         }
-        fprintf(stream, ": probability %s;", vantel_draw_number(vantel_draw_size(picture, row, row), number));
+        fprintf(stream, ": probability %s", vantel_draw_number(probability, number));
+        before = "; ";
     }
-    fprintf(stream, " %zu others: %s.</desc>\n", rows->left_out,
-            vantel_draw_number(rows->left_out_probability, number));
+    if (rows->left_out > 0)
+        fprintf(stream, "%s%zu other%s: %s", before, rows->left_out, rows->left_out == 1 ? "" : "s",
+                vantel_draw_number(rows->left_out_probability, number));
+    fputs(".</desc>\n", stream);
 }
 
 void vantel_draw_svg_open(FILE* stream, const VantelPicture* picture, const Rows* rows, const char* kind, double width,

@@ -46,12 +46,12 @@ typedef struct VantelPicture {
  */
 int vantel_draw_text(FILE* stream, const VantelPicture* picture);
 
-/** @brief Writes an SVG with a bar for each outcome, at most 12. @return 0, or 1 if it could not be written.
+/** @brief Writes an SVG with a bar for each outcome, at most 10. @return 0, or 1 if it could not be written.
  */
 int vantel_draw_outcomes_svg(FILE* stream, const VantelPicture* picture);
 
 /**
- * @brief Writes an SVG with a square for each element of the density matrix, of at most 12 rows and columns.
+ * @brief Writes an SVG with a square for each element of the density matrix, of at most 10 rows and columns.
  * @return 0, or 1 if it could not be written.
  */
 int vantel_draw_density_svg(FILE* stream, const VantelPicture* picture);

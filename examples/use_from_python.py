@@ -1,8 +1,6 @@
-"""Qutrits from Python, by the face that lets no exception out: libvantel_guarded.so.1 and ctypes alone.
+"""Qutrits from Python, by the face that lets no exception out: libvantel_guarded.so.1 and ctypes alone."""
 
-An argument names the library where the system does not find it.
-"""
-
+import argparse
 import ctypes
 import math
 import sys
@@ -15,7 +13,9 @@ class Condition(ctypes.Structure):
     _fields_ = [("qudit", Handle), ("level", ctypes.c_int), ("is_equal", ctypes.c_ubyte)]
 
 
-library = ctypes.CDLL(sys.argv[1] if len(sys.argv) > 1 else "libvantel_guarded.so.1")
+parser = argparse.ArgumentParser(description=__doc__)
+parser.add_argument("library", nargs="?", default="libvantel_guarded.so.1", help="where the system does not find it")
+library = ctypes.CDLL(parser.parse_args().library)
 conditions = [ctypes.POINTER(Condition), ctypes.c_size_t]
 for name, arguments in {
     "free_quantum_property": [Handle],

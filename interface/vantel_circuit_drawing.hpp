@@ -240,8 +240,25 @@ inline std::size_t shown(std::string_view text) {
     const std::size_t width = lefts.back() + gap, height = line_height * names.size();
     std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=" + quoted(width) + " height=" + quoted(height) +
                       " viewBox=\"0 0 " + number(width) + ' ' + number(height) +
-                      "\" font-family=\"monospace\" font-size=\"15\" stroke=\"black\">\n" +
-                      element("rect", "width=\"100%\" height=\"100%\" fill=\"white\" stroke=\"none\"");
+                      "\" role=\"img\" font-family=\"monospace\" font-size=\"15\" class=\"vc-ink\">\n";
+    svg +=
+        "<title>A circuit of " + number(names.size()) + (names.size() == 1 ? " qudit" : " qudits") + "</title>\n<desc>";
+    for (const detail::DrawnStep& step : steps) {
+        for (const detail::DrawnPart& part : step.parts) {
+            using Kind = detail::DrawnPart::Kind;
+            svg += part.kind == Kind::target ? part.text + " on " : "where ";
+            svg += circuit.qudits()[part.line].name;
+            if (part.kind != Kind::target) svg += (part.kind == Kind::equal ? " is " : " is not ") + part.text;
+            svg += part.line == step.last() ? "; " : ", ";
+        }
+    }
+    if (!steps.empty()) svg.replace(svg.size() - 2, 2, ".");
+    // The class names begin alike, for an SVG in an HTML page shares its style with the page.
+    svg += "</desc>\n<style>.vc-ink{stroke:#1a1a1a}.vc-full,.vc-ink text{fill:#1a1a1a}.vc-empty{fill:#fff}"
+           "@media(prefers-color-scheme:dark){.vc-ink{stroke:#f0f0f0}.vc-full,.vc-ink "
+           "text{fill:#f0f0f0}.vc-empty{fill:#16181d}}"
+           "</style>\n" +
+           element("rect", "width=\"100%\" height=\"100%\" class=\"vc-empty\" style=\"stroke:none\"");
     std::string texts;
     for (std::size_t wire = 0; wire < names.size(); ++wire) {
         texts += text_at(gap / 2, y_of(wire) + 5, names[wire]);
@@ -255,17 +272,17 @@ inline std::size_t shown(std::string_view text) {
             if (part.kind == detail::DrawnPart::Kind::target) {
                 svg += element("rect", "x=" + quoted(left) + " y=" + quoted(y - box_height / 2) +
                                            " width=" + quoted(part_width(part)) + " height=" + quoted(box_height) +
-                                           " fill=\"white\"");
+                                           " class=\"vc-empty\"");
                 texts += text_at(left + letter / 2, y + 5, part.text);
             } else {
                 const bool equal = part.kind == detail::DrawnPart::Kind::equal;
                 svg += element("circle", "cx=" + quoted(center) + " cy=" + quoted(y) + " r=" + quoted(radius) +
-                                             " fill=\"" + (equal ? "black" : "white") + '"');
+                                             " class=\"" + (equal ? "vc-full" : "vc-empty") + '"');
                 texts += text_at(center + radius + 2, y - radius, part.text);
             }
         }
     }
-    return svg + "<g stroke=\"none\">\n" + texts + "</g>\n</svg>\n";
+    return svg + "<g style=\"stroke:none\">\n" + texts + "</g>\n</svg>\n";
 }
 } // namespace vantel
 

@@ -7,7 +7,9 @@ COLOURS = ["#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"]
 STYLE = ("<style>.page{fill:#fff}.ink{fill:#1a1a1a}.quiet{fill:#595959}.grid{stroke:#dedede}"
          "@media(prefers-color-scheme:dark){.page{fill:#16181d}.ink{fill:#f0f0f0}.quiet{fill:#b4b4b4}.grid{stroke:#3a3d44}}"
          "</style>")
-PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, LABELS, BELOW, LINE = 460, 330, 66, 84, 150, 90, 16
+# Narrow, so that a phone shows the labels at four fifths of their size; elsewhere the whole is drawn larger.
+PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, LABELS, BELOW, LINE = 235, 300, 62, 84, 138, 90, 16
+ENLARGED = 1.3
 
 
 def decades(values):
@@ -17,6 +19,10 @@ def decades(values):
 def time_label(exponent):
     unit, base = (("s", 9) if exponent >= 9 else ("ms", 6) if exponent >= 6 else ("µs", 3) if exponent >= 3 else ("ns", 0))
     return f"{10 ** (exponent - base)} {unit}"
+
+
+def count_label(exponent):
+    return str(10**exponent) if exponent < 3 else "10" + "".join("⁰¹²³⁴⁵⁶⁷⁸⁹"[int(digit)] for digit in str(exponent))
 
 
 def text(x, y, content, anchor="start", size=13, style="ink", extra=""):
@@ -49,7 +55,7 @@ class Panel:
         for exponent in range(self.x[0], self.x[1] + 1):
             x, _ = self.place(10**exponent, 10**self.y[0])
             yield f'<path class="grid" d="M{x:.1f} {self.top}v{PANEL_HEIGHT}"/>'
-            yield text(x, self.top + PANEL_HEIGHT + 20, f"{10**exponent:,}".replace(",", "\u202f"), "middle", style="quiet")
+            yield text(x, self.top + PANEL_HEIGHT + 20, count_label(exponent), "middle", style="quiet")
         for exponent in range(self.y[0], self.y[1] + 1):
             _, y = self.place(10**self.x[0], 10**exponent)
             yield f'<path class="grid" d="M{LEFT} {y:.1f}h{PANEL_WIDTH}"/>'
@@ -78,7 +84,8 @@ def plot(panels):
     title = "Time of one call against the entries of the state"
     told = "; ".join(f"{name}: {min(points)[1]:.3g} ns of {min(points)[0]}, {max(points)[1]:.3g} ns of {max(points)[0]} entries"
                      for _, lines in panels for name, (points, _) in lines.items())
-    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" height="{height}" '
+    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" '
+             f'width="{width * ENLARGED:.0f}" height="{height * ENLARGED:.0f}" '
              'style="max-width:100%;height:auto" role="img" font-family="sans-serif">', f"<title>{title}</title>",
              f"<desc>{escape(told)}.</desc>", STYLE, f'<rect class="page" width="{width}" height="{height}"/>',
              text(16, 26, title, size=17, extra=' font-weight="bold"'),

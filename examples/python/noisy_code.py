@@ -3,6 +3,8 @@
 Level k becomes the sum over j of |j, j + k, j + 2k>. Half of a Bell pair is sent, which shows every error.
 """
 
+import argparse
+
 import vantel
 from vantel import Circuit, Wire
 
@@ -41,6 +43,7 @@ def exactly(p: float) -> tuple[float, float]:
 
 
 if __name__ == "__main__":
+    argparse.ArgumentParser(description=__doc__).parse_args()
     print(sent(0.05))
     print("p     passed  wrong of them  exactly")
     for p in 0.02, 0.05, 0.1:

@@ -1,5 +1,7 @@
 """By how much of a circle does a gate turn a state that it leaves alone? Four base-3 digits read it in 81sts."""
 
+import argparse
+
 import numpy as np
 import numpy.typing as npt
 import vantel
@@ -24,6 +26,7 @@ def estimate(phase: float) -> npt.NDArray[np.float64]:
 
 
 if __name__ == "__main__":
+    argparse.ArgumentParser(description=__doc__).parse_args()
     for phase in 0.0, 2 / 9, 1 / 7, 0.3:
         seen = estimate(phase)
         print(f"{phase:.5f}  {seen.argmax():2d}/81 = {seen.argmax() / VALUES:.5f}  probability {seen.max():.5f}")

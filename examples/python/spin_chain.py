@@ -1,5 +1,7 @@
 """A chain of seven spins of size 1, with H = the sum of S . S' over neighbours: three quanta at one end run through it."""
 
+import argparse
+
 import numpy as np
 import numpy.typing as npt
 import vantel
@@ -40,6 +42,7 @@ def profile(chain: list[vantel.Qudit]) -> npt.NDArray[np.float64]:
 
 
 if __name__ == "__main__":
+    argparse.ArgumentParser(description=__doc__).parse_args()
     print("time   S_z of each spin")
     for t in 0.5, 1.0, 2.0:
         print(t, *(f"{mean:8.3f}" for mean in profile(evolve(t, 20))))

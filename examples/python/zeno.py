@@ -1,5 +1,7 @@
 """The quantum Zeno effect on a qutrit: asked often enough whether it still stands in level 0, it is held there."""
 
+import argparse
+
 import vantel
 
 
@@ -14,6 +16,7 @@ def survives(steps: int) -> bool:
 
 
 if __name__ == "__main__":
+    argparse.ArgumentParser(description=__doc__).parse_args()
     trials = 2000
     for steps in 2, 4, 8, 16:
         print(f"{steps:2d} steps: {sum(survives(steps) for _ in range(trials)) / trials:.3f} survive")

@@ -108,5 +108,7 @@ TEST(CircuitDrawing, IsAligned) {
     for (std::size_t at = 0; (at = svg.find("<circle", at)) != std::string::npos; ++at) ++circles;
     EXPECT_EQ(circles, 3U);
     EXPECT_NE(svg.find(">M→m</text>"), std::string::npos);
+    EXPECT_NE(svg.find("<title>A circuit of 3 qudits</title>\n<desc>c on a, + on c; "), std::string::npos);
+    EXPECT_NE(svg.find("; where a is not 2, -2 m=1 on bob; "), std::string::npos);
 }
 } // namespace

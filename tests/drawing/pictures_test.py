@@ -72,9 +72,11 @@ class Pictures(unittest.TestCase):
             self.assertRegex(words(picture, "desc")[0], r"three 2, four 1, five 3: probability 0\.98\d; 59 others")
             self.assertLess(float(picture.documentElement.getAttribute("width")), 600)
             self.assertLessEqual({"three", "four", "five", "2", "1", "3", "coherence 1"}, set(words(picture, "text")))
+        self.assertEqual([words(picture, "desc")[0].partition(". ")[2] for picture in pictures("entangled_pair")],
+                         ["coin 0, die 0: probability 0.500; coin 1, die 1: probability 0.500."] * 2)
         outcomes, density = pictures("teleportation")
         self.assertLessEqual({"0", "0.25", "0.5", "0.75", "1"}, set(words(outcomes, "text")))
-        largest = max(map(float, re.findall(r"probability ([\d.]+)", words(outcomes, "desc")[0])))
+        largest = max(map(float, re.findall(r"probability (\d\.\d+)", words(outcomes, "desc")[0])))
         self.assertIn(f"{largest:.3f}", words(density, "text"))
 
     def test_the_front_page_has_the_picture_that_the_example_draws(self):

@@ -12,7 +12,7 @@ for copy in one another_one; do
     mkdir -p "$place/source" "$place/packages"
     (cd "$source" && tar -cf - --exclude=.git --exclude=build .) | tar -xf - -C "$place/source"
     cmake -S "$place/source" -B "$place/build" -G Ninja -DCMAKE_INSTALL_PREFIX=/usr \
-        -DVANTEL_TESTS=OFF -DVANTEL_EXAMPLES=OFF -DVANTEL_HTML=ON >"$place/log"
+        -DVANTEL_TESTS=OFF -DVANTEL_EXAMPLES=OFF -DVANTEL_HTML=ON -DVANTEL_PYTHON=ON >"$place/log"
     cmake --build "$place/build" >>"$place/log"
     (cd "$place/build" && cpack -B "$place/packages" >>"$place/log")
     rm -rf "$place/packages/_CPack_Packages"
@@ -33,4 +33,4 @@ assert ends == names, ends ^ names
 END
 ! grep -rlaF "$scratch" one/packages
 ! dpkg-deb --fsys-tarfile one/packages/libvantel1_*.deb | grep -aqF "$scratch"
-[ "$(ls one/packages/*.deb one/packages/*.tar.gz | wc -l)" -eq 4 ]
+[ "$(ls one/packages/*.deb one/packages/*.tar.gz | wc -l)" -eq 5 ]

@@ -164,6 +164,19 @@ def test_pictures_are_whole() -> None:
     assert "a (3)" in str(every_gate()) and every_gate().draw(ascii=True).isascii()
 
 
+def test_pictures_show_what_matters() -> None:
+    nearly = vantel.Qudit(2)
+    vantel.cycle(nearly, 0.01)
+    assert "#." in str(vantel.draw(nearly)) and ">0.999" in str(vantel.draw(nearly))
+    qudits = vantel.make_register([10, 10])
+    for qudit in qudits:
+        vantel.hadamard(qudit)
+    picture = vantel.draw(*qudits)
+    assert "90 others" in picture.outcomes_svg and "90 others" in picture.density_svg
+    for svg in picture.outcomes_svg, picture.density_svg:  # a phone shows it at three quarters of its size
+        assert float(xml.dom.minidom.parseString(svg).documentElement.getAttribute("width")) < 460
+
+
 def run_command(*arguments: str, stdin: str = "") -> subprocess.CompletedProcess[str]:
     return subprocess.run([sys.executable, "-m", "vantel", *arguments], input=stdin, capture_output=True, text=True)
 

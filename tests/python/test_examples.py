@@ -2,6 +2,10 @@
 
 from __future__ import annotations
 
+import subprocess
+import sys
+import types
+
 import numpy as np
 import pytest
 
@@ -44,3 +48,9 @@ def test_the_code_passes_errors_as_seldom_as_told() -> None:
     told_passed, told_wrong = noisy_code.exactly(0.1)
     assert abs(passed - told_passed) < 0.045 and abs(wrong * passed - told_wrong * told_passed) < 0.045
     assert noisy_code.shares(0.0, 50, seed=1) == (1, 0)
+
+
+@pytest.mark.parametrize("example", [noisy_code, phase_estimation, spin_chain, zeno])
+def test_a_command_line_that_nobody_reads_is_refused(example: types.ModuleType) -> None:
+    refused = subprocess.run([sys.executable, str(example.__file__), "--svg", "x"], capture_output=True, text=True)
+    assert (refused.returncode, refused.stdout) == (2, "") and "usage:" in refused.stderr
