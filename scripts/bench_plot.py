@@ -37,13 +37,13 @@ def apart(heights):
 
 
 class Panel:
-    def __init__(self, top, x_decades, y_decades):
-        self.top, self.x, self.y = top, x_decades, y_decades
+    def __init__(self, left, top, x_decades, y_decades):
+        self.left, self.top, self.x, self.y = left, top, x_decades, y_decades
 
     def place(self, entries, time):
         across = (math.log10(entries) - self.x[0]) / (self.x[1] - self.x[0])
         up = (math.log10(time) - self.y[0]) / (self.y[1] - self.y[0])
-        return LEFT + across * PANEL_WIDTH, self.top + (1 - up) * PANEL_HEIGHT
+        return self.left + across * PANEL_WIDTH, self.top + (1 - up) * PANEL_HEIGHT
 
     def axes(self):
         for exponent in range(self.x[0], self.x[1] + 1):
@@ -52,29 +52,31 @@ class Panel:
             yield text(x, self.top + PANEL_HEIGHT + 20, f"{10**exponent:,}".replace(",", "\u202f"), "middle", style="quiet")
         for exponent in range(self.y[0], self.y[1] + 1):
             _, y = self.place(10**self.x[0], 10**exponent)
-            yield f'<path class="grid" d="M{LEFT} {y:.1f}h{PANEL_WIDTH}"/>'
-            yield text(LEFT - 8, y + 4, time_label(exponent), "end", style="quiet")
-        yield text(LEFT + PANEL_WIDTH / 2, self.top + PANEL_HEIGHT + 42, "stored entries", "middle", style="quiet")
+            yield f'<path class="grid" d="M{self.left} {y:.1f}h{PANEL_WIDTH}"/>'
+            yield text(self.left - 8, y + 4, time_label(exponent), "end", style="quiet")
+        yield text(self.left + PANEL_WIDTH / 2, self.top + PANEL_HEIGHT + 42, "stored entries", "middle", style="quiet")
 
     def line(self, points, colour, plain):
         path = "M" + "L".join("%.1f %.1f" % self.place(*point) for point in sorted(points))
         style = 'stroke-width="1.6" stroke-dasharray="2 4"' if plain else 'stroke-width="2.4"'
         return f'<path d="{path}" fill="none" stroke="{colour}" {style} stroke-linejoin="round" stroke-linecap="round"/>'
 
-    def labels(self, lines):
+    def labels(self, lines, colours):
         """The name of each operation beside the end of its curve."""
         ends = [self.place(*max(points)) for points, _ in lines.values()]
-        x = LEFT + PANEL_WIDTH + 16
-        for name, colour, (end_x, end_y), y in zip(lines, COLOURS, ends, apart([y for _, y in ends])):
+        x = self.left + PANEL_WIDTH + 16
+        for name, colour, (end_x, end_y), y in zip(lines, colours, ends, apart([y for _, y in ends])):
             yield f'<path d="M{end_x + 2:.1f} {end_y:.1f}L{x - 3:.1f} {y:.1f}" stroke="{colour}" stroke-width="1.2"/>'
             yield text(x, y + 4, name)
 
 
 def plot(panels):
-    """panels: a list of (title, {operation: (points, points of the plain form)}), a point being (entries, ns)."""
+    """panels: rows of (title, {operation: (points, points of the plain form)}), a point being (entries, ns)."""
+    rows, panels = panels, [panel for row in panels for panel in row]
     everything = [point for _, lines in panels for pair in lines.values() for points in pair for point in points]
     x_decades, y_decades = decades([n for n, _ in everything]), decades([t for _, t in everything])
-    width, height = LEFT + PANEL_WIDTH + LABELS, TOP + len(panels) * (PANEL_HEIGHT + BELOW) - 30
+    column, columns = LEFT + PANEL_WIDTH + LABELS, max(len(row) for row in rows)
+    width, height = columns * column, TOP + len(rows) * (PANEL_HEIGHT + BELOW) - 30
     title = "Time of one call against the entries of the state"
     told = "; ".join(f"{name}: {min(points)[1]:.3g} ns of {min(points)[0]}, {max(points)[1]:.3g} ns of {max(points)[0]} entries"
                      for _, lines in panels for name, (points, _) in lines.items())
@@ -83,12 +85,15 @@ def plot(panels):
              f"<desc>{escape(told)}.</desc>", STYLE, f'<rect class="page" width="{width}" height="{height}"/>',
              text(16, 26, title, size=17, extra=' font-weight="bold"'),
              text(16, 48, "solid: the library, dotted: the plainest form", style="quiet")]
-    for number, (name, lines) in enumerate(panels):
-        panel = Panel(TOP + number * (PANEL_HEIGHT + BELOW), x_decades, y_decades)
-        parts.append(text(LEFT, panel.top - 10, name, size=15))
+    places = [(i, j) for i, row in enumerate(rows) for j in range(len(row))]
+    for (i, j), (name, lines) in zip(places, panels):
+        panel = Panel(LEFT + j * column, TOP + i * (PANEL_HEIGHT + BELOW), x_decades, y_decades)
+        parts.append(text(panel.left, panel.top - 10, name, size=15))
         parts += panel.axes()
-        for colour, (points, plain) in zip(COLOURS, lines.values()):
+        names = list(rows[0][j][1])  # an operation has one colour in a column of panels
+        colours = [COLOURS[names.index(operation)] for operation in lines]
+        for colour, (points, plain) in zip(colours, lines.values()):
             parts += [panel.line(plain, colour, True)] if plain else []
             parts.append(panel.line(points, colour, False))
-        parts += panel.labels(lines)
+        parts += panel.labels(lines, colours)
     return "\n".join(parts) + "\n</svg>\n"
