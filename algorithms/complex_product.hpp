@@ -1,29 +1,22 @@
 /// The complex product of the hot loops, to the last bit that of std::complex.
 #pragma once
 
+#include "algorithms/lanes.hpp"
 #include <cmath>
 #include <complex>
 #include <cstdint>
 
-#include "algorithms/lanes.hpp"
-
 namespace vantel {
-
 /// The number with the sign of one part turned.
 template <int part> Parts negated(Parts number) noexcept {
     constexpr std::uint64_t sign = std::uint64_t{1} << 63;
-    return reinterpret_cast<Parts>(reinterpret_cast<Words>(number) ^
-                                   Words{part == 0 ? sign : 0, part == 1 ? sign : 0});
+    return reinterpret_cast<Parts>(reinterpret_cast<Words>(number) ^ Words{part == 0 ? sign : 0, part == 1 ? sign : 0});
 }
 
-inline Parts conjugate(Parts number) noexcept {
-    return negated<1>(number);
-}
+inline Parts conjugate(Parts number) noexcept { return negated<1>(number); }
 
 /// Whether both parts are NaN, as they are where an infinity may have been lost.
-inline bool is_lost(Parts product) noexcept {
-    return std::isnan(product[0]) && std::isnan(product[1]);
-}
+inline bool is_lost(Parts product) noexcept { return std::isnan(product[0]) && std::isnan(product[1]); }
 
 /// A number that many others are multiplied by.
 class Factor {
@@ -37,8 +30,8 @@ public:
     /// From real() and crossed() of a factor.
     Factor(Parts real, Parts crossed) noexcept : real_(real), crossed_(crossed) {}
 
-    /// Real part a f - b g and imaginary part b f + a g, each product rounded by itself. Where both parts
-    /// come out NaN, the standard's own product, which recovers infinities, is taken.
+    /// Real part a f - b g and imaginary part b f + a g, each product rounded by itself. Where both parts come out NaN,
+    /// the standard's own product, which recovers infinities, is taken.
     [[nodiscard]] Parts operator()(Parts number) const noexcept {
         const Parts product = unrecovered(number);
         if (std::isunordered(product[0], product[1])) [[unlikely]]
@@ -60,5 +53,4 @@ private:
     Parts real_;
     Parts crossed_;
 };
-
 } // namespace vantel

@@ -7,10 +7,9 @@
 #include <random>
 
 namespace vantel {
-
-/// The words that the first `count` calls of std::mt19937(seed) return. The engine itself fills all its 624
-/// words of state and turns them over before the first call, which takes longer than opening the device that
-/// the seed comes from.
+/// The words that the first `count` calls of std::mt19937(seed) return. The engine itself fills all its 624 words of
+/// state and turns them over before the first call, which takes longer than opening the device that the seed comes
+/// from.
 template <std::size_t count> std::array<std::uint32_t, count> first_words(std::uint32_t seed) noexcept {
     using Engine = std::mt19937;
     static_assert(Engine::shift_size + count <= Engine::state_size, "later words depend on earlier ones");
@@ -34,5 +33,4 @@ template <std::size_t count> std::array<std::uint32_t, count> first_words(std::u
     }
     return words;
 }
-
 } // namespace vantel

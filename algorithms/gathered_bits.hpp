@@ -6,9 +6,8 @@
 #include <cstdint>
 
 namespace vantel {
-
-/// Draws the bits that are set in `mask` together at the low end, order kept. Two words agree in these bits
-/// exactly if their keys are equal, and keys order as the words' bits there do.
+/// Draws the bits that are set in `mask` together at the low end, order kept. Two words agree in these bits exactly if
+/// their keys are equal, and keys order as the words' bits there do.
 class GatheredBits {
 public:
     explicit constexpr GatheredBits(std::uint64_t mask) noexcept {
@@ -26,17 +25,14 @@ public:
 
     [[nodiscard]] constexpr std::uint64_t operator()(std::uint64_t word) const noexcept {
         // One or two runs are the common case; where there is no run, its mask is empty.
-        std::uint64_t key =
-            (word & runs_[0].mask) >> runs_[0].shift | (word & runs_[1].mask) >> runs_[1].shift;
-        for (unsigned run = 2; run < count_; ++run)
-            key |= (word & runs_[run].mask) >> runs_[run].shift;
+        std::uint64_t key = (word & runs_[0].mask) >> runs_[0].shift | (word & runs_[1].mask) >> runs_[1].shift;
+        for (unsigned run = 2; run < count_; ++run) key |= (word & runs_[run].mask) >> runs_[run].shift;
         return key;
     }
 
     /// Calls `use` with the cheapest function that gives the same keys.
     template <class Use> auto cheapest(Use use) const {
-        if (count_ > 2)
-            return use(*this);
+        if (count_ > 2) return use(*this);
         return use([low = runs_[0], high = runs_[1]](std::uint64_t word) {
             return (word & low.mask) >> low.shift | (word & high.mask) >> high.shift;
         });
@@ -52,5 +48,4 @@ private:
     unsigned count_ = 0;
     unsigned bits_ = 0;
 };
-
 } // namespace vantel

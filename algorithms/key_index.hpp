@@ -1,6 +1,7 @@
 /// Numbers keys in the order in which they are first seen.
 #pragma once
 
+#include "algorithms/crossovers.hpp"
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -8,13 +9,9 @@
 #include <stdexcept>
 #include <vector>
 
-#include "algorithms/crossovers.hpp"
-
 namespace vantel {
-
-/// A number for each distinct key, counted from 0 in first-seen order: the position at which a linear
-/// search through the keys seen so far would find it, or append it. For a key space small enough for one
-/// slot a key.
+/// A number for each distinct key, counted from 0 in first-seen order: the position at which a linear search through
+/// the keys seen so far would find it, or append it. For a key space small enough for one slot a key.
 class DirectKeyIndex {
 public:
     explicit DirectKeyIndex(std::size_t key_space) : slots_(key_space, 0) {}
@@ -24,8 +21,7 @@ public:
     /// The key's number; equal to the former size() if it is new.
     std::size_t find_or_add(std::uint64_t key) noexcept {
         std::uint32_t& slot = slots_[key];
-        if (slot == 0)
-            slot = ++size_;
+        if (slot == 0) slot = ++size_;
         return slot - 1;
     }
 
@@ -49,14 +45,12 @@ public:
     std::size_t find_or_add(std::uint64_t key) {
         std::size_t slot = home(key);
         for (; slots_[slot] != 0; slot = (slot + 1) & (slots_.size() - 1))
-            if (keys_[slots_[slot] - 1] == key)
-                return slots_[slot] - 1;
+            if (keys_[slots_[slot] - 1] == key) return slots_[slot] - 1;
         if (keys_.size() == std::numeric_limits<std::uint32_t>::max())
             throw std::length_error("too many distinct basis states");
         keys_.push_back(key);
         slots_[slot] = static_cast<std::uint32_t>(keys_.size());
-        if (2 * keys_.size() > slots_.size())
-            spread(2 * slots_.size());
+        if (2 * keys_.size() > slots_.size()) spread(2 * slots_.size());
         return keys_.size() - 1;
     }
 
@@ -71,8 +65,7 @@ private:
         shift_ = 64 - static_cast<unsigned>(std::countr_zero(size));
         for (std::size_t i = 0; i < keys_.size(); ++i) {
             std::size_t slot = home(keys_[i]);
-            while (slots_[slot] != 0)
-                slot = (slot + 1) & (size - 1);
+            while (slots_[slot] != 0) slot = (slot + 1) & (size - 1);
             slots_[slot] = static_cast<std::uint32_t>(i + 1);
         }
     }
@@ -82,16 +75,14 @@ private:
     unsigned shift_ = 0;
 };
 
-/// Calls `use` with an index for keys below 2^bits, about `expected` of them distinct: the direct one where
-/// its slots are few.
+/// Calls `use` with an index for keys below 2^bits, about `expected` of them distinct: the direct one where its slots
+/// are few.
 template <class Use> auto with_key_index(unsigned bits, std::size_t expected, Use use) {
-    if (bits < 32 &&
-        std::size_t{1} << bits <= crossover::direct_keys + crossover::direct_keys_each * expected) {
+    if (bits < 32 && std::size_t{1} << bits <= crossover::direct_keys + crossover::direct_keys_each * expected) {
         DirectKeyIndex index(std::size_t{1} << bits);
         return use(index);
     }
     HashedKeyIndex index(expected);
     return use(index);
 }
-
 } // namespace vantel

@@ -1,18 +1,16 @@
 /// One family of vectors, by width: a word, 16 bytes and 32 bytes.
 ///
-/// What takes or returns 32 bytes is always inlined, since how such a vector is passed depends on the
-/// instructions that a function is compiled for.
+/// What takes or returns 32 bytes is always inlined, since how such a vector is passed depends on the instructions that
+/// a function is compiled for.
 #pragma once
 
+#include "algorithms/wide_loop.hpp"
 #include <cmath>
 #include <complex>
 #include <cstddef>
 #include <cstdint>
 
-#include "algorithms/wide_loop.hpp"
-
 namespace vantel {
-
 /// Two words, and real and imaginary part of a number side by side.
 using Words [[gnu::vector_size(16)]] = std::uint64_t;
 using Parts [[gnu::vector_size(16)]] = double;
@@ -33,9 +31,7 @@ inline Parts parts_of(const std::complex<double>& number) noexcept {
 inline void store(Parts parts, std::complex<double>& number) noexcept {
     *reinterpret_cast<StoredParts*>(&number) = parts;
 }
-inline std::complex<double> complex_of(Parts parts) noexcept {
-    return {parts[0], parts[1]};
-}
+inline std::complex<double> complex_of(Parts parts) noexcept { return {parts[0], parts[1]}; }
 
 /// Two numbers in one vector, and the two of a vector.
 [[gnu::always_inline]] inline FourParts joined(Parts low, Parts high) noexcept {
@@ -48,20 +44,16 @@ inline std::complex<double> complex_of(Parts parts) noexcept {
     return __builtin_shufflevector(both, both, 2, 3);
 }
 /// Each number with its parts exchanged.
-inline Parts exchanged(Parts number) noexcept {
-    return __builtin_shufflevector(number, number, 1, 0);
-}
+inline Parts exchanged(Parts number) noexcept { return __builtin_shufflevector(number, number, 1, 0); }
 [[gnu::always_inline]] inline FourParts exchanged(FourParts both) noexcept {
     return __builtin_shufflevector(both, both, 1, 0, 3, 2);
 }
 
-// A mask has all bits of a word set or none. What follows is written alike for one word and for several, so
-// that a kernel says once what it does to each.
+// A mask has all bits of a word set or none. What follows is written alike for one word and for several, so that a
+// kernel says once what it does to each.
 
 /// A mask of where a and b are equal.
-inline std::uint64_t equal(std::uint64_t a, std::uint64_t b) noexcept {
-    return -static_cast<std::uint64_t>(a == b);
-}
+inline std::uint64_t equal(std::uint64_t a, std::uint64_t b) noexcept { return -static_cast<std::uint64_t>(a == b); }
 [[gnu::always_inline]] inline FourWords equal(FourWords a, FourWords b) noexcept {
     return reinterpret_cast<FourWords>(a == b);
 }
@@ -70,9 +62,7 @@ inline std::uint64_t equal(std::uint64_t a, std::uint64_t b) noexcept {
 }
 
 /// Whether the highest bit of some word is set; of a mask, whether any of it is.
-inline bool any_highest(std::uint64_t word) noexcept {
-    return word >> 63 != 0;
-}
+inline bool any_highest(std::uint64_t word) noexcept { return word >> 63 != 0; }
 inline bool any_highest(Words words) noexcept {
 #ifdef __SSE2__
     return __builtin_ia32_movmskpd(reinterpret_cast<Parts>(words)) != 0; // at once, and not word by word
@@ -81,8 +71,7 @@ inline bool any_highest(Words words) noexcept {
 #endif
 }
 [[gnu::always_inline]] inline bool any_highest(FourWords words) noexcept {
-    return any_highest(__builtin_shufflevector(words, words, 0, 1) |
-                       __builtin_shufflevector(words, words, 2, 3));
+    return any_highest(__builtin_shufflevector(words, words, 0, 1) | __builtin_shufflevector(words, words, 2, 3));
 }
 
 /// `chosen` where the mask is set, `other` elsewhere.
@@ -90,8 +79,8 @@ inline bool any_highest(Words words) noexcept {
     return Words{mask, mask} ? chosen : other;
 }
 
-// For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a
-// vector by value.
+// For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a vector by
+// value.
 #ifdef __x86_64__
 [[gnu::target("avx2")]] inline bool any_wide(const FourWords& mask) noexcept {
     return __builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(mask)) != 0;
@@ -148,8 +137,7 @@ struct FourRecords {
         const FourWords even_numbers = __builtin_shufflevector(a, c, 2, 3, 6, 7);
         const FourWords uneven_numbers = __builtin_shufflevector(b, d, 2, 3, 6, 7);
         real = reinterpret_cast<FourParts>(__builtin_shufflevector(even_numbers, uneven_numbers, 0, 4, 2, 6));
-        imaginary =
-            reinterpret_cast<FourParts>(__builtin_shufflevector(even_numbers, uneven_numbers, 1, 5, 3, 7));
+        imaginary = reinterpret_cast<FourParts>(__builtin_shufflevector(even_numbers, uneven_numbers, 1, 5, 3, 7));
     }
 };
 
@@ -163,5 +151,4 @@ struct FourRecords {
     store(high_half(even), *numbers[2]);
     store(high_half(uneven), *numbers[3]);
 }
-
 } // namespace vantel

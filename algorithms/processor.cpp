@@ -1,7 +1,6 @@
 #include "algorithms/wide_loop.hpp"
 
 namespace vantel {
-
 // In a file of its own, so that a test can answer instead and try both forms on one processor.
 bool has_wide_vectors() noexcept {
 #ifdef __x86_64__
@@ -10,5 +9,4 @@ bool has_wide_vectors() noexcept {
     return false;
 #endif
 }
-
 } // namespace vantel

@@ -1,5 +1,4 @@
 #include "algorithms/radix_sort.hpp"
-
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -7,24 +6,18 @@
 #include <utility>
 
 namespace vantel {
-
 namespace {
-
 constexpr unsigned digit_bits = 11; // 2048 counters, which stay in the first-level cache
 
 /// One stable pass by the digit at `shift`.
 void pass(std::span<const std::uint64_t> from, std::span<std::uint64_t> to, unsigned shift) noexcept {
     std::array<std::uint32_t, 1U << digit_bits> place{};
     const auto digit = [shift, &place](std::uint64_t item) { return item >> shift & (place.size() - 1); };
-    for (const std::uint64_t item : from)
-        ++place[digit(item)];
+    for (const std::uint64_t item : from) ++place[digit(item)];
     std::uint32_t start = 0;
-    for (std::uint32_t& count : place)
-        start += std::exchange(count, start);
-    for (const std::uint64_t item : from)
-        to[place[digit(item)]++] = item;
+    for (std::uint32_t& count : place) start += std::exchange(count, start);
+    for (const std::uint64_t item : from) to[place[digit(item)]++] = item;
 }
-
 } // namespace
 
 void radix_sort(std::span<std::uint64_t> items, std::span<std::uint64_t> scratch, unsigned low_bit) noexcept {
@@ -34,8 +27,7 @@ void radix_sort(std::span<std::uint64_t> items, std::span<std::uint64_t> scratch
         differing |= items[i] ^ items[0];
         sorted &= items[i - 1] >> low_bit <= items[i] >> low_bit;
     }
-    if (sorted)
-        return;
+    if (sorted) return;
     std::span<std::uint64_t> from = items;
     std::span<std::uint64_t> to = scratch;
     for (std::uint64_t rest = differing >> low_bit << low_bit; rest != 0;) {
@@ -44,8 +36,6 @@ void radix_sort(std::span<std::uint64_t> items, std::span<std::uint64_t> scratch
         std::swap(from, to);
         rest = shift + digit_bits < 64 ? rest >> (shift + digit_bits) << (shift + digit_bits) : 0;
     }
-    if (from.data() != items.data())
-        std::copy(from.begin(), from.end(), items.begin());
+    if (from.data() != items.data()) std::copy(from.begin(), from.end(), items.begin());
 }
-
 } // namespace vantel

@@ -7,9 +7,8 @@
 #include <span>
 
 namespace vantel {
-
-/// Hands out uncleared memory, from a spare stretch that somebody keeps as long as that suffices: memory that
-/// the process has just been given costs more than most of what is done in it.
+/// Hands out uncleared memory, from a spare stretch that somebody keeps as long as that suffices: memory that the
+/// process has just been given costs more than most of what is done in it.
 class Scratch {
 public:
     explicit Scratch(std::span<std::byte> spare = {}) noexcept : spare_(spare) {}
@@ -20,8 +19,7 @@ public:
         static_assert(alignof(T) <= alignment);
         const std::size_t bytes = (count * sizeof(T) + alignment - 1) / alignment * alignment;
         if (bytes > spare_.size())
-            return reinterpret_cast<T*>(
-                (fresh_[taken_++] = std::unique_ptr<std::byte[]>(new std::byte[bytes])).get());
+            return reinterpret_cast<T*>((fresh_[taken_++] = std::unique_ptr<std::byte[]>(new std::byte[bytes])).get());
         std::byte* const begin = spare_.data();
         spare_ = spare_.subspan(bytes);
         return reinterpret_cast<T*>(begin);
@@ -34,5 +32,4 @@ private:
     std::array<std::unique_ptr<std::byte[]>, 8> fresh_;
     std::size_t taken_ = 0;
 };
-
 } // namespace vantel

@@ -8,7 +8,6 @@
 #include <vector>
 
 namespace vantel {
-
 /// Up to `few` elements stand in the list itself, more of them on the heap. It only ever grows.
 template <class T, std::size_t few> class ShortList {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_default_constructible_v<T>);
@@ -33,8 +32,7 @@ public:
     /// Makes sure that growing to `size` elements cannot fail.
     /// @throws std::bad_alloc, and nothing has changed then
     void reserve(std::size_t size) {
-        if (size > few)
-            many_.reserve(size);
+        if (size > few) many_.reserve(size);
     }
 
     /// Grows to `size` elements, the new ones equal to `value`. @throws as reserve
@@ -43,8 +41,7 @@ public:
             std::fill(end(), begin() + size, value);
         } else {
             many_.resize(size, value);
-            if (size_ <= few)
-                std::copy(begin(), end(), many_.begin());
+            if (size_ <= few) std::copy(begin(), end(), many_.begin());
         }
         size_ = size;
     }
@@ -56,5 +53,4 @@ private:
     std::array<T, few> few_; ///< not cleared, which would cost as much as writing it
     std::vector<T> many_;    ///< all elements where they are more than `few`
 };
-
 } // namespace vantel

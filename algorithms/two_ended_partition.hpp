@@ -8,7 +8,6 @@
 #include <span>
 
 namespace vantel {
-
 /// The word with its lowest bit highest.
 constexpr std::uint64_t reversed(std::uint64_t bits) noexcept {
     bits = (bits >> 1 & 0x5555555555555555) | (bits & 0x5555555555555555) << 1;
@@ -17,12 +16,12 @@ constexpr std::uint64_t reversed(std::uint64_t bits) noexcept {
     return __builtin_bswap64(bits);
 }
 
-/// Moves the entries that are kept to the front. Each hole, from the front, is filled with the kept entry
-/// nearest the tail, so order is not kept. That order is part of the behaviour: a stable removal will not do.
-/// Entries are judged by the word, without a branch for each, which no processor could predict; nothing is
-/// allocated. What lies behind the kept entries is to be erased.
-/// @param kept_among  kept_among(first, count) has a bit for each of `count` entries, 64 at the most, from
-///                    place `first` on: whether it is kept. What stands above these bits means nothing
+/// Moves the entries that are kept to the front. Each hole, from the front, is filled with the kept entry nearest the
+/// tail, so order is not kept. That order is part of the behaviour: a stable removal will not do. Entries are judged by
+/// the word, without a branch for each, which no processor could predict; nothing is allocated. What lies behind the
+/// kept entries is to be erased.
+/// @param kept_among  kept_among(first, count) has a bit for each of `count` entries, 64 at the most, from place
+///                    `first` on: whether it is kept. What stands above these bits means nothing
 /// @return how many are kept
 template <class Entry, class KeptAmong>
 std::size_t partition_two_ended(std::span<Entry> list, KeptAmong kept_among) noexcept {
@@ -69,10 +68,8 @@ std::size_t partition_two_ended(std::span<Entry> list, KeptAmong kept_among) noe
 template <class Entry, class Keep> auto judged_by(std::span<Entry> list, Keep keep) noexcept {
     return [=](std::size_t first, std::size_t count) {
         std::uint64_t kept = 0;
-        for (std::size_t i = 0; i < count; ++i)
-            kept |= std::uint64_t{keep(list[first + i])} << i;
+        for (std::size_t i = 0; i < count; ++i) kept |= std::uint64_t{keep(list[first + i])} << i;
         return kept;
     };
 }
-
 } // namespace vantel

@@ -3,10 +3,11 @@
 
 #include <type_traits>
 
-namespace vantel {
+/// Stands on the lambdas of hot loops, so that all of a loop is compiled for the vectors of the place that calls it.
+#define VANTEL_INLINED __attribute__((always_inline))
 
-/// What a loop's vectors are compiled for, as a tag: all that every processor of the target has, or wide
-/// ones.
+namespace vantel {
+/// What a loop's vectors are compiled for, as a tag: all that every processor of the target has, or wide ones.
 struct PlainVectors {};
 struct WideVectors {};
 
@@ -24,14 +25,14 @@ template <class Vectors, class Loop> [[gnu::always_inline]] inline auto run_loop
         return loop(Vectors{});
 }
 
-/// Whether the processor has what the wide form of a loop takes. It is asked each time, so that the library
-/// needs nothing at its start.
+/// Whether the processor has what the wide form of a loop takes. It is asked each time, so that the library needs
+/// nothing at its start.
 bool has_wide_vectors() noexcept;
 
 #if defined(__x86_64__) && !defined(__AVX2__)
 
-/// Keeps a function as its type says. g++ would take a loop apart and hand the vectors in it over in
-/// registers that the caller, which is compiled for less, does not have.
+/// Keeps a function as its type says. g++ would take a loop apart and hand the vectors in it over in registers that the
+/// caller, which is compiled for less, does not have.
 #ifdef __clang__
 #define VANTEL_APART gnu::noinline
 #else
@@ -39,35 +40,30 @@ bool has_wide_vectors() noexcept;
 #endif
 
 /// What a loop is compiled for once more. Fused operations are not among it, so the bits stay the same.
-template <class Loop>
-[[gnu::target("avx2,bmi2"), gnu::flatten, VANTEL_APART]] auto in_wide_vectors(Loop loop) {
+template <class Loop> [[gnu::target("avx2,bmi2"), gnu::flatten, VANTEL_APART]] auto in_wide_vectors(Loop loop) {
     return run_loop<WideVectors>(loop);
 }
 
 /// Apart from its caller, so that this one does not prepare for both forms.
-template <class Loop> [[gnu::noinline]] auto in_plain_vectors(Loop loop) {
-    return run_loop<OwnVectors>(loop);
-}
+template <class Loop> [[gnu::noinline]] auto in_plain_vectors(Loop loop) { return run_loop<OwnVectors>(loop); }
 
 #undef VANTEL_APART
 
 #endif
 
-/// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor
-/// turns out to have them. What is written differently for wide vectors is chosen by the tag that a loop may
-/// have as its parameter.
+/// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor turns out
+/// to have them. What is written differently for wide vectors is chosen by the tag that a loop may have as its
+/// parameter.
 ///
-/// A loop is an always_inline lambda that captures by value: then no store that it makes can be thought to
-/// change what it reads, and every compiler puts all of it into both forms.
+/// A loop is a VANTEL_INLINED lambda that captures by value: then no store that it makes can be thought to change what
+/// it reads, and every compiler puts all of it into both forms.
 /// @return what the loop returns
 template <class Loop> auto wide_loop(const Loop& loop) {
 #if defined(__x86_64__) && !defined(__AVX2__)
-    if (has_wide_vectors())
-        return in_wide_vectors(loop);
+    if (has_wide_vectors()) return in_wide_vectors(loop);
     return in_plain_vectors(loop);
 #else
     return run_loop<OwnVectors>(loop);
 #endif
 }
-
 } // namespace vantel

@@ -1,14 +1,10 @@
+#include "register.hpp"
+#include <benchmark/benchmark.h>
 #include <ctime>
 #include <string>
 
-#include <benchmark/benchmark.h>
-
-#include "register.hpp"
-
 namespace benchmarks {
-
 namespace {
-
 double processor_seconds() {
     std::timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
@@ -49,16 +45,15 @@ template <auto call> void anew(benchmark::State& run, const Description& descrip
     }
 }
 
-/// A guest joins the other qudits and leaves again: in superposition where that makes a dense state, and
-/// in level 0 where the others have all the entries.
+/// A guest joins the other qudits and leaves again: in superposition where that makes a dense state, and in level 0
+/// where the others have all the entries.
 template <bool merging> void guest(benchmark::State& run, const Description& description) {
     Description others = description;
     others.dimensions.pop_back();
     JointState host(others);
     for (auto _ : run) {
         QuantumProperty* const guest = made(description.dimensions.back());
-        if (description.shape == Shape::dense)
-            expect_ok(vantel_hadamard(guest, nullptr, 0));
+        if (description.shape == Shape::dense) expect_ok(vantel_hadamard(guest, nullptr, 0));
         const double start = processor_seconds();
         relate(host.target, guest);
         const double related = processor_seconds();
@@ -80,24 +75,16 @@ void project(JointState& state) {
 }
 
 // On the scattered state these leave the list over the limit, which is reported and is no concern here.
-void transform(JointState& state) {
-    vantel_hadamard(state.target, nullptr, 0);
-}
-void transform_back(JointState& state) {
-    vantel_inverse_hadamard(state.target, nullptr, 0);
-}
-void exchange(JointState& state) {
-    vantel_i_swap(state.target, state.other, 0.3F, nullptr, 0);
-}
+void transform(JointState& state) { vantel_hadamard(state.target, nullptr, 0); }
+void transform_back(JointState& state) { vantel_inverse_hadamard(state.target, nullptr, 0); }
+void exchange(JointState& state) { vantel_i_swap(state.target, state.other, 0.3F, nullptr, 0); }
 
 void version(benchmark::State& run) {
-    for (auto _ : run)
-        benchmark::DoNotOptimize(vantel_version());
+    for (auto _ : run) benchmark::DoNotOptimize(vantel_version());
 }
 
 void make_free(benchmark::State& run) {
-    for (auto _ : run)
-        expect_ok(vantel_free_quantum_property(made(2)));
+    for (auto _ : run) expect_ok(vantel_free_quantum_property(made(2)));
 }
 
 void pair(benchmark::State& run) {
@@ -110,7 +97,6 @@ void pair(benchmark::State& run) {
         expect_ok(vantel_free_quantum_property(target));
     }
 }
-
 } // namespace
 
 void register_lifetimes() {
@@ -120,8 +106,7 @@ void register_lifetimes() {
 }
 
 void register_consuming(const Description& description) {
-    if (description.transforms_only)
-        return;
+    if (description.transforms_only) return;
     add("measure", description, anew<measure>);
     if (description.shape == Shape::scattered) {
         add("hadamard", description, anew<transform>);
@@ -129,12 +114,10 @@ void register_consuming(const Description& description) {
         add("i_swap", description, anew<exchange>);
     }
     // The call needs a place among the ten for itself.
-    if (description.dimensions.size() < 10)
-        add("stochastic_projection", description, anew<project>);
+    if (description.dimensions.size() < 10) add("stochastic_projection", description, anew<project>);
     if (description.dimensions.size() > 1 && description.shape != Shape::diagonal) {
         add("merge", description, guest<true>);
         add("release", description, guest<false>);
     }
 }
-
 } // namespace benchmarks

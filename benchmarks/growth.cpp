@@ -1,16 +1,13 @@
 /// Time against the number of entries, beside the plainest form of the same algorithms.
+#include "reference/literal_state.hpp"
+#include "register.hpp"
+#include <benchmark/benchmark.h>
 #include <cmath>
 #include <complex>
 #include <string>
 #include <vector>
 
-#include <benchmark/benchmark.h>
-
-#include "reference/literal_state.hpp"
-#include "register.hpp"
-
 namespace {
-
 using benchmarks::Description;
 using benchmarks::Shape;
 using vantel::reference::Entries;
@@ -27,13 +24,11 @@ Description grown(std::vector<int> others) {
 }
 
 std::vector<Description> complete_states() {
-    std::vector<Description> all{
-        {"1", Shape::single, {2, 2}, {0}}, grown({}), grown({2}), grown({5}), grown({10})};
+    std::vector<Description> all{{"1", Shape::single, {2, 2}, {0}}, grown({}), grown({2}), grown({5}), grown({10})};
     for (std::vector<int> rest; rest.size() < 4; rest.push_back(10))
         for (std::vector<int> others : {std::vector{5, 5}, {5, 10}, {10, 10}}) {
             others.insert(others.end(), rest.begin(), rest.end());
-            if (grown(others).entries() <= 100000)
-                all.push_back(grown(others));
+            if (grown(others).entries() <= 100000) all.push_back(grown(others));
         }
     return all;
 }
@@ -99,8 +94,7 @@ const Operation operations[] = {
     {"probabilities_all",
      [](LiteralState& s, int, int last) {
          std::vector<int> all;
-         for (int i = 0; i <= last; ++i)
-             all.push_back(i);
+         for (int i = 0; i <= last; ++i) all.push_back(i);
          benchmark::DoNotOptimize(s.probabilities(all));
      }},
     {"density_matrix_one",
@@ -110,28 +104,23 @@ const Operation operations[] = {
 };
 
 void add(const std::string& operation, const Description& description, auto apply) {
-    benchmark::RegisterBenchmark(("literal/" + operation + "/" + description.name).c_str(),
-                                 [=](benchmark::State& run) {
-                                     LiteralState state = literal(description);
-                                     for (auto _ : run)
-                                         apply(state);
-                                 });
+    benchmark::RegisterBenchmark(("literal/" + operation + "/" + description.name).c_str(), [=](benchmark::State& run) {
+        LiteralState state = literal(description);
+        for (auto _ : run) apply(state);
+    });
 }
 
 void register_literal(const Description& description) {
     const int last = static_cast<int>(description.dimensions.size()) - 1;
     for (const Operation& operation : operations)
-        add(operation.name, description,
-            [=](LiteralState& state) { operation.apply(state, (last + 1) / 2, last); });
+        add(operation.name, description, [=](LiteralState& state) { operation.apply(state, (last + 1) / 2, last); });
     Description joining = description;
     joining.dimensions.pop_back();
     Description guest = description;
     guest.dimensions = {2};
-    add("merge", joining, [guest = literal(guest)](LiteralState& host) {
-        benchmark::DoNotOptimize(tensor_product(host, guest));
-    });
+    add("merge", joining,
+        [guest = literal(guest)](LiteralState& host) { benchmark::DoNotOptimize(tensor_product(host, guest)); });
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -141,8 +130,7 @@ int main(int argc, char** argv) {
         for (const Description& state : states) {
             benchmarks::register_repeatable(state);
             benchmarks::register_consuming(state);
-            if (state.shape == Shape::dense && state.entries() <= patience)
-                register_literal(state);
+            if (state.shape == Shape::dense && state.entries() <= patience) register_literal(state);
         }
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

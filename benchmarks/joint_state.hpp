@@ -1,14 +1,12 @@
 /// The states that the benchmarks run on, made through the C interface alone.
 #pragma once
 
+#include "vantel.h"
 #include <cstddef>
 #include <string>
 #include <vector>
 
-#include "vantel.h"
-
 namespace benchmarks {
-
 enum class Shape {
     single,   ///< one entry, all qudits in level 0
     dense,    ///< every combination of levels, in the order of its labels
@@ -77,5 +75,4 @@ public:
 private:
     std::vector<int> levels_;
 };
-
 } // namespace benchmarks

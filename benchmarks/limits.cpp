@@ -1,5 +1,7 @@
 /// What no implementation can go below on this machine: the parts of the work alone.
+#include "register.hpp"
 #include <array>
+#include <benchmark/benchmark.h>
 #include <cmath>
 #include <complex>
 #include <cstdint>
@@ -8,14 +10,8 @@
 #include <set>
 #include <vector>
 
-#include <benchmark/benchmark.h>
-
-#include "register.hpp"
-
 namespace benchmarks {
-
 namespace {
-
 /// The size and content of a stored entry.
 struct Entry {
     std::uint64_t values = 0;
@@ -92,8 +88,7 @@ void sine_cosine(benchmark::State& run, std::size_t d) {
 }
 
 void allocation(benchmark::State& run) {
-    for (auto _ : run)
-        benchmark::DoNotOptimize(std::make_unique<std::array<char, 48>>());
+    for (auto _ : run) benchmark::DoNotOptimize(std::make_unique<std::array<char, 48>>());
 }
 
 void device_word(benchmark::State& run) {
@@ -111,8 +106,7 @@ void records(benchmark::State& run, std::size_t rows, std::size_t columns) {
     for (auto _ : run) {
         for (ProbabilityRecord& record : table.rows) {
             record.probability = 0.5F;
-            for (std::size_t i = 0; i < columns; ++i)
-                record.qudit_values[i] = static_cast<int>(i);
+            for (std::size_t i = 0; i < columns; ++i) record.qudit_values[i] = static_cast<int>(i);
         }
         benchmark::ClobberMemory();
     }
@@ -126,7 +120,6 @@ template <class Run, class... Sizes> void add(std::string name, Run run, Sizes..
     if (known.insert(name).second)
         benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) { run(state, sizes...); });
 }
-
 } // namespace
 
 void register_limits(const Description& description) {
@@ -139,8 +132,6 @@ void register_limits(const Description& description) {
     add("product", product, 2 * entries);
     add("sine_cosine", sine_cosine, d);
     add("records", records, d * d, std::size_t{2});
-    if (description.shape == Shape::dense)
-        add("records", records, entries, description.dimensions.size());
+    if (description.shape == Shape::dense) add("records", records, entries, description.dimensions.size());
 }
-
 } // namespace benchmarks

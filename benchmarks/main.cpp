@@ -1,15 +1,13 @@
+#include "register.hpp"
 #include <benchmark/benchmark.h>
 
-#include "register.hpp"
-
 namespace {
-
 using benchmarks::Description;
 using benchmarks::Shape;
 
 Description dense(int dimension, std::size_t qudits, std::vector<std::size_t> conditions) {
-    return {std::to_string(dimension) + "^" + std::to_string(qudits), Shape::dense,
-            std::vector<int>(qudits, dimension), std::move(conditions)};
+    return {std::to_string(dimension) + "^" + std::to_string(qudits), Shape::dense, std::vector<int>(qudits, dimension),
+            std::move(conditions)};
 }
 
 /// The dimensions that no other state has.
@@ -51,7 +49,6 @@ std::vector<Description> states() {
         {"scattered", Shape::scattered, std::vector<int>(10, 10), {0, 1, 2}},
     };
 }
-
 } // namespace
 
 int main(int argc, char** argv) {

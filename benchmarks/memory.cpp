@@ -1,5 +1,6 @@
-/// How much memory a joint state has before, during and after each operation: all that is asked for in this
-/// process while nothing but the library asks.
+/// How much memory a joint state has before, during and after each operation: all that is asked for in this process
+/// while nothing but the library asks.
+#include "joint_state.hpp"
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -7,27 +8,20 @@
 #include <new>
 #include <span>
 
-#include "joint_state.hpp"
-
 namespace {
-
 std::size_t held = 0;
 std::size_t most_held = 0;
 
 void* counted(void* memory) {
-    if (memory == nullptr)
-        throw std::bad_alloc();
+    if (memory == nullptr) throw std::bad_alloc();
     held += malloc_usable_size(memory);
     most_held = std::max(most_held, held);
     return memory;
 }
-
 } // namespace
 
 // The array forms and those with a size lead to these. A library that is linked in finds them first, too.
-void* operator new(std::size_t size) {
-    return counted(std::malloc(std::max<std::size_t>(size, 1)));
-}
+void* operator new(std::size_t size) { return counted(std::malloc(std::max<std::size_t>(size, 1))); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
     const auto unit = static_cast<std::size_t>(alignment);
     return counted(std::aligned_alloc(unit, (size + unit - 1) / unit * unit));
@@ -36,18 +30,11 @@ void operator delete(void* memory) noexcept {
     held -= malloc_usable_size(memory);
     std::free(memory);
 }
-void operator delete(void* memory, std::align_val_t) noexcept {
-    operator delete(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    operator delete(memory);
-}
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-    operator delete(memory);
-}
+void operator delete(void* memory, std::align_val_t) noexcept { operator delete(memory); }
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { operator delete(memory); }
 
 namespace {
-
 using benchmarks::Description;
 using benchmarks::expect_ok;
 using benchmarks::JointState;
@@ -69,8 +56,7 @@ void renew(JointState& state) {
 
 int read_matrix(JointState& state, Buffers& buffers, std::size_t qudits, std::size_t elements) {
     QuantumProperty* few[] = {state.target, state.other};
-    return vantel_reduced_density_matrix(few, qudits, buffers.parts.data(), buffers.parts.data() + elements,
-                                         elements);
+    return vantel_reduced_density_matrix(few, qudits, buffers.parts.data(), buffers.parts.data() + elements, elements);
 }
 
 struct Operation {
@@ -79,16 +65,12 @@ struct Operation {
 };
 
 // The status is of no interest where a list gets over the limit.
-int fourier(JointState& s, Buffers&) {
-    return vantel_hadamard(s.target, nullptr, 0);
-}
+int fourier(JointState& s, Buffers&) { return vantel_hadamard(s.target, nullptr, 0); }
 int twice(JointState& s, Buffers&) {
     vantel_hadamard(s.target, nullptr, 0);
     return vantel_inverse_hadamard(s.target, nullptr, 0);
 }
-int exchange(JointState& s, Buffers&) {
-    return vantel_i_swap(s.target, s.other, 0.3F, nullptr, 0);
-}
+int exchange(JointState& s, Buffers&) { return vantel_i_swap(s.target, s.other, 0.3F, nullptr, 0); }
 
 const Operation repeatable[] = {
     {"a Fourier gate", fourier},
@@ -138,34 +120,29 @@ void account(const Description& description, const Operation& operation, std::si
     const std::size_t elsewhere = held;
     {
         JointState state(description);
-        if (description.dimensions.size() < 10)
-            renew(state); // without what gates have left behind the list
+        if (description.dimensions.size() < 10) renew(state); // without what gates have left behind the list
         const std::size_t before = held - elsewhere;
         most_held = held;
         operation.run(state, buffers);
         const auto each = static_cast<double>(longest);
         const double peak = static_cast<double>(most_held - elsewhere) / each;
-        std::printf("| %s | %s | %zu | %.1f | %.1f | %.1f | %.2f |\n", description.name.c_str(),
-                    operation.name, longest, static_cast<double>(before) / each, peak,
-                    static_cast<double>(held - elsewhere) / each, peak / 32);
+        std::printf("| %s | %s | %zu | %.1f | %.1f | %.1f | %.2f |\n", description.name.c_str(), operation.name,
+                    longest, static_cast<double>(before) / each, peak, static_cast<double>(held - elsewhere) / each,
+                    peak / 32);
     }
 }
-
 } // namespace
 
 int main() {
     std::puts("| state | operation | longest list | before | peak | kept | peak in lists |\n"
               "|---|---|---:|---:|---:|---:|---:|");
     const Description complete{"10^5", Shape::dense, std::vector<int>(5, 10), {0}};
-    for (const Operation& operation : repeatable)
-        account(complete, operation, 100000);
+    for (const Operation& operation : repeatable) account(complete, operation, 100000);
     const Description few{"10^4 and a qudit in level 0", Shape::idle, std::vector<int>(5, 10), {0}};
-    for (const Operation& operation : to_superposition)
-        account(few, operation, 100000);
+    for (const Operation& operation : to_superposition) account(few, operation, 100000);
     Description far{"scattered", Shape::scattered, std::vector<int>(10, 10), {0}};
     far.scattered_count = 10000;
     account(far, scattered[0], 100000);
     account(far, scattered[1], 19000);
-    for (const Operation& operation : std::span(scattered).subspan(2))
-        account(far, operation, 10000);
+    for (const Operation& operation : std::span(scattered).subspan(2)) account(far, operation, 10000);
 }

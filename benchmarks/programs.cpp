@@ -1,26 +1,20 @@
 /// What users run, from the first qudit made to the last one freed, by the companion.
+#include "register.hpp"
+#include "vantel_noise.hpp"
+#include <benchmark/benchmark.h>
 #include <cmath>
 #include <numbers>
 #include <random>
 #include <string>
 #include <vector>
 
-#include <benchmark/benchmark.h>
-
-#include "register.hpp"
-#include "vantel_noise.hpp"
-
 namespace benchmarks {
-
 namespace {
-
 using vantel::Condition;
 using vantel::Qudit;
 using Qudits = std::vector<Qudit>;
 
-void expect(bool holds) {
-    expect_ok(holds ? vantel_ok : vantel_null_property);
-}
+void expect(bool holds) { expect_ok(holds ? vantel_ok : vantel_null_property); }
 
 void pair() {
     Qudit first(2), second(2);
@@ -60,8 +54,7 @@ void grover(std::size_t qubits) {
         zero.push_back(qubit == 0);
     }
     const auto everywhere = [&] {
-        for (Qudit& qubit : all)
-            vantel::hadamard(qubit);
+        for (Qudit& qubit : all) vantel::hadamard(qubit);
     };
     everywhere();
     const auto rounds = static_cast<int>(std::numbers::pi / 4 * std::exp2(static_cast<double>(qubits) / 2));
@@ -79,8 +72,7 @@ void fourier(std::size_t qudits, int dimension) {
     Qudits all = vantel::make_register(qudits, dimension);
     vantel::fourier_transform(all);
     vantel::inverse_fourier_transform(all);
-    for (const int level : vantel::measure(all))
-        expect(level == 0);
+    for (const int level : vantel::measure(all)) expect(level == 0);
 }
 
 void random_gate(Qudits& all, std::mt19937& draw) {
@@ -89,16 +81,11 @@ void random_gate(Qudits& all, std::mt19937& draw) {
     Qudit& target = all[first];
     const Condition when = all[other] == static_cast<int>(below(2));
     switch (below(5)) {
-    case 0:
-        return vantel::hadamard(target);
-    case 1:
-        return vantel::cycle(target, {when});
-    case 2:
-        return vantel::clock(target, 0.3F);
-    case 3:
-        return vantel::clock(target, 0.7F, {when});
-    default:
-        return vantel::swap_levels(target, all[other]);
+    case 0: return vantel::hadamard(target);
+    case 1: return vantel::cycle(target, {when});
+    case 2: return vantel::clock(target, 0.3F);
+    case 3: return vantel::clock(target, 0.7F, {when});
+    default: return vantel::swap_levels(target, all[other]);
     }
 }
 
@@ -106,8 +93,7 @@ void random_gate(Qudits& all, std::mt19937& draw) {
 template <class Noise> void circuit(std::size_t qudits, int dimension, int gates, Noise noise) {
     std::mt19937 draw(1);
     Qudits all = vantel::make_register(qudits, dimension);
-    for (Qudit& qudit : all)
-        vantel::hadamard(qudit);
+    for (Qudit& qudit : all) vantel::hadamard(qudit);
     for (int i = 0; i < gates; ++i) {
         random_gate(all, draw);
         noise(all[draw() % qudits]);
@@ -129,11 +115,9 @@ void trajectory(std::size_t qudits, int dimension, int gates) {
 
 template <class Program> void add(const std::string& name, Program program) {
     benchmark::RegisterBenchmark(("program/" + name).c_str(), [=](benchmark::State& run) {
-        for (auto _ : run)
-            program();
+        for (auto _ : run) program();
     });
 }
-
 } // namespace
 
 void register_programs() {
@@ -153,5 +137,4 @@ void register_programs() {
     add("trajectory/3^5", [] { trajectory(5, 3, 50); });
     add("trajectory/2^10", [] { trajectory(10, 2, 200); });
 }
-
 } // namespace benchmarks

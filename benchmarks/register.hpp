@@ -4,7 +4,6 @@
 #include "joint_state.hpp"
 
 namespace benchmarks {
-
 void register_limits(const Description& description);
 
 /// Calls that have no state to run on.
@@ -18,5 +17,4 @@ void register_repeatable(const Description& description);
 
 /// What changes a state for good and is timed apart from what restores it.
 void register_consuming(const Description& description);
-
 } // namespace benchmarks

@@ -1,15 +1,11 @@
+#include "register.hpp"
 #include <algorithm>
+#include <benchmark/benchmark.h>
 #include <memory>
 #include <span>
 
-#include <benchmark/benchmark.h>
-
-#include "register.hpp"
-
 namespace benchmarks {
-
 namespace {
-
 struct Gate {
     const char* name;
     std::size_t targets; ///< 0 where the conditions alone say what the gate acts on
@@ -18,8 +14,7 @@ struct Gate {
 };
 
 template <auto gate, int... tenths> int on_target(const JointState& state) {
-    return gate(state.target, (static_cast<float>(tenths) / 10)..., state.conditions.data(),
-                state.conditions.size());
+    return gate(state.target, (static_cast<float>(tenths) / 10)..., state.conditions.data(), state.conditions.size());
 }
 
 template <auto gate, int... tenths> int on_two(const JointState& state) {
@@ -58,13 +53,11 @@ const Readout readouts[] = {
 
 /// What `scripts/bench profile` counts: the calls, and not what makes their states.
 template <class Call> [[gnu::noinline]] void quiet_loop(benchmark::State& run, Call call) {
-    for (auto _ : run)
-        call();
+    for (auto _ : run) call();
 }
 
 /// The state that consecutive runs of one benchmark share: making it takes longer than most runs.
-JointState& shared_state(const std::string& benchmark, const Description& description,
-                         std::size_t conditions) {
+JointState& shared_state(const std::string& benchmark, const Description& description, std::size_t conditions) {
     static std::string made_for;
     static std::unique_ptr<JointState> state;
     if (made_for != benchmark) {
@@ -76,8 +69,7 @@ JointState& shared_state(const std::string& benchmark, const Description& descri
 
 /// Whether a dense state still holds every combination of levels, so that the figures mean what they say.
 bool still_complete(JointState& state, const Description& description) {
-    if (description.shape != Shape::dense)
-        return true;
+    if (description.shape != Shape::dense) return true;
     OutcomeRecords all(description.entries(), state.qudits.size());
     expect_ok(vantel_probabilities(state.qudits.data(), state.qudits.size(), all.rows.data()));
     return std::none_of(all.rows.begin(), all.rows.end(), [](auto& row) { return row.probability == 0; });
@@ -89,27 +81,23 @@ void add(const std::string& operation, const Description& description, std::size
     benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& run) {
         JointState& state = shared_state(name, description, conditions);
         apply(run, state);
-        if (!still_complete(state, description))
-            run.SkipWithError("entries were lost");
+        if (!still_complete(state, description)) run.SkipWithError("entries were lost");
     });
 }
 
 void add_gate(const Gate& gate, const Description& description) {
     for (const std::size_t conditions : description.conditions) {
         const std::size_t needed = gate.targets == 0 ? conditions : gate.targets + conditions;
-        if (needed == 0 || needed > description.dimensions.size())
-            continue;
-        add(gate.name, description, conditions, [gate](benchmark::State& run, JointState& state) {
-            quiet_loop(run, [&] { gate.apply(state); });
-        });
+        if (needed == 0 || needed > description.dimensions.size()) continue;
+        add(gate.name, description, conditions,
+            [gate](benchmark::State& run, JointState& state) { quiet_loop(run, [&] { gate.apply(state); }); });
     }
 }
 
 void add_readout(const Readout& readout, const Description& description) {
     const std::size_t all = description.dimensions.size();
     const std::size_t count = readout.qudits == 0 ? all : readout.qudits;
-    if (count > all || (readout.qudits == 0 && description.combinations() > 100000))
-        return;
+    if (count > all || (readout.qudits == 0 && description.combinations() > 100000)) return;
     add(readout.name, description, 0, [=](benchmark::State& run, JointState& state) {
         QuantumProperty* few[] = {state.target, state.other};
         QuantumProperty** const listed = readout.qudits == 0 ? state.qudits.data() : few;
@@ -126,17 +114,12 @@ void add_readout(const Readout& readout, const Description& description) {
         });
     });
 }
-
 } // namespace
 
 void register_repeatable(const Description& description) {
     for (const Gate& gate : description.transforms_only ? std::span(gates).first(2) : std::span(gates))
-        if (!gate.branches || description.shape != Shape::scattered)
-            add_gate(gate, description);
-    if (description.transforms_only)
-        return;
-    for (const Readout& readout : readouts)
-        add_readout(readout, description);
+        if (!gate.branches || description.shape != Shape::scattered) add_gate(gate, description);
+    if (description.transforms_only) return;
+    for (const Readout& readout : readouts) add_readout(readout, description);
 }
-
 } // namespace benchmarks

@@ -1,15 +1,7 @@
+#include "svg.h"
 #include <math.h>
 
-#include "svg.h"
-
-enum {
-    most_columns = 12,
-    column_width = 36,
-    others_width = 76,
-    bar_height = 180,
-    top = 66,
-    line_height = 15
-};
+enum { most_columns = 12, column_width = 36, others_width = 76, bar_height = 180, top = 66, line_height = 15 };
 
 static void put_axis(FILE* stream, double left, double width) {
     enum { steps = 4 };
@@ -20,12 +12,10 @@ static void put_axis(FILE* stream, double left, double width) {
                 "<text class=\"vq-quiet\" x=\"%.1f\" y=\"%.1f\" text-anchor=\"end\">%g</text>\n",
                 left, y, width, left - 6, y + 4, value);
     }
-    fprintf(stream, "<text class=\"vq-quiet\" x=\"12\" y=\"%d\" text-anchor=\"start\">probability</text>\n",
-            top - 22);
+    fprintf(stream, "<text class=\"vq-quiet\" x=\"12\" y=\"%d\" text-anchor=\"start\">probability</text>\n", top - 22);
 }
 
-static void put_bar(FILE* stream, double x, double width, double probability, double phase,
-                    double coherence) {
+static void put_bar(FILE* stream, double x, double width, double probability, double phase, double coherence) {
     char number[vantel_draw_number_length];
     const double height = fmin(probability, 1) * bar_height;
     if (probability >= VANTEL_DRAW_VISIBLE)
@@ -41,11 +31,10 @@ int vantel_draw_outcomes_svg(FILE* stream, const VantelPicture* picture) {
     const size_t likeliest = vantel_draw_likeliest(picture);
     const double left = fmax(46, 18 + vantel_draw_svg_name_width(picture));
     const double bars = (double)rows.count * column_width;
-    const double plot =
-        fmax(bars + (rows.left_out > 0 ? others_width : 0), vantel_draw_svg_legend_width - 40);
+    const double plot = fmax(bars + (rows.left_out > 0 ? others_width : 0), vantel_draw_svg_legend_width - 40);
     const double labels = top + bar_height + 18, legend = labels + (double)picture->qudit_count * line_height;
-    vantel_draw_svg_open(stream, picture, &rows, "A bar for the probability of each outcome",
-                         left + plot + 16, legend + vantel_draw_svg_legend_height);
+    vantel_draw_svg_open(stream, picture, &rows, "A bar for the probability of each outcome", left + plot + 16,
+                         legend + vantel_draw_svg_legend_height);
     put_axis(stream, left, plot);
     for (size_t i = 0; i < rows.count; ++i) {
         const size_t row = rows.shown[i];

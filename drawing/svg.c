@@ -1,9 +1,7 @@
 #include "svg.h"
-
+#include "colours.h"
 #include <math.h>
 #include <string.h>
-
-#include "colours.h"
 
 enum { line_height = 15 };
 
@@ -16,19 +14,11 @@ static const char style[] =
     ".vq-ink{fill:#f0f0f0}.vq-quiet{fill:#b4b4b4}.vq-rule{stroke:#44474d}.vq-edge{stroke:#f0f0f0}}</style>\n";
 
 void vantel_draw_svg_text(FILE* stream, const char* text) {
-    for (; *text != '\0'; ++text)
-        switch (*text) {
-        case '&':
-            fputs("&amp;", stream);
-            break;
-        case '<':
-            fputs("&lt;", stream);
-            break;
-        case '>':
-            fputs("&gt;", stream);
-            break;
-        default:
-            putc((unsigned char)*text < ' ' ? ' ' : *text, stream);
+    for (; *text != '\0'; ++text) switch (*text) {
+        case '&': fputs("&amp;", stream); break;
+        case '<': fputs("&lt;", stream); break;
+        case '>': fputs("&gt;", stream); break;
+        default: putc((unsigned char)*text < ' ' ? ' ' : *text, stream);
         }
 }
 
@@ -48,16 +38,15 @@ static void put_description(FILE* stream, const VantelPicture* picture, const Ro
             vantel_draw_number(rows->left_out_probability, number));
 }
 
-void vantel_draw_svg_open(FILE* stream, const VantelPicture* picture, const Rows* rows, const char* kind,
-                          double width, double height) {
+void vantel_draw_svg_open(FILE* stream, const VantelPicture* picture, const Rows* rows, const char* kind, double width,
+                          double height) {
     const double bold_letter_width = 8.5;
     width = fmax(width, 24 + bold_letter_width * (double)strlen(picture->title));
-    fprintf(
-        stream,
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %.0f %.0f\" width=\"%.0f\" height=\"%.0f\" "
-        "style=\"max-width:100%%;height:auto\" role=\"img\" font-family=\"sans-serif\" font-size=\"12\" "
-        "text-anchor=\"middle\">\n<title>",
-        width, height, width, height);
+    fprintf(stream,
+            "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %.0f %.0f\" width=\"%.0f\" height=\"%.0f\" "
+            "style=\"max-width:100%%;height:auto\" role=\"img\" font-family=\"sans-serif\" font-size=\"12\" "
+            "text-anchor=\"middle\">\n<title>",
+            width, height, width, height);
     vantel_draw_svg_text(stream, picture->title);
     fputs("</title>\n", stream);
     put_description(stream, picture, rows, kind);
@@ -78,8 +67,8 @@ static void put_colour(FILE* stream, double phase, double coherence) {
 
 void vantel_draw_svg_box(FILE* stream, double x, double y, double width, double height, double phase,
                          double coherence) {
-    fprintf(stream, "<rect class=\"vq-edge\" x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"", x, y,
-            width, height);
+    fprintf(stream, "<rect class=\"vq-edge\" x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"", x, y, width,
+            height);
     put_colour(stream, phase, coherence);
     fputs("/>\n", stream);
 }
@@ -88,8 +77,8 @@ void vantel_draw_svg_legend(FILE* stream, double x, double y, const char* of_wha
     enum { steps = 48, lines = 3, ticks = 4 };
     static const char* const numbers[] = {"0", "&#960;/2", "&#960;", "3&#960;/2", "2&#960;"};
     const double step = 3.5, line = 8;
-    fprintf(stream, "<text class=\"vq-quiet\" x=\"%.1f\" y=\"%.1f\" text-anchor=\"start\">%s</text>\n", x,
-            y + 8, of_what);
+    fprintf(stream, "<text class=\"vq-quiet\" x=\"%.1f\" y=\"%.1f\" text-anchor=\"start\">%s</text>\n", x, y + 8,
+            of_what);
     /* Each step reaches under the next one, so that no page shows between them. */
     for (int i = 0; i < lines; ++i)
         for (int k = 0; k < steps; ++k) {
@@ -119,8 +108,8 @@ double vantel_draw_svg_name_width(const VantelPicture* picture) {
     return letter_width * (double)longest;
 }
 
-void vantel_draw_svg_column_labels(FILE* stream, const VantelPicture* picture, const Rows* rows, double left,
-                                   double y, double column_width, double name_x, const char* name_anchor) {
+void vantel_draw_svg_column_labels(FILE* stream, const VantelPicture* picture, const Rows* rows, double left, double y,
+                                   double column_width, double name_x, const char* name_anchor) {
     char name[vantel_draw_name_length];
     for (size_t qudit = 0; qudit < picture->qudit_count; ++qudit) {
         const double line = y + (double)qudit * line_height;
@@ -130,8 +119,7 @@ void vantel_draw_svg_column_labels(FILE* stream, const VantelPicture* picture, c
         fputs("</text>\n", stream);
         for (size_t i = 0; i < rows->count; ++i)
             fprintf(stream, "<text class=\"vq-ink\" x=\"%.1f\" y=\"%.1f\">%zu</text>\n",
-                    left + ((double)i + 0.5) * column_width, line,
-                    vantel_draw_level(picture, rows->shown[i], qudit));
+                    left + ((double)i + 0.5) * column_width, line, vantel_draw_level(picture, rows->shown[i], qudit));
     }
 }
 

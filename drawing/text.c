@@ -1,13 +1,12 @@
 #define _POSIX_C_SOURCE 200809L
+#include "colours.h"
+#include "rows.h"
+#include "vantel_draw.h"
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
-
-#include "colours.h"
-#include "rows.h"
-#include "vantel_draw.h"
 
 enum { bar_width = 48 };
 
@@ -33,8 +32,7 @@ static void put_bar(FILE* stream, double probability) {
     const double single_precision = 1e-6;
     int full = (int)(fmin(probability + single_precision, 1) * bar_width);
     full = full > 0 ? full : 1;
-    for (int i = 0; i < bar_width; ++i)
-        putc(i < full ? '#' : '.', stream);
+    for (int i = 0; i < bar_width; ++i) putc(i < full ? '#' : '.', stream);
 }
 
 int vantel_draw_text(FILE* stream, const VantelPicture* picture) {

@@ -1,12 +1,11 @@
 /* Entangled states of qudits that differ in their number of levels: a Bell pair of three and five levels, its
    halves, which have no phase, and a three-party Greenberger-Horne-Zeilinger state of two, three and four
    levels. */
+#include "options.h"
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <vantel.h>
-
-#include "options.h"
 
 enum { most_qudits = 3, most_rows = 2 * 3 * 4 };
 
@@ -40,16 +39,14 @@ static int show(const char* title, const int* dimensions, size_t count, const ch
         rows *= (size_t)dimensions[i];
     }
     check(vantel_hadamard(qudits[0], NULL, 0));
-    for (size_t i = 1; i < count; ++i)
-        copy_level(qudits[0], dimensions[0], qudits[i]);
+    for (size_t i = 1; i < count; ++i) copy_level(qudits[0], dimensions[0], qudits[i]);
     static const char half[] = "The first of them alone";
     const size_t half_rows = (size_t)dimensions[0];
     check(vantel_reduced_density_matrix(qudits, 1, real, imaginary, half_rows * half_rows));
     const VantelPicture alone = {half, dimensions, 1, real, imaginary, NULL};
     int right = show_picture(&alone, NULL) == 0;
     check(vantel_reduced_density_matrix(qudits, count, real, imaginary, rows * rows));
-    for (size_t i = count; i-- > 0;)
-        vantel_free_quantum_property(qudits[i]);
+    for (size_t i = count; i-- > 0;) vantel_free_quantum_property(qudits[i]);
 
     const VantelPicture picture = {title, dimensions, count, real, imaginary, NULL};
     right = show_picture(&picture, svg) == 0 && right;
@@ -59,8 +56,7 @@ static int show(const char* title, const int* dimensions, size_t count, const ch
         for (size_t c = 0; c < rows; ++c) {
             const int both = r % step == 0 && r / step < terms && c % step == 0 && c / step < terms;
             const float told = both ? 1.0f / (float)terms : 0.0f;
-            right =
-                right && fabsf(real[r * rows + c] - told) < 1e-6f && fabsf(imaginary[r * rows + c]) < 1e-6f;
+            right = right && fabsf(real[r * rows + c] - told) < 1e-6f && fabsf(imaginary[r * rows + c]) < 1e-6f;
         }
     return right;
 }
@@ -69,6 +65,5 @@ int main(int argc, char** argv) {
     const int bell[] = {3, 5}, ghz[] = {2, 3, 4};
     const char* const svg = svg_name(argc, argv);
     const int right = show("A Bell pair of three and five levels", bell, 2, NULL);
-    return show("A GHZ state of two, three and four levels", ghz, 3, svg) && right ? EXIT_SUCCESS
-                                                                                   : EXIT_FAILURE;
+    return show("A GHZ state of two, three and four levels", ghz, 3, svg) && right ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,11 +1,9 @@
 // Bernstein-Vazirani on seven levels: a function s.x modulo 7 of three digits hides its factors s. One
 // question about all x at once finds the three; questions about one x each would have to be three as well.
+#include "check.hpp"
 #include <array>
 
-#include "check.hpp"
-
 namespace {
-
 constexpr int levels = 7;
 using Digits = std::array<int, 3>;
 
@@ -17,8 +15,7 @@ public:
     void ask(const std::vector<vantel::Qudit>& x, vantel::Qudit& answer) {
         ++questions_;
         for (std::size_t digit = 0; digit < hidden_.size(); ++digit)
-            for (int level = 1; level < levels; ++level)
-                vantel::add(answer, hidden_[digit] * level, x[digit] == level);
+            for (int level = 1; level < levels; ++level) vantel::add(answer, hidden_[digit] * level, x[digit] == level);
     }
 
     [[nodiscard]] int questions() const { return questions_; }
@@ -30,8 +27,7 @@ private:
 
 Digits find(Oracle& oracle) {
     auto question = vantel::make_register(3, levels);
-    for (auto& digit : question)
-        vantel::inverse_hadamard(digit);
+    for (auto& digit : question) vantel::inverse_hadamard(digit);
     // The answer is the sum over k of exp(-2 pi i k / 7) |k>. To add v to it is to multiply it by
     // exp(2 pi i v / 7).
     vantel::Qudit answer(levels);
@@ -41,12 +37,10 @@ Digits find(Oracle& oracle) {
     oracle.ask(question, answer);
 
     // Level x of a digit now has the phase exp(2 pi i s x / 7): inverse_hadamard of level s.
-    for (auto& digit : question)
-        vantel::hadamard(digit);
+    for (auto& digit : question) vantel::hadamard(digit);
     const auto read = vantel::measure(question);
     return {read[0], read[1], read[2]};
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -58,7 +52,7 @@ int main(int argc, char** argv) {
         const Digits found = find(oracle);
         check(found == hidden && oracle.questions() == 1, "one question finds the hidden digits");
         if (number % 60 == 0)
-            std::cout << hidden[0] << ' ' << hidden[1] << ' ' << hidden[2] << "    " << found[0] << ' '
-                      << found[1] << ' ' << found[2] << "    " << oracle.questions() << '\n';
+            std::cout << hidden[0] << ' ' << hidden[1] << ' ' << hidden[2] << "    " << found[0] << ' ' << found[1]
+                      << ' ' << found[2] << "    " << oracle.questions() << '\n';
     }
 }

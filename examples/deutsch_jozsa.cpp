@@ -1,20 +1,17 @@
 // Deutsch-Jozsa on qutrits: one question tells a constant function of three trits from a balanced one, which
 // takes each of its three values equally often.
+#include "check.hpp"
 #include <algorithm>
 #include <functional>
 
-#include "check.hpp"
-
 namespace {
-
 using Register = std::vector<vantel::Qudit>;
 /// Adds the value of a function of the register to the answer, modulo 3.
 using Oracle = std::function<void(const Register&, vantel::Qudit& answer)>;
 
 bool is_constant(const Oracle& oracle) {
     Register question = vantel::make_register(3, 3);
-    for (auto& trit : question)
-        vantel::hadamard(trit);
+    for (auto& trit : question) vantel::hadamard(trit);
     // An answer in the Fourier basis takes no note of what is added to it; the phase goes to the question.
     vantel::Qudit answer(3);
     vantel::cycle(answer);
@@ -22,12 +19,10 @@ bool is_constant(const Oracle& oracle) {
 
     oracle(question, answer);
 
-    for (auto& trit : question)
-        vantel::inverse_hadamard(trit);
+    for (auto& trit : question) vantel::inverse_hadamard(trit);
     const auto levels = vantel::measure(question);
     return std::ranges::all_of(levels, [](int level) { return level == 0; });
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -45,6 +40,5 @@ int main(int argc, char** argv) {
         vantel::toffoli(x[1], x[2], answer);
     }),
           "x0 + x1 x2 is seen as balanced");
-    std::cout
-        << "three constant and two balanced functions of three trits, told apart by one question each\n";
+    std::cout << "three constant and two balanced functions of three trits, told apart by one question each\n";
 }

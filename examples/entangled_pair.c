@@ -1,20 +1,13 @@
 /* A coin and a die with three faces: the coin is tossed, and the die is turned by one where it shows 1. The
    table of joint probabilities is drawn, and then held against a thousand pairs that are measured. With
    `--svg NAME` the state becomes a picture. */
+#include "options.h"
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <vantel.h>
 
-#include "options.h"
-
-enum {
-    coin_levels = 2,
-    die_levels = 3,
-    outcomes = coin_levels * die_levels,
-    preparations = 1000,
-    width = 40
-};
+enum { coin_levels = 2, die_levels = 3, outcomes = coin_levels * die_levels, preparations = 1000, width = 40 };
 
 typedef struct {
     QuantumProperty* coin;
@@ -50,8 +43,7 @@ static void release(Pair pair) {
 
 static void draw_bar(double share) {
     const int full = (int)(share * width + 1e-4); /* full only at 1 */
-    for (int i = 0; i < width; ++i)
-        fputs(i < full ? "#" : ".", stdout);
+    for (int i = 0; i < width; ++i) fputs(i < full ? "#" : ".", stdout);
 }
 
 static int save_pictures(const char* name, Pair pair) {
@@ -69,8 +61,7 @@ int main(int argc, char** argv) {
     const char* const svg = svg_name(argc, argv);
     int levels[outcomes][2];
     ProbabilityRecord expected[outcomes];
-    for (int i = 0; i < outcomes; ++i)
-        expected[i].qudit_values = levels[i];
+    for (int i = 0; i < outcomes; ++i) expected[i].qudit_values = levels[i];
 
     const Pair pair = prepare();
     QuantumProperty* both[] = {pair.coin, pair.die};

@@ -1,13 +1,11 @@
 // Addition in the Fourier basis: a number of three base-3 digits is added to another by phases alone, without
 // a carry from digit to digit.
+#include "check.hpp"
 #include <cmath>
 #include <functional>
 #include <iomanip>
 
-#include "check.hpp"
-
 namespace {
-
 constexpr int base = 3;
 constexpr std::size_t digits = 3;
 constexpr std::size_t numbers = 27;
@@ -22,9 +20,7 @@ Number make_number(std::size_t value) {
     return number;
 }
 
-std::size_t read(const Number& number) {
-    return vantel::Shape(number).row(vantel::measure(number));
-}
+std::size_t read(const Number& number) { return vantel::Shape(number).row(vantel::measure(number)); }
 
 /// Takes |a, b> to |a, b + sign a mod 27>.
 void add_number(const Number& a, Number& b, int sign = 1) {
@@ -34,15 +30,11 @@ void add_number(const Number& a, Number& b, int sign = 1) {
     for (std::size_t m = 0; m < digits; ++m)
         for (std::size_t j = 0; m + j < digits; ++j)
             for (int level = 1; level < base; ++level)
-                vantel::clock(b[j], sign * level * std::pow(base, static_cast<double>(m + j) - 2),
-                              a[m] == level);
+                vantel::clock(b[j], sign * level * std::pow(base, static_cast<double>(m + j) - 2), a[m] == level);
     vantel::inverse_fourier_transform(b);
 }
 
-float at(const vantel::Outcomes& table, std::size_t a, std::size_t b) {
-    return table[a + numbers * b].probability;
-}
-
+float at(const vantel::Outcomes& table, std::size_t a, std::size_t b) { return table[a + numbers * b].probability; }
 } // namespace
 
 int main(int argc, char** argv) {
@@ -62,8 +54,7 @@ int main(int argc, char** argv) {
     // Every number at once, added to 14.
     constexpr std::size_t right = 14;
     Number a = make_number(0), b = make_number(right);
-    for (auto& digit : a)
-        vantel::hadamard(digit);
+    for (auto& digit : a) vantel::hadamard(digit);
     add_number(a, b);
     std::vector<std::reference_wrapper<vantel::Qudit>> both(a.begin(), a.end());
     both.insert(both.end(), b.begin(), b.end());
@@ -80,8 +71,7 @@ int main(int argc, char** argv) {
 
     // Had the sums been a mixture, the numbers would not find back to level 0 after the subtraction.
     add_number(a, b, -1);
-    for (auto& digit : a)
-        vantel::inverse_hadamard(digit);
+    for (auto& digit : a) vantel::inverse_hadamard(digit);
     const float undone = at(vantel::probabilities(both), 0, right);
     check(std::abs(undone - 1) < 1e-5, "the subtraction undoes the sum");
     std::cout << "subtracted again: 0 and " << right << " with probability " << undone << '\n';

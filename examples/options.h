@@ -5,7 +5,6 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-
 #include <vantel_draw.h>
 
 static inline void refuse(const char* program, const char* usage) {
@@ -15,18 +14,15 @@ static inline void refuse(const char* program, const char* usage) {
 
 /* For a program without a picture: any argument is refused with the usage, and status 2. */
 static inline void no_options(int argc, char** argv) {
-    if (argc > 1)
-        refuse(argv[0], strcmp(argv[1], "--svg") == 0 ? "\nThis example has no picture." : "");
+    if (argc > 1) refuse(argv[0], strcmp(argv[1], "--svg") == 0 ? "\nThis example has no picture." : "");
 }
 
 /* The NAME of `--svg NAME`, or null without arguments; anything else is refused with the usage, and status 2.
  */
 static inline const char* svg_name(int argc, char** argv) {
-    if (argc == 3 && strcmp(argv[1], "--svg") == 0)
-        return argv[2];
+    if (argc == 3 && strcmp(argv[1], "--svg") == 0) return argv[2];
     if (argc > 1)
-        refuse(argv[0],
-               " [--svg NAME]\nWith --svg the picture goes into NAME-outcomes.svg and NAME-density.svg.");
+        refuse(argv[0], " [--svg NAME]\nWith --svg the picture goes into NAME-outcomes.svg and NAME-density.svg.");
     return NULL;
 }
 
@@ -41,8 +37,7 @@ static inline int save_svg(const char* name, const char* kind, int (*draw)(FILE*
         failed = draw(file, picture);
         failed = fclose(file) != 0 || failed;
     }
-    if (failed)
-        perror(path);
+    if (failed) perror(path);
     return failed;
 }
 
@@ -50,8 +45,7 @@ static inline int save_svg(const char* name, const char* kind, int (*draw)(FILE*
  * written. */
 static inline int show_picture(const VantelPicture* picture, const char* name) {
     const int failed = vantel_draw_text(stdout, picture);
-    if (name == NULL)
-        return failed;
+    if (name == NULL) return failed;
     return save_svg(name, "outcomes", vantel_draw_outcomes_svg, picture) |
            save_svg(name, "density", vantel_draw_density_svg, picture) | failed;
 }

@@ -1,14 +1,12 @@
 // Phase estimation: by how much of a circle does a gate turn a state that it leaves alone? Four base-3 digits
 // read it in 81sts, with certainty where that is exact, and else with a known probability.
+#include "check.hpp"
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <numbers>
 
-#include "check.hpp"
-
 namespace {
-
 constexpr int base = 3;
 constexpr std::size_t digits = 4;
 constexpr int values = 81;
@@ -21,13 +19,11 @@ vantel::Outcomes estimate(double phase) {
     vantel::Qudit turned(levels);
     vantel::add(turned, 1);
     auto number = vantel::make_register(digits, base);
-    for (auto& digit : number)
-        vantel::hadamard(digit);
+    for (auto& digit : number) vantel::hadamard(digit);
     // The gate is applied x times for number x, 3^j times for a 1 in digit j.
     double times = 1;
     for (auto& digit : number) {
-        for (int level = 1; level < base; ++level)
-            vantel::clock(turned, fraction * level * times, digit == level);
+        for (int level = 1; level < base; ++level) vantel::clock(turned, fraction * level * times, digit == level);
         times *= base;
     }
     vantel::inverse_fourier_transform(number);
@@ -38,11 +34,9 @@ vantel::Outcomes estimate(double phase) {
 /// is the squared modulus of their mean, which is a geometric series.
 double told(double phase, int y) {
     const double off = std::numbers::pi * (phase - static_cast<double>(y) / values);
-    if (std::abs(std::sin(off)) < 1e-12)
-        return 1;
+    if (std::abs(std::sin(off)) < 1e-12) return 1;
     return std::pow(std::sin(values * off) / (values * std::sin(off)), 2);
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -56,7 +50,7 @@ int main(int argc, char** argv) {
         const auto* best = std::ranges::max_element(seen, {}, &ProbabilityRecord::probability);
         const int y = static_cast<int>(best - seen.begin());
         check(std::abs(phase * values - y) < 0.501, "the likeliest estimate is one of the nearest");
-        std::cout << phase << std::setw(5) << y << "/81 = " << static_cast<double>(y) / values
-                  << std::setw(12) << best->probability << std::setw(12) << told(phase, y) << '\n';
+        std::cout << phase << std::setw(5) << y << "/81 = " << static_cast<double>(y) / values << std::setw(12)
+                  << best->probability << std::setw(12) << told(phase, y) << '\n';
     }
 }

@@ -1,14 +1,12 @@
 // A quantum walk on a ring of ten sites: a coin is tossed, and the walker goes one way or the other, without
 // anybody looking. It spreads faster than a drunkard.
+#include "check.hpp"
 #include <array>
 #include <cmath>
 #include <complex>
 #include <string>
 
-#include "check.hpp"
-
 namespace {
-
 constexpr int sites = 10;
 constexpr int steps = 4;
 
@@ -24,7 +22,6 @@ Amplitudes stepped(const Amplitudes& before) {
     }
     return after;
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -47,8 +44,7 @@ int main(int argc, char** argv) {
         draw(("After step " + std::to_string(step)).c_str(), walker, {"site"}, step == steps ? svg : nullptr);
         const auto seen = vantel::probabilities(walker);
         for (std::size_t site = 0; site < sites; ++site)
-            check(std::abs(seen[site].probability - std::norm(told[site][0]) - std::norm(told[site][1])) <
-                      1e-5,
+            check(std::abs(seen[site].probability - std::norm(told[site][0]) - std::norm(told[site][1])) < 1e-5,
                   "the walker is where the amplitudes say");
     }
 }

@@ -1,20 +1,17 @@
 // A chain of seven spins of size 1, each a qutrit, with H = the sum of S . S' over neighbours. Three quanta
 // at one end run through it. Its evolution is made of gates on two neighbours, a Trotter product of second
 // order, and held against the exact one, by diagonalisation.
+#include "check.hpp"
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <iomanip>
 #include <numeric>
-#include <vector>
-
 #include <vantel_quantities.hpp>
 #include <vantel_unitary.hpp>
-
-#include "check.hpp"
+#include <vector>
 
 namespace {
-
 using vantel::Complex;
 
 constexpr std::size_t spins = 7;
@@ -24,8 +21,7 @@ constexpr Levels start{2, 1, 0, 0, 0, 0, 0};
 /// The element of S . S' = S_z S_z' + (S+ S-' + S- S+') / 2 between levels (a, b) of two spins and others. S+
 /// and S- have the elements sqrt(2).
 double coupling(int a, int b, int to_a, int to_b) {
-    if (a == to_a && b == to_b)
-        return (1 - a) * (1 - b);
+    if (a == to_a && b == to_b) return (1 - a) * (1 - b);
     return std::abs(a - to_a) == 1 && a + b == to_a + to_b ? 1 : 0;
 }
 
@@ -39,13 +35,11 @@ vantel::Unitary bond(double t) {
         h.at(i) = coupling(column % 3, column / 3, row % 3, row / 3);
     }
     for (std::size_t i = 0; i < h.size(); ++i)
-        for (std::size_t k = 0; k < side; ++k)
-            square.at(i) += h.at(i / side * side + k) * h.at(k * side + i % side);
+        for (std::size_t k = 0; k < side; ++k) square.at(i) += h.at(i / side * side + k) * h.at(k * side + i % side);
     std::vector<Complex> matrix;
     for (std::size_t i = 0; i < h.size(); ++i) {
         const double one = i / side == i % side, x = h.at(i), xx = square.at(i);
-        matrix.push_back((xx - one) / 3 * std::polar(1.0, 2 * t) -
-                         (xx + x - 2 * one) / 2 * std::polar(1.0, t) +
+        matrix.push_back((xx - one) / 3 * std::polar(1.0, 2 * t) - (xx + x - 2 * one) / 2 * std::polar(1.0, t) +
                          (xx + 3 * x + 2 * one) / 6 * std::polar(1.0, -t));
     }
     return {{3, 3}, matrix};
@@ -56,16 +50,13 @@ vantel::Unitary bond(double t) {
 std::vector<std::vector<double>> diagonalise(std::vector<std::vector<double>>& h) {
     const std::size_t side = h.size();
     std::vector<std::vector<double>> vectors(side, std::vector<double>(side));
-    for (std::size_t i = 0; i < side; ++i)
-        vectors[i][i] = 1;
+    for (std::size_t i = 0; i < side; ++i) vectors[i][i] = 1;
     for (int sweep = 0; sweep < 12; ++sweep)
         for (std::size_t p = 0; p < side; ++p)
             for (std::size_t q = p + 1; q < side; ++q) {
                 const double cotangent = (h[q][q] - h[p][p]) / (2 * h[p][q]); // of the double angle
-                if (!std::isfinite(cotangent))
-                    continue;
-                const double t =
-                    std::copysign(1.0, cotangent) / (std::abs(cotangent) + std::hypot(1.0, cotangent));
+                if (!std::isfinite(cotangent)) continue;
+                const double t = std::copysign(1.0, cotangent) / (std::abs(cotangent) + std::hypot(1.0, cotangent));
                 const double c = 1 / std::hypot(1.0, t), s = t * c;
                 const auto turn = [&](double& x, double& y) {
                     const double old = x;
@@ -76,8 +67,7 @@ std::vector<std::vector<double>> diagonalise(std::vector<std::vector<double>>& h
                     turn(h[k][p], h[k][q]);
                     turn(vectors[k][p], vectors[k][q]);
                 }
-                for (std::size_t k = 0; k < side; ++k)
-                    turn(h[p][k], h[q][k]);
+                for (std::size_t k = 0; k < side; ++k) turn(h[p][k], h[q][k]);
             }
     return vectors;
 }
@@ -105,8 +95,7 @@ public:
                     moved.at(k) = states_[i].at(k);
                     moved.at(k + 1) = states_[i].at(k + 1);
                     if (moved == states_[i])
-                        h_[i][j] +=
-                            coupling(states_[j].at(k), states_[j].at(k + 1), moved.at(k), moved.at(k + 1));
+                        h_[i][j] += coupling(states_[j].at(k), states_[j].at(k + 1), moved.at(k), moved.at(k + 1));
                 }
         vectors_ = diagonalise(h_);
     }
@@ -114,8 +103,7 @@ public:
     /// All amplitudes at a time t: the sum over eigenvectors v of v v(start) exp(-i t E).
     [[nodiscard]] std::vector<Complex> state(double t) const {
         std::size_t first = 0;
-        while (states_[first] != start)
-            ++first;
+        while (states_[first] != start) ++first;
         std::vector<Complex> amplitudes(2187);
         for (std::size_t i = 0; i < rows_.size(); ++i)
             for (std::size_t k = 0; k < rows_.size(); ++k)
@@ -133,12 +121,10 @@ private:
 /// odd ones, then the other half.
 std::vector<vantel::Qudit> evolve(double t, int steps) {
     auto chain = vantel::make_register(spins, 3);
-    for (std::size_t i = 0; i < spins; ++i)
-        vantel::add(chain[i], start.at(i));
+    for (std::size_t i = 0; i < spins; ++i) vantel::add(chain[i], start.at(i));
     const vantel::Unitary half = bond(t / steps / 2), whole = bond(t / steps);
     const auto apply = [&](const vantel::Unitary& gate, std::size_t first) {
-        for (std::size_t i = first; i + 1 < spins; i += 2)
-            gate.apply({chain[i], chain[i + 1]});
+        for (std::size_t i = first; i + 1 < spins; i += 2) gate.apply({chain[i], chain[i + 1]});
     };
     for (int step = 0; step < steps; ++step) {
         apply(half, 0);
@@ -168,11 +154,9 @@ Profile profile(const std::vector<Complex>& state) {
 
 double largest_difference(const Profile& a, const Profile& b) {
     double largest = 0;
-    for (std::size_t i = 0; i < spins; ++i)
-        largest = std::max(largest, std::abs(a.at(i) - b.at(i)));
+    for (std::size_t i = 0; i < spins; ++i) largest = std::max(largest, std::abs(a.at(i) - b.at(i)));
     return largest;
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -185,8 +169,7 @@ int main(int argc, char** argv) {
         const auto expected = exact.state(t);
         const Profile means = profile(chain);
         std::cout << t;
-        for (const double mean : means)
-            std::cout << std::setw(8) << mean;
+        for (const double mean : means) std::cout << std::setw(8) << mean;
         std::cout << '\n';
         check(largest_difference(means, profile(expected)) < 2e-3, "each spin turns as diagonalisation says");
         check(vantel::fidelity(chain, expected) > 1 - 1e-4, "and so does the whole chain");

@@ -1,8 +1,7 @@
 // Teleportation of a qutrit: a state that nobody knows goes to another place by a shared Bell pair and two
 // measured levels.
-#include <array>
-
 #include "check.hpp"
+#include <array>
 
 int main(int argc, char** argv) {
     const char* const svg = svg_name(argc, argv);

@@ -1,18 +1,15 @@
 // A code of three qutrits: level k becomes the sum over j of |j, j + k, j + 2k>. It sees every error of one
 // qutrit, so what passes its test is wrong far more seldom than a qutrit without it, and it survives the loss
 // of any one qutrit.
+#include "check.hpp"
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <iomanip>
 #include <random>
-
 #include <vantel_noise.hpp>
 
-#include "check.hpp"
-
 namespace {
-
 constexpr int levels = 3;
 using Code = std::array<vantel::Qudit, 3>; // the last one holds the message while it is not encoded
 
@@ -42,8 +39,7 @@ Result send(const Errors& errors) {
     vantel::Qudit kept(levels);
     vantel::prepare_bell(kept, code[2]);
     encode(code);
-    for (std::size_t i = 0; i < code.size(); ++i)
-        errors[i].apply(code[i]);
+    for (std::size_t i = 0; i < code.size(); ++i) errors[i].apply(code[i]);
     recover(code);
     vantel::inverse_sum(code[0], code[1]);
     vantel::inverse_hadamard(code[0]);
@@ -63,7 +59,6 @@ bool arrives_unprotected(const vantel::Weyl& error) {
     const auto [phase, offset] = vantel::measure(kept, sent);
     return phase == 0 && offset == 0;
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -88,8 +83,7 @@ int main(int argc, char** argv) {
         const auto after = vantel::reduced_density_matrix(code[2]);
         for (std::size_t row = 0; row < levels; ++row)
             for (std::size_t column = 0; column < levels; ++column)
-                check(std::abs(after(row, column) - before(row, column)) < 1e-5,
-                      "two qutrits have the message");
+                check(std::abs(after(row, column) - before(row, column)) < 1e-5, "two qutrits have the message");
     }
     std::cout << "24 errors of one qutrit seen, any lost qutrit done without\n";
 
@@ -110,8 +104,7 @@ int main(int argc, char** argv) {
             check(result.passed == ((a.shifts + b.shifts + c.shifts) % levels == 0 &&
                                     (a.clocks + b.clocks + c.clocks) % levels == 0),
                   "the test passes what it cannot see");
-            check(!result.passed || result.right == (a == b && b == c),
-                  "the message has the error that is left");
+            check(!result.passed || result.right == (a == b && b == c), "the message has the error that is left");
             passed += result.passed;
             wrong += result.passed && !result.right;
         }
@@ -119,8 +112,8 @@ int main(int argc, char** argv) {
         const double pass_right = std::pow(1 - p, 3) + 8 * std::pow(p / 8, 3);
         std::cout << std::setprecision(2) << p << std::setprecision(5) << std::setw(15)
                   << static_cast<double>(wrong_without) / trials << std::setw(10)
-                  << static_cast<double>(passed) / trials << std::setw(14)
-                  << static_cast<double>(wrong) / passed << std::setw(12) << 1 - pass_right / pass << '\n';
+                  << static_cast<double>(passed) / trials << std::setw(14) << static_cast<double>(wrong) / passed
+                  << std::setw(12) << 1 - pass_right / pass << '\n';
         check(is_expected(wrong_without, trials, p), "without the code every error does harm");
         check(is_expected(passed, trials, pass), "the share that passes is known");
         check(is_expected(wrong, trials, pass - pass_right), "errors that pass are as seldom as told");

@@ -4,35 +4,22 @@
 #include "state/state.hpp"
 
 namespace vantel::qudit {
-
 namespace {
-
 void apply(EntryList& list, SlotLayout layout, const Gate& gate) {
     switch (gate.kind) {
-    case Gate::phase_rotate:
-        return phase_rotate(list.entries(), layout, gate);
-    case Gate::shift:
-        return shift(list.entries(), layout, gate);
-    case Gate::cycle:
-        return cycle(list.entries(), layout, gate);
+    case Gate::phase_rotate: return phase_rotate(list.entries(), layout, gate);
+    case Gate::shift: return shift(list.entries(), layout, gate);
+    case Gate::cycle: return cycle(list.entries(), layout, gate);
     case Gate::fractional_shift:
-    case Gate::fractional_cycle:
-        return fractional_step(list, layout, gate);
-    case Gate::clock:
-        return clock(list.entries(), layout, gate);
-    case Gate::fractional_clock:
-        return fractional_clock(list.entries(), layout, gate);
-    case Gate::hadamard:
-        return hadamard(list, layout, gate, +1.0);
-    case Gate::inverse_hadamard:
-        return hadamard(list, layout, gate, -1.0);
-    case Gate::swap:
-        return swap(list.entries(), layout, gate);
-    case Gate::i_swap:
-        return i_swap(list, layout, gate);
+    case Gate::fractional_cycle: return fractional_step(list, layout, gate);
+    case Gate::clock: return clock(list.entries(), layout, gate);
+    case Gate::fractional_clock: return fractional_clock(list.entries(), layout, gate);
+    case Gate::hadamard: return hadamard(list, layout, gate, +1.0);
+    case Gate::inverse_hadamard: return hadamard(list, layout, gate, -1.0);
+    case Gate::swap: return swap(list.entries(), layout, gate);
+    case Gate::i_swap: return i_swap(list, layout, gate);
     }
 }
-
 } // namespace
 
 template <class Label> void State<Label>::act(const Gate& gate) {
@@ -45,9 +32,8 @@ template <class Label> void State<Label>::reduce(std::vector<Entry>& list) noexc
     list.erase(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end());
 }
 
-template <class Label>
-auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int target,
-                                      const std::vector<Predicate>& controls, double sign)
+template <class Label> auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int target,
+                                                             const std::vector<Predicate>& controls, double sign)
     -> std::vector<Entry> {
     std::vector<Entry> output;
     ListOf<Label> list(output);
@@ -57,8 +43,6 @@ auto State<Label>::hadamard_no_reduce(const std::vector<Entry>& input, int targe
 
 VANTEL_INSTANTIATE(void, act, (const Gate&))
 VANTEL_INSTANTIATE(void, reduce, (std::vector<Entry>&) noexcept)
-VANTEL_INSTANTIATE(
-    auto, hadamard_no_reduce,
-    (const std::vector<Entry>&, int, const std::vector<Predicate>&, double)->std::vector<Entry>)
-
+VANTEL_INSTANTIATE(auto, hadamard_no_reduce,
+                   (const std::vector<Entry>&, int, const std::vector<Predicate>&, double)->std::vector<Entry>)
 } // namespace vantel::qudit

@@ -1,13 +1,11 @@
 /// The exchange of two qudits' fields in a packed word, which `swap` and `i_swap` share.
 #pragma once
 
+#include "state/dit_array.hpp"
 #include <algorithm>
 #include <cstdint>
 
-#include "state/dit_array.hpp"
-
 namespace vantel::qudit {
-
 class Exchange {
 public:
     Exchange(SlotLayout layout, int first, int second) noexcept
@@ -19,8 +17,8 @@ public:
         return (word >> low_ & mask_) - (word >> (low_ + distance_) & mask_);
     }
 
-    /// What a word differs in, bit by bit, from itself with the two fields exchanged; 0 if they are equal.
-    /// For one word or for four.
+    /// What a word differs in, bit by bit, from itself with the two fields exchanged; 0 if they are equal. For one word
+    /// or for four.
     template <class Word> [[nodiscard, gnu::always_inline]] Word difference(Word word) const noexcept {
         const Word low = (word ^ word >> distance_) & (mask_ << low_);
         return low | low << distance_;
@@ -31,5 +29,4 @@ private:
     unsigned distance_;
     std::uint64_t mask_;
 };
-
 } // namespace vantel::qudit

@@ -1,18 +1,16 @@
 /// The matrix of the Fourier transform of one qudit.
 #pragma once
 
+#include "algorithms/complex_product.hpp"
 #include <array>
 #include <bitset>
 #include <cmath>
 #include <cstdint>
 
-#include "algorithms/complex_product.hpp"
-
 namespace vantel::qudit {
-
-/// The factors by which an amplitude goes from level v to each level k of a d-level qudit:
-/// exp(i sign 2 pi (d - k) v / d) / sqrt(d). The angle is taken as it stands, with d - k and unreduced, so
-/// that the residues of rounding are those of this very product; no table of roots of unity replaces it.
+/// The factors by which an amplitude goes from level v to each level k of a d-level qudit: exp(i sign 2 pi (d - k) v /
+/// d) / sqrt(d). The angle is taken as it stands, with d - k and unreduced, so that the residues of rounding are those
+/// of this very product; no table of roots of unity replaces it.
 class FourierFactors {
 public:
     static constexpr std::size_t levels = 16; ///< what a field can hold
@@ -26,8 +24,7 @@ public:
     };
 
     FourierFactors(std::uint64_t dimension, double sign)
-        : dimension_(dimension), scale_(1.0 / std::sqrt(number(dimension))),
-          unit_((sign + sign) * 3.141592653589793) {}
+        : dimension_(dimension), scale_(1.0 / std::sqrt(number(dimension))), unit_((sign + sign) * 3.141592653589793) {}
 
     [[nodiscard]] std::uint64_t dimension() const noexcept { return dimension_; }
 
@@ -82,5 +79,4 @@ private:
     std::bitset<(levels + 1) * levels> seen_;
     std::array<Angle, (levels + 1) * levels> angles_;
 };
-
 } // namespace vantel::qudit

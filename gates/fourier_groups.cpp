@@ -1,8 +1,4 @@
 /// The sums of the Fourier transform's groups.
-#include <algorithm>
-#include <array>
-#include <vector>
-
 #include "algorithms/constant_count.hpp"
 #include "algorithms/crossovers.hpp"
 #include "gates/fourier_factors.hpp"
@@ -12,11 +8,12 @@
 #include "state/position_table.hpp"
 #include "state/reduction.hpp"
 #include "state/survey.hpp"
+#include <algorithm>
+#include <array>
+#include <vector>
 
 namespace vantel::qudit {
-
 namespace {
-
 /// Adds groups to the sums of a list. It is copied into the loop that it works in.
 template <std::size_t d, bool full> class GroupAdder {
     using Group = FourierSums::Group;
@@ -32,8 +29,7 @@ public:
     /// @param row  by level, positions counted from 1; 0 where there is no entry
     template <class Vectors> [[gnu::always_inline]] void add(const std::uint32_t* row, Vectors) {
         const Members members(row);
-        if (members.size() == 0)
-            return;
+        if (members.size() == 0) return;
         const std::uint64_t values = entries_[members.position(0)].values;
         Group& group = groups_[count_];
         Parts* const sums = sums_ + count_ * d;
@@ -54,12 +50,11 @@ public:
 
 private:
     /// Each sum over the children of all members, in stored order. @return whether all stay
-    template <class Vectors>
-    [[gnu::always_inline]] bool transform(const Members& members, Parts* sums) const {
+    template <class Vectors> [[gnu::always_inline]] bool transform(const Members& members, Parts* sums) const {
         LevelSums<d, Vectors> of_group;
         of_group.start(rows_[members.level(0)], amplitude(members.position(0)));
         if constexpr (full)
-            unrolled<d - 1>([&](auto i) __attribute__((always_inline)) {
+            unrolled<d - 1>([&](auto i) VANTEL_INLINED {
                 of_group.add(rows_[members.level(i + 1)], amplitude(members.position(i + 1)));
             });
         else
@@ -78,8 +73,7 @@ private:
                     return rows_[members.level(i)][k](amplitude(members.position(i)));
                 };
                 sums[k] = child(0);
-                for (std::size_t i = 1; i < members.size(); ++i)
-                    sums[k] += child(i);
+                for (std::size_t i = 1; i < members.size(); ++i) sums[k] += child(i);
             }
             kept += exceeds_threshold(sums[k]) ? 1 : 0;
         }
@@ -90,8 +84,7 @@ private:
     void keep(Group& group, const std::uint32_t* row, Parts* sums) {
         group.present = 0;
         for (std::uint64_t level = 0; level < d; ++level) {
-            if (row[level] == 0)
-                continue;
+            if (row[level] == 0) continue;
             group.present |= 1U << level;
             sums[level] = amplitude(row[level] - 1);
             kept_ += exceeds_threshold(sums[level]) ? 1 : 0;
@@ -99,9 +92,7 @@ private:
         group.run = group.present == (1U << d) - 1 ? 1 : 0;
     }
 
-    [[nodiscard]] Parts amplitude(std::uint32_t position) const {
-        return parts_of(entries_[position].amplitude);
-    }
+    [[nodiscard]] Parts amplitude(std::uint32_t position) const { return parts_of(entries_[position].amplitude); }
 
     const PackedAmplitude* entries_;
     std::uint64_t field_;
@@ -116,25 +107,22 @@ private:
 
 /// All groups of a list that has a table with the target's level varying fastest.
 template <std::size_t d, bool full>
-void add_groups(FourierSums& sums, const GroupAdder<d, full>& adder,
-                std::span<const std::uint32_t> positions) {
-    wide_loop([ adder, positions ](auto vectors) __attribute__((always_inline)) {
+void add_groups(FourierSums& sums, const GroupAdder<d, full>& adder, std::span<const std::uint32_t> positions) {
+    wide_loop([adder, positions](auto vectors) VANTEL_INLINED {
         GroupAdder<d, full> own = adder;
-        for (std::size_t rank = 0; rank < positions.size(); rank += d)
-            own.add(&positions[rank], vectors);
+        for (std::size_t rank = 0; rank < positions.size(); rank += d) own.add(&positions[rank], vectors);
         return own;
     }).give(sums);
 }
 
-/// All groups of a list whose labels are far apart. @return false where a label is repeated or its level is
-/// not one
-template <std::size_t d>
-bool add_groups(FourierSums& sums, const GroupAdder<d, false>& adder, const LabelGroups& groups,
-                PackedEntries entries, unsigned position, std::uint64_t mask) {
+/// All groups of a list whose labels are far apart. @return false where a label is repeated or its level is not one
+template <std::size_t d> bool add_groups(FourierSums& sums, const GroupAdder<d, false>& adder,
+                                         const LabelGroups& groups, PackedEntries entries, unsigned position,
+                                         std::uint64_t mask) {
     bool regular = true;
-    wide_loop([ =, &groups, &regular ](auto vectors) __attribute__((always_inline)) {
+    wide_loop([=, &groups, &regular](auto vectors) VANTEL_INLINED {
         GroupAdder<d, false> own = adder;
-        groups.for_each([&](std::span<const std::uint32_t> members) __attribute__((always_inline)) {
+        groups.for_each([&](std::span<const std::uint32_t> members) VANTEL_INLINED {
             std::array<std::uint32_t, d> row{};
             for (const std::uint32_t member : members) {
                 const std::uint64_t level = entries[member].values >> position & mask;
@@ -147,18 +135,15 @@ bool add_groups(FourierSums& sums, const GroupAdder<d, false>& adder, const Labe
     }).give(sums);
     return regular;
 }
-
 } // namespace
 
 bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const ControlTest& controls_hold,
                          double sign) {
     const std::size_t size = list.entries().size();
-    if (size == 0 || size >= crossover::entries_for_definition)
-        return false;
+    if (size == 0 || size >= crossover::entries_for_definition) return false;
     const Survey survey(list.entries());
     const std::uint64_t d = layout.dimension(list.entries().front().dimensions, target);
-    if (!survey.same_dimensions || d < 2 || d > MAX_QUDIT_DIMENSION)
-        return false;
+    if (!survey.same_dimensions || d < 2 || d > MAX_QUDIT_DIMENSION) return false;
 
     std::vector<int> qudits = survey.varying_qudits(layout, layout.field(target));
     qudits.insert(qudits.begin(), target);
@@ -167,32 +152,27 @@ bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const C
     Scratch scratch(list.spare_behind(std::max(size, most * d)));
     const PackedEntries entries = list.entries();
     const bool by_table = table.is_close();
-    if (by_table && !table.fill(entries, scratch))
-        return false;
+    if (by_table && !table.fill(entries, scratch)) return false;
     FourierSums sums(most, layout, target, entries.front(), scratch);
     FourierFactors factors(d, sign);
     for (std::uint64_t level = 0; level < d; ++level)
-        if (survey.may_occur(layout, target, level))
-            factors.from(level);
+        if (survey.may_occur(layout, target, level)) factors.from(level);
     const bool regular = with_constant<2, MAX_QUDIT_DIMENSION>(d, [&](auto constant) {
         const GroupAdder<constant, false> adder(entries, layout, target, controls_hold, factors, sums);
         if (!by_table)
-            return add_groups<constant>(sums, adder, LabelGroups(entries, ~layout.field(target), scratch),
-                                        entries, layout.position(target), layout.mask());
+            return add_groups<constant>(sums, adder, LabelGroups(entries, ~layout.field(target), scratch), entries,
+                                        layout.position(target), layout.mask());
         if (table.is_complete())
-            add_groups(sums,
-                       GroupAdder<constant, true>(entries, layout, target, controls_hold, factors, sums),
+            add_groups(sums, GroupAdder<constant, true>(entries, layout, target, controls_hold, factors, sums),
                        table.positions());
         else
             add_groups(sums, adder, table.positions());
         return true;
     });
-    if (!regular)
-        return false;
+    if (!regular) return false;
     std::uint32_t* const holes = scratch.take<std::uint32_t>(sums.kept() + 1);
     list.resize(sums.kept());
     sums.write(list.entries(), holes);
     return true;
 }
-
 } // namespace vantel::qudit

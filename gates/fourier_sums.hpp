@@ -1,32 +1,28 @@
 /// The Fourier transform of one qudit without its list of children.
 #pragma once
 
+#include "algorithms/lanes.hpp"
+#include "algorithms/scratch.hpp"
+#include "gates/frame.hpp"
+#include "state/entries.hpp"
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <utility>
 
-#include "algorithms/lanes.hpp"
-#include "algorithms/scratch.hpp"
-#include "gates/frame.hpp"
-#include "state/entries.hpp"
-
 namespace vantel::qudit {
-
-/// What becomes of the groups of a list, that is of the entries that differ in the target alone. The children
-/// that come to share a label are those of one group, so their sums are formed group by group, in stored
-/// order, and no child is ever sorted.
+/// What becomes of the groups of a list, that is of the entries that differ in the target alone. The children that come
+/// to share a label are those of one group, so their sums are formed group by group, in stored order, and no child is
+/// ever sorted.
 class FourierSums {
 public:
     /// @param most  how many groups will be added at the most
-    FourierSums(std::size_t most, SlotLayout layout, int target, const PackedAmplitude& first,
-                Scratch& scratch);
+    FourierSums(std::size_t most, SlotLayout layout, int target, const PackedAmplitude& first, Scratch& scratch);
 
     /// What is known of the sums of a group.
     struct Group {
-        std::uint64_t others; ///< the levels of all qudits but the target
-        std::uint32_t
-            run; ///< of how many children each sum is; 0 where only some levels have a sum, of one entry
+        std::uint64_t others;  ///< the levels of all qudits but the target
+        std::uint32_t run;     ///< of how many children each sum is; 0 where only some levels have a sum, of one entry
         std::uint32_t present; ///< for such a group, a bit for each of these levels
     };
 
@@ -51,8 +47,7 @@ public:
 
 private:
     void write_uniform(std::span<PackedAmplitude> list) const noexcept;
-    template <bool all_stay>
-    void write_each(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept;
+    template <bool all_stay> void write_each(std::span<PackedAmplitude> list, std::uint32_t* holes) const noexcept;
     template <class Visit> void for_each_stretch(Visit visit) const noexcept;
 
     std::uint64_t dimension_; ///< of the target
@@ -66,12 +61,8 @@ private:
 };
 
 /// Works out the sums of a list for one target.
-/// @return false where the list is empty, far over the limit, or so unlike what the gates leave (repeated
-/// labels,
-///         labels of unequal dimensions, levels beyond them) that only the definition serves; nothing has
-///         changed
+/// @return false where the list is empty, far over the limit, or so unlike what the gates leave (repeated labels,
+/// labels of unequal dimensions, levels beyond them) that only the definition serves; nothing has changed
 /// @throws std::bad_alloc, and nothing has changed then
-bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const ControlTest& controls_hold,
-                         double sign);
-
+bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const ControlTest& controls_hold, double sign);
 } // namespace vantel::qudit

@@ -2,10 +2,9 @@
 #include "gates/kernels.hpp"
 
 namespace vantel::qudit {
-
-// Powers of `shift` and `cycle` are the clock seen from the Fourier basis, and only the sign of the fraction
-// tells them apart. The three steps are whole gates: where the first leaves a list over the limit, the state
-// stays in the Fourier basis, deliberately.
+// Powers of `shift` and `cycle` are the clock seen from the Fourier basis, and only the sign of the fraction tells them
+// apart. The three steps are whole gates: where the first leaves a list over the limit, the state stays in the Fourier
+// basis, deliberately.
 
 void fractional_step(EntryList& list, SlotLayout layout, const Gate& gate) {
     const bool is_cycle = gate.kind == Gate::fractional_cycle;
@@ -16,5 +15,4 @@ void fractional_step(EntryList& list, SlotLayout layout, const Gate& gate) {
     fractional_clock(list.entries(), layout, {Gate::fractional_clock, fraction, gate.targets, gate.controls});
     hadamard(list, layout, gate, -1.0);
 }
-
 } // namespace vantel::qudit

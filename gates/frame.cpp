@@ -1,14 +1,10 @@
 #include "gates/frame.hpp"
-
-#include <algorithm>
-
 #include "state/exceptions.hpp"
 #include "state/limits.hpp"
+#include <algorithm>
 
 namespace vantel::qudit {
-
-ControlTest::ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept
-    : field_(layout.mask()) {
+ControlTest::ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept : field_(layout.mask()) {
     for (const Predicate& control : controls) {
         if (control.is_equal)
             require(layout.position(control.qudit_index), control.value);
@@ -32,27 +28,22 @@ void ControlTest::require(unsigned position, std::int64_t level) noexcept {
 }
 
 void ControlTest::refuse(unsigned position, std::int64_t level) noexcept {
-    if (level < 0 || level > static_cast<std::int64_t>(field_))
-        return;
+    if (level < 0 || level > static_cast<std::int64_t>(field_)) return;
     const Refusal refusal{field_ << position, static_cast<std::uint64_t>(level) << position};
     const auto end = refused_.begin() + refusals_;
     const bool known = std::any_of(refused_.begin(), end, [&](const Refusal& other) {
         return other.field == refusal.field && other.level == refusal.level;
     });
-    if (!known)
-        refused_[refusals_++] = refusal;
+    if (!known) refused_[refusals_++] = refusal;
 }
 
 void refuse_overlap(const Gate& gate, const char* text) {
     for (const int target : gate.targets)
         for (const Predicate& control : gate.controls)
-            if (control.qudit_index == target)
-                throw TargetControlOverlap(text);
+            if (control.qudit_index == target) throw TargetControlOverlap(text);
 }
 
 void guard_size(std::size_t entries, const char* text) {
-    if (entries > MAX_STATE_ENTRIES)
-        throw StateSizeExceeded(text);
+    if (entries > MAX_STATE_ENTRIES) throw StateSizeExceeded(text);
 }
-
 } // namespace vantel::qudit

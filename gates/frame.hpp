@@ -1,20 +1,18 @@
 /// The frame that all gates share: which entries a gate acts on, what it refuses, and its closing guard.
 #pragma once
 
+#include "algorithms/crossovers.hpp"
+#include "algorithms/lanes.hpp"
+#include "algorithms/wide_loop.hpp"
+#include "state/istate.hpp"
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 
-#include "algorithms/crossovers.hpp"
-#include "algorithms/lanes.hpp"
-#include "algorithms/wide_loop.hpp"
-#include "state/istate.hpp"
-
 namespace vantel::qudit {
-
-/// The test of an entry's levels against all controls of a call, made ready once a call: the levels that
-/// must be equal are one masked comparison, and each level that a qudit must not have is one more.
+/// The test of an entry's levels against all controls of a call, made ready once a call: the levels that must be equal
+/// are one masked comparison, and each level that a qudit must not have is one more.
 class ControlTest {
 public:
     ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept;
@@ -28,19 +26,17 @@ public:
     /// The same as a mask, for one word of levels or for several.
     template <class Word> [[nodiscard, gnu::always_inline]] Word mask(Word values) const noexcept {
         Word holds = equal(values & fields_, wanted_);
-        for (unsigned i = 0; i < refusals_; ++i)
-            holds &= ~equal(values & refused_[i].field, refused_[i].level);
+        for (unsigned i = 0; i < refusals_; ++i) holds &= ~equal(values & refused_[i].field, refused_[i].level);
         return holds;
     }
 
-    /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of
-    /// mask() that has the same answers and `vectors` is the loop's tag.
+    /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of mask() that
+    /// has the same answers and `vectors` is the loop's tag.
     template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
         // A few entries cost less than the way into a wide loop.
-        if (entries.size() < crossover::entries_walked_wide)
-            return loop(entries, All{*this}, PlainVectors{});
+        if (entries.size() < crossover::entries_walked_wide) return loop(entries, All{*this}, PlainVectors{});
         const auto run = [&](auto holds) {
-            wide_loop([=](auto vectors) __attribute__((always_inline)) { loop(entries, holds, vectors); });
+            wide_loop([=](auto vectors) VANTEL_INLINED { loop(entries, holds, vectors); });
         };
         if (refusals_ > 1)
             run(All{*this});
@@ -107,5 +103,4 @@ void refuse_overlap(const Gate& gate, const char* text);
 /// The closing guard. It reports a list over the limit and rolls nothing back, deliberately.
 inline constexpr const char* STATE_SIZE_EXCEEDED = "State size exceeded maximum allowed size";
 void guard_size(std::size_t entries, const char* text = STATE_SIZE_EXCEEDED);
-
 } // namespace vantel::qudit

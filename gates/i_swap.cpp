@@ -1,7 +1,3 @@
-#include <algorithm>
-#include <cmath>
-#include <vector>
-
 #include "algorithms/complex_product.hpp"
 #include "algorithms/crossovers.hpp"
 #include "algorithms/scratch.hpp"
@@ -12,13 +8,14 @@
 #include "state/position_table.hpp"
 #include "state/reduction.hpp"
 #include "state/survey.hpp"
+#include <algorithm>
+#include <cmath>
+#include <vector>
 
 namespace vantel::qudit {
-
 namespace {
-
-/// An amplitude of an entry whose two levels differ is shared out: cos(theta) of it stays, and i sin(theta)
-/// goes to the exchanged levels, with theta = fraction pi / 2.
+/// An amplitude of an entry whose two levels differ is shared out: cos(theta) of it stays, and i sin(theta) goes to the
+/// exchanged levels, with theta = fraction pi / 2.
 struct Shares {
     Factor staying;
     Factor crossing;
@@ -32,15 +29,13 @@ struct Shares {
 };
 
 /// The gate as it is defined: the crossing shares are appended, and the list is reduced.
-void share_out(EntryList& list, const ControlTest& controls_hold, const Exchange& exchange,
-               const Shares& shares) {
+void share_out(EntryList& list, const ControlTest& controls_hold, const Exchange& exchange, const Shares& shares) {
     const std::size_t size = list.entries().size();
     list.resize(2 * size);
     PackedAmplitude* appended = list.entries().data() + size;
     for (PackedAmplitude& entry : list.entries().first(size)) {
         const std::uint64_t difference = exchange.difference(entry.values);
-        if (difference == 0 || !controls_hold(entry.values))
-            continue;
+        if (difference == 0 || !controls_hold(entry.values)) continue;
         const Parts amplitude = parts_of(entry.amplitude);
         *appended++ = {entry.values ^ difference, entry.dimensions ^ exchange.difference(entry.dimensions),
                        complex_of(shares.crossing(amplitude))};
@@ -50,39 +45,34 @@ void share_out(EntryList& list, const ControlTest& controls_hold, const Exchange
     list.resize(reduce_entries(list.entries()));
 }
 
-/// An entry without its dimensions, which are those of all, on its way to its new place. Copies stand by
-/// rank.
+/// An entry without its dimensions, which are those of all, on its way to its new place. Copies stand by rank.
 struct Copy {
     std::uint64_t values;
     std::complex<double> amplitude;
 };
 
-/// The gate together with its reduction: at most two shares meet in a label, what stays of its own entry and
-/// what crosses from its partner, and both are found by rank.
+/// The gate together with its reduction: at most two shares meet in a label, what stays of its own entry and what
+/// crosses from its partner, and both are found by rank.
 class SharedByRank {
 public:
-    /// @param positions  by rank, and by how much a rank rises with a level of the lower target and of the
-    /// higher
+    /// @param positions  by rank, and by how much a rank rises with a level of the lower target and of the higher
     /// @param entries    copies, since the list is written over
     SharedByRank(std::span<std::uint32_t> positions, std::uint64_t low_stride, std::uint64_t high_stride,
-                 const Copy* entries, const ControlTest& controls_hold, const Exchange& exchange,
-                 const Shares& shares)
-        : positions_(positions), stride_(high_stride - low_stride), entries_(entries),
-          controls_hold_(controls_hold), exchange_(exchange), shares_(shares) {}
+                 const Copy* entries, const ControlTest& controls_hold, const Exchange& exchange, const Shares& shares)
+        : positions_(positions), stride_(high_stride - low_stride), entries_(entries), controls_hold_(controls_hold),
+          exchange_(exchange), shares_(shares) {}
 
     /// Notes, for each label without an entry that a share reaches, whose share that is.
     /// @return how many there are
     [[nodiscard]] std::size_t note_reached() const {
-        return wide_loop([own = *this]() __attribute__((always_inline)) {
+        return wide_loop([own = *this]() VANTEL_INLINED {
             std::size_t reached = 0;
             for (std::size_t rank = 0; rank < own.positions_.size(); ++rank) {
                 const std::uint32_t position = own.positions_[rank];
-                if (position == 0 || position >= of_partner)
-                    continue;
+                if (position == 0 || position >= of_partner) continue;
                 const std::uint64_t values = own.entries_[position - 1].values;
                 std::uint32_t& partner = own.partner_of(rank, values);
-                if (partner != 0 || !own.controls_hold_(values))
-                    continue;
+                if (partner != 0 || !own.controls_hold_(values)) continue;
                 partner = position | of_partner;
                 ++reached;
             }
@@ -90,25 +80,23 @@ public:
         });
     }
 
-    /// Writes the sums, as if `list.size()` of them stay. For a `complete` list, also as if no product had an
-    /// infinity to recover: such a one is NaN and so is its sum, which is dropped.
+    /// Writes the sums, as if `list.size()` of them stay. For a `complete` list, also as if no product had an infinity
+    /// to recover: such a one is NaN and so is its sum, which is dropped.
     /// @return how many stay
-    template <bool complete>
-    [[nodiscard]] std::size_t write(std::span<PackedAmplitude> list, std::uint64_t dimensions,
-                                    std::uint32_t* holes) const {
+    template <bool complete> [[nodiscard]] std::size_t write(std::span<PackedAmplitude> list, std::uint64_t dimensions,
+                                                             std::uint32_t* holes) const {
         std::size_t kept = 0;
-        controls_hold_.walk(
-            list, [ own = *this, dimensions, holes, &kept ](std::span<PackedAmplitude> written, auto holds,
-                                                            auto) __attribute__((always_inline)) {
-                ReducedOrder order(written, dimensions, holes);
-                std::size_t count = 0;
-                for (std::size_t rank = 0; rank < own.positions_.size(); ++rank)
-                    if constexpr (complete)
-                        count += own.add_complete(order, rank, holds) ? 1 : 0;
-                    else if (const std::uint32_t position = own.positions_[rank]; position != 0)
-                        count += own.add(order, rank, position, holds) ? 1 : 0;
-                kept = count;
-            });
+        controls_hold_.walk(list, [own = *this, dimensions, holes, &kept](std::span<PackedAmplitude> written,
+                                                                          auto holds, auto) VANTEL_INLINED {
+            ReducedOrder order(written, dimensions, holes);
+            std::size_t count = 0;
+            for (std::size_t rank = 0; rank < own.positions_.size(); ++rank)
+                if constexpr (complete)
+                    count += own.add_complete(order, rank, holds) ? 1 : 0;
+                else if (const std::uint32_t position = own.positions_[rank]; position != 0)
+                    count += own.add(order, rank, position, holds) ? 1 : 0;
+            kept = count;
+        });
         return kept;
     }
 
@@ -122,27 +110,23 @@ private:
 
     // Controls are on other qudits, so they hold for both partners or for neither.
 
-    template <class Holds>
-    [[gnu::always_inline]] bool add(ReducedOrder& order, std::size_t rank, std::uint32_t position,
-                                    const Holds& holds) const {
+    template <class Holds> [[gnu::always_inline]] bool add(ReducedOrder& order, std::size_t rank,
+                                                           std::uint32_t position, const Holds& holds) const {
         const Copy& entry = entries_[(position & ~of_partner) - 1];
         const std::uint64_t values = entry.values;
         const Parts amplitude = parts_of(entry.amplitude);
         if (position >= of_partner)
             return order.add(values ^ exchange_.difference(values), shares_.crossing(amplitude), 1);
         const std::uint32_t partner = partner_of(rank, values);
-        if (partner == position || holds(values) == 0)
-            return order.add(values, amplitude, 1);
-        if (partner >= of_partner)
-            return order.add(values, shares_.staying(amplitude), 1);
+        if (partner == position || holds(values) == 0) return order.add(values, amplitude, 1);
+        if (partner >= of_partner) return order.add(values, shares_.staying(amplitude), 1);
         const Parts share = shares_.crossing(parts_of(entries_[partner - 1].amplitude));
         return order.add(values, shares_.staying(amplitude) + share, 2);
     }
 
     /// The same without a branch on what an entry is.
     template <class Holds>
-    [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank,
-                                             const Holds& holds) const {
+    [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank, const Holds& holds) const {
         const std::uint64_t values = entries_[rank].values;
         const std::uint64_t ahead = exchange_.ahead(values);
         const std::uint64_t shared = ~equal(ahead, 0) & holds(values);
@@ -164,21 +148,17 @@ private:
 bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const ControlTest& controls_hold,
                    const Exchange& exchange, const Shares& shares) {
     const std::size_t size = list.entries().size();
-    if (size < crossover::entries_for_ranks)
-        return false;
+    if (size < crossover::entries_for_ranks) return false;
     const Survey survey(list.entries());
-    if (!survey.same_dimensions)
-        return false;
+    if (!survey.same_dimensions) return false;
     std::vector<int> qudits = survey.varying_qudits(layout, layout.field(low) | layout.field(high));
     qudits.insert(std::upper_bound(qudits.begin(), qudits.end(), low), low);
     qudits.insert(std::upper_bound(qudits.begin(), qudits.end(), high), high);
     PositionTable table(list.entries().front(), layout, qudits, size);
-    if (!table.is_close())
-        return false;
+    if (!table.is_close()) return false;
     Scratch scratch(list.spare_behind(std::clamp(table.size(), size, 2 * size)));
     const std::span<const PackedAmplitude> entries = list.entries();
-    if (!table.fill(entries, scratch))
-        return false;
+    if (!table.fill(entries, scratch)) return false;
 
     Copy* const copies = scratch.take<Copy>(size);
     std::uint32_t copied = 0;
@@ -194,26 +174,22 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
     const std::size_t reached = table.is_complete() ? 0 : shared.note_reached();
     std::uint32_t* const holes = scratch.take<std::uint32_t>(size + reached + 1);
     list.resize(size + reached);
-    if (table.is_complete() && shared.write<true>(list.entries(), dimensions, holes) == size)
-        return true;
-    // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once
-    // more.
-    if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes);
-        kept < list.entries().size()) {
+    if (table.is_complete() && shared.write<true>(list.entries(), dimensions, holes) == size) return true;
+    // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once more.
+    if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes); kept < list.entries().size()) {
         list.resize(kept);
         static_cast<void>(shared.write<false>(list.entries(), dimensions, holes));
     }
     return true;
 }
-
 } // namespace
 
 void i_swap(EntryList& list, SlotLayout layout, const Gate& gate) {
     refuse_overlap(gate, "Fractional i-swap operation has overlapping targets and controls");
     const auto [low, high] = std::minmax(gate.targets[0], gate.targets[1]);
     const std::span<const PackedAmplitude> entries = list.entries();
-    if (!entries.empty() && layout.dimension(entries.front().dimensions, low) !=
-                                layout.dimension(entries.front().dimensions, high))
+    if (!entries.empty() &&
+        layout.dimension(entries.front().dimensions, low) != layout.dimension(entries.front().dimensions, high))
         throw DifferentDimensions("Targets of fractional-i-swap operation have different dimensions");
 
     const Shares shares(gate.number);
@@ -223,5 +199,4 @@ void i_swap(EntryList& list, SlotLayout layout, const Gate& gate) {
         share_out(list, controls_hold, exchange, shares);
     guard_size(list.entries().size(), "State size exceeds maximum allowed size");
 }
-
 } // namespace vantel::qudit

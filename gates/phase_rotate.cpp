@@ -1,13 +1,10 @@
+#include "gates/kernels.hpp"
+#include "gates/rephase.hpp"
 #include <cmath>
 #include <complex>
 
-#include "gates/kernels.hpp"
-#include "gates/rephase.hpp"
-
 namespace vantel::qudit {
-
 namespace {
-
 /// One factor for every label, whatever its dimensions.
 struct Rotation {
     static constexpr std::uint64_t field = 0;
@@ -17,16 +14,13 @@ struct Rotation {
     [[nodiscard]] const Doubled& factor(const PackedAmplitude& /*entry*/) const { return turn; }
     [[nodiscard]] Factor any_factor(const PackedAmplitude& /*entry*/) const { return Factor(turn.parts()); }
 };
-
 } // namespace
 
 void phase_rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
     const float angle = gate.number;
-    // Single precision, unlike the other phases, and deliberate: repeated rotations let the norm drift by as
-    // much.
+    // Single precision, unlike the other phases, and deliberate: repeated rotations let the norm drift by as much.
     const Doubled turn(std::complex<double>(std::cos(angle), std::sin(angle)));
     rephase_selected(entries, ControlTest(gate.controls, layout), Rotation{turn});
     guard_size(entries.size());
 }
-
 } // namespace vantel::qudit

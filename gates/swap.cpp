@@ -4,9 +4,7 @@
 #include "state/exceptions.hpp"
 
 namespace vantel::qudit {
-
 namespace {
-
 /// The new label of a selected entry, with the dits of two qudits exchanged.
 struct Exchanged {
     Exchange exchange;
@@ -17,8 +15,7 @@ struct Exchanged {
     }
 
     /// Dimensions differ only in a label whose own ones are not those of the first entry.
-    template <class Word>
-    [[nodiscard, gnu::always_inline]] Word is_irregular(Word /*values*/, Word dimensions) const {
+    template <class Word> [[nodiscard, gnu::always_inline]] Word is_irregular(Word /*values*/, Word dimensions) const {
         return -exchange.difference(dimensions);
     }
 
@@ -27,7 +24,6 @@ struct Exchanged {
         entry.dimensions ^= exchange.difference(entry.dimensions);
     }
 };
-
 } // namespace
 
 void swap(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
@@ -38,5 +34,4 @@ void swap(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gat
     relabel_selected(entries, ControlTest(gate.controls, layout), Exchanged{levels});
     guard_size(entries.size());
 }
-
 } // namespace vantel::qudit

@@ -1,15 +1,11 @@
 #include "guarded/boundary.hpp"
-
+#include "state/exceptions.hpp"
 #include <cstdio>
 #include <new>
 #include <stdexcept>
 
-#include "state/exceptions.hpp"
-
 namespace vantel::guarded {
-
 namespace {
-
 // In the block that each thread has from its start: the C library allocates any other kind when a thread
 // first asks for it, and ends the process where it cannot.
 [[gnu::tls_model("initial-exec")]] thread_local char text_of_failure[160];
@@ -18,12 +14,9 @@ int note(const char* function, int status, const char* text) noexcept {
     std::snprintf(text_of_failure, sizeof text_of_failure, "%s: %s", function, text);
     return status;
 }
-
 } // namespace
 
-const char* last_failure() noexcept {
-    return text_of_failure;
-}
+const char* last_failure() noexcept { return text_of_failure; }
 
 int status_of_failure(const char* function) noexcept {
     try {
@@ -48,5 +41,4 @@ int status_of_failure(const char* function) noexcept {
         return note(function, vantel_guarded_other_failure, failure.what());
     }
 }
-
 } // namespace vantel::guarded

@@ -1,13 +1,11 @@
 /// Where every exception becomes a status, and what is refused before it could do harm.
 #pragma once
 
+#include "interface/vantel_guarded.h"
 #include <exception>
 #include <type_traits>
 
-#include "interface/vantel_guarded.h"
-
 namespace vantel::guarded {
-
 /// A failure that this library finds itself.
 class Refusal : public std::exception {
 public:
@@ -41,5 +39,4 @@ template <class Body> int guard(const char* function, Body body) {
         return status_of_failure(function);
     }
 }
-
 } // namespace vantel::guarded

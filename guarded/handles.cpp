@@ -1,16 +1,12 @@
 #include "guarded/handles.hpp"
-
+#include "state/state_factory.hpp"
 #include <cstddef>
 #include <memory>
 #include <utility>
 #include <vector>
 
-#include "state/state_factory.hpp"
-
 namespace vantel::guarded {
-
 namespace {
-
 using Factory = qudit::StateFactory<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>;
 
 /// Ends the handle's share of its joint state. It cannot fail: there are never more handles than the list
@@ -20,17 +16,14 @@ void leave(QuantumProperty& leaving, int last, int freed) {
     decltype(shared.properties) remaining(shared.properties.size() - 1);
     std::size_t place = 0;
     for (QuantumProperty* const property : shared.properties) {
-        if (property == &leaving)
-            continue;
+        if (property == &leaving) continue;
         remaining[place++] = property;
-        if (property->index == last)
-            property->index = freed;
+        if (property->index == last) property->index = freed;
     }
     shared.properties = std::move(remaining);
     // Without a share there is nothing that the handle's destructor would take out.
     leaving.shared_state.reset();
 }
-
 } // namespace
 
 void release(QuantumProperty* leaving) {
@@ -43,8 +36,7 @@ void release(QuantumProperty* leaving) {
 }
 
 int project(Predicates predicates) {
-    if (predicates.empty())
-        return 1;
+    if (predicates.empty()) return 1;
     tensor_state({}, predicates);
     std::unique_ptr<qudit::IState>& state = predicates.front().property->shared_state->state;
 
@@ -53,8 +45,7 @@ int project(Predicates predicates) {
     // half done.
     const QuantumProperty answer = make_quantum_property(2);
     std::unique_ptr<qudit::IState> asked =
-        qudit::tensor_product<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>(*state,
-                                                                                *answer.shared_state->state);
+        qudit::tensor_product<qudit::MAX_QUDIT_DIMENSION, qudit::MAX_QUDIT_NUM>(*state, *answer.shared_state->state);
     const int place = static_cast<int>(state->num_qudits());
     std::vector<qudit::Predicate> controls;
     controls.reserve(predicates.size());
@@ -66,5 +57,4 @@ int project(Predicates predicates) {
     state = std::move(asked);
     return level;
 }
-
 } // namespace vantel::guarded

@@ -6,7 +6,6 @@
 #include "property/merge.hpp"
 
 namespace vantel::guarded {
-
 /// Takes the handle's qudit out of its joint state and deletes the handle.
 /// @throws qudit::StateSizeExceeded, std::bad_alloc; nothing has changed then
 void release(QuantumProperty* leaving);
@@ -17,5 +16,4 @@ void release(QuantumProperty* leaving);
 /// raises;
 ///         nothing has happened then but merges
 int project(Predicates predicates);
-
 } // namespace vantel::guarded

@@ -1,22 +1,19 @@
+#include "interface/boundary.hpp"
+#include "interface/quantum_property.hpp"
 #include <sstream>
 #include <string>
 
-#include "interface/boundary.hpp"
-#include "interface/quantum_property.hpp"
-
 namespace {
-
-/// Makes the characters behind a pointer count as used, and the pointer as unknown, so that the compiler
-/// neither leaves their stores out nor reasons about where they live.
+/// Makes the characters behind a pointer count as used, and the pointer as unknown, so that the compiler neither leaves
+/// their stores out nor reasons about where they live.
 const char* opaque(const char* text) {
     asm volatile("" : "+r"(text) : : "memory");
     return text;
 }
-
 } // namespace
 
-// The pointer outlives the text: the library keeps no buffer and hands over no allocation, so the
-// characters are good at the moment of return and not beyond. That is how the function is defined.
+// The pointer outlives the text: the library keeps no buffer and hands over no allocation, so the characters are good
+// at the moment of return and not beyond. That is how the function is defined.
 const char* vantel_version() {
     const char* text = nullptr;
     {
@@ -40,8 +37,7 @@ QuantumProperty* vantel_make_quantum_property(int dimension, int* status) {
 }
 
 int vantel_free_quantum_property(QuantumProperty* property) {
-    if (property == nullptr)
-        return vantel_null_property;
+    if (property == nullptr) return vantel_null_property;
     delete property;
     return vantel_ok;
 }

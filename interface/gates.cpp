@@ -6,30 +6,24 @@ using vantel::conditions;
 
 // Each function names the failures that it has a code for, and no two lists need agree.
 using OverlapOrSize = vantel::Translate<TargetControlOverlap, StateSizeExceeded>;
-using AnySwapFailure = vantel::Translate<TargetControlOverlap, DifferentDimensions, BadDimension,
-                                         BadQuditNumber, StateSizeExceeded>;
-using AnyISwapFailure =
-    vantel::Translate<TargetControlOverlap, DifferentDimensions, BadQuditNumber, StateSizeExceeded>;
+using AnySwapFailure =
+    vantel::Translate<TargetControlOverlap, DifferentDimensions, BadDimension, BadQuditNumber, StateSizeExceeded>;
+using AnyISwapFailure = vantel::Translate<TargetControlOverlap, DifferentDimensions, BadQuditNumber, StateSizeExceeded>;
 
 namespace {
-
 /// The fraction that stands for the whole gate; only this very number selects the integer form.
 constexpr float whole = 1.0F;
-
 } // namespace
 
 int vantel_hadamard(QuantumProperty* target, const PredicateRecord* predicates, size_t predicate_count) {
     return OverlapOrSize::run([&] { vantel::hadamard(*target, conditions(predicates, predicate_count)); });
 }
 
-int vantel_inverse_hadamard(QuantumProperty* target, const PredicateRecord* predicates,
-                            size_t predicate_count) {
-    return OverlapOrSize::run(
-        [&] { vantel::inverse_hadamard(*target, conditions(predicates, predicate_count)); });
+int vantel_inverse_hadamard(QuantumProperty* target, const PredicateRecord* predicates, size_t predicate_count) {
+    return OverlapOrSize::run([&] { vantel::inverse_hadamard(*target, conditions(predicates, predicate_count)); });
 }
 
-int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
-                 size_t predicate_count) {
+int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
     return OverlapOrSize::run([&] {
         if (fraction == whole)
             vantel::cycle(*target, conditions(predicates, predicate_count));
@@ -38,8 +32,7 @@ int vantel_cycle(QuantumProperty* target, float fraction, const PredicateRecord*
     });
 }
 
-int vantel_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
-                 size_t predicate_count) {
+int vantel_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
     return OverlapOrSize::run([&] {
         if (fraction == whole)
             vantel::shift(*target, conditions(predicates, predicate_count));
@@ -48,8 +41,7 @@ int vantel_shift(QuantumProperty* target, float fraction, const PredicateRecord*
     });
 }
 
-int vantel_clock(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
-                 size_t predicate_count) {
+int vantel_clock(QuantumProperty* target, float fraction, const PredicateRecord* predicates, size_t predicate_count) {
     return OverlapOrSize::run([&] {
         if (fraction == whole)
             vantel::clock(*target, conditions(predicates, predicate_count));
@@ -64,12 +56,11 @@ int vantel_phase_rotate(const PredicateRecord* predicates, size_t predicate_coun
 
 int vantel_swap(QuantumProperty* first, QuantumProperty* second, const PredicateRecord* predicates,
                 size_t predicate_count) {
-    return AnySwapFailure::run(
-        [&] { vantel::swap(*first, *second, conditions(predicates, predicate_count)); });
+    return AnySwapFailure::run([&] { vantel::swap(*first, *second, conditions(predicates, predicate_count)); });
 }
 
-int vantel_i_swap(QuantumProperty* first, QuantumProperty* second, float fraction,
-                  const PredicateRecord* predicates, size_t predicate_count) {
+int vantel_i_swap(QuantumProperty* first, QuantumProperty* second, float fraction, const PredicateRecord* predicates,
+                  size_t predicate_count) {
     return AnyISwapFailure::run(
         [&] { vantel::i_swap(*first, *second, fraction, conditions(predicates, predicate_count)); });
 }

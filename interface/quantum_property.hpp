@@ -1,18 +1,16 @@
 /// What stands behind a caller's handle.
 #pragma once
 
+#include "algorithms/short_list.hpp"
+#include "state/istate.hpp"
+#include "state/limits.hpp"
 #include <cstddef>
 #include <memory>
 #include <utility>
 
-#include "algorithms/short_list.hpp"
-#include "state/istate.hpp"
-#include "state/limits.hpp"
-
 namespace vantel {
-
-/// A handle to one qudit. `SharedState::properties` stores its address, so it never moves: it is built in
-/// the storage where it will live.
+/// A handle to one qudit. `SharedState::properties` stores its address, so it never moves: it is built in the storage
+/// where it will live.
 struct QuantumProperty {
     struct SharedState;
 
@@ -44,23 +42,19 @@ struct QuantumProperty::SharedState {
 
     std::unique_ptr<qudit::IState> state;
 
-    /// The handles, not owned. A release compacts the list and does not shorten it, so that a handle can
-    /// stand in it twice, and the pointer of a handle that is gone can remain. That is deliberate: a merge
-    /// moves the qudit index of a handle once for each time it stands here.
+    /// The handles, not owned. A release compacts the list and does not shorten it, so that a handle can stand in it
+    /// twice, and the pointer of a handle that is gone can remain. That is deliberate: a merge moves the qudit index of
+    /// a handle once for each time it stands here.
     ShortList<QuantumProperty*, qudit::MAX_QUDIT_NUM> properties;
 
-    /// For each position of `properties`, not 0 if its handle is gone; positions beyond the end of this list
-    /// are live. A stale position is never read or written through, and is no handle that lives at the same
-    /// address later.
+    /// For each position of `properties`, not 0 if its handle is gone; positions beyond the end of this list are live.
+    /// A stale position is never read or written through, and is no handle that lives at the same address later.
     ShortList<unsigned char, qudit::MAX_QUDIT_NUM> stale;
 
-    [[nodiscard]] bool is_stale(std::size_t position) const {
-        return position < stale.size() && stale[position] != 0;
-    }
+    [[nodiscard]] bool is_stale(std::size_t position) const { return position < stale.size() && stale[position] != 0; }
 };
 
 /// A new qudit of `dimension` levels in level 0, alone in its joint state, built in the caller's storage.
 /// @throws qudit::BadDimension, std::bad_alloc
 QuantumProperty make_quantum_property(unsigned long dimension);
-
 } // namespace vantel

@@ -144,8 +144,7 @@ VANTEL_API int vantel_free_quantum_property(QuantumProperty* property);
  *         (a merge would be too large and the gate was not applied, or the gate *was* applied and the
  *         state stays over the limit). Passes out: `BadQuditNumber`, exhausted memory.
  */
-VANTEL_API int vantel_hadamard(QuantumProperty* target, const PredicateRecord* predicates,
-                               size_t predicate_count);
+VANTEL_API int vantel_hadamard(QuantumProperty* target, const PredicateRecord* predicates, size_t predicate_count);
 
 /**
  * @brief The inverse of vantel_hadamard(), with exp(+2 pi i k v / d) / sqrt(d).
@@ -277,8 +276,7 @@ VANTEL_API int vantel_measure(QuantumProperty** properties, size_t property_coun
  *         Passes out: as vantel_measure(), but for `std::out_of_range`. Ends the process if memory runs out
  *         while the place is freed.
  */
-VANTEL_API int vantel_stochastic_projection(const PredicateRecord* predicates, size_t predicate_count,
-                                            int* result);
+VANTEL_API int vantel_stochastic_projection(const PredicateRecord* predicates, size_t predicate_count, int* result);
 
 /**
  * @brief The probability of every combination of levels of the listed qudits, without measuring.
@@ -292,8 +290,7 @@ VANTEL_API int vantel_stochastic_projection(const PredicateRecord* predicates, s
  *         the number of combinations does not fit 32 bits (its text also goes to standard error),
  *         exhausted memory.
  */
-VANTEL_API int vantel_probabilities(QuantumProperty** properties, size_t property_count,
-                                    ProbabilityRecord* records);
+VANTEL_API int vantel_probabilities(QuantumProperty** properties, size_t property_count, ProbabilityRecord* records);
 
 /**
  * @brief The reduced density matrix of the listed qudits, all others traced out.
@@ -309,8 +306,8 @@ VANTEL_API int vantel_probabilities(QuantumProperty** properties, size_t propert
  * @return #vantel_ok, #vantel_output_too_small or #vantel_output_size_mismatch.
  *         Passes out: `BadQuditNumber` and `StateSizeExceeded` from a merge, exhausted memory.
  */
-VANTEL_API int vantel_reduced_density_matrix(QuantumProperty** properties, size_t property_count,
-                                             float* real_parts, float* imaginary_parts, size_t output_size);
+VANTEL_API int vantel_reduced_density_matrix(QuantumProperty** properties, size_t property_count, float* real_parts,
+                                             float* imaginary_parts, size_t output_size);
 
 #ifdef __cplusplus
 }

@@ -33,6 +33,8 @@
 #error "vantel.hpp needs C++20: compile with -std=c++20 or later, or use the C interface, vantel.h."
 #else
 
+#include "vantel.h"
+#include "vantel_exceptions.hpp"
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -51,12 +53,8 @@
 #include <utility>
 #include <vector>
 
-#include "vantel.h"
-#include "vantel_exceptions.hpp"
-
 /// The companion of vantel.h.
 namespace vantel {
-
 /// What every failed operation throws. The effect of the failure on the state is that of the C function.
 class Error : public std::runtime_error {
 public:
@@ -73,31 +71,21 @@ private:
 /// A status code in words.
 [[nodiscard]] constexpr const char* describe(vantel_status status) noexcept {
     switch (status) {
-    case vantel_ok:
-        return "no failure";
-    case vantel_null_property:
-        return "the handle is null";
-    case vantel_output_too_small:
-        return "the matrix has more elements than the output";
-    case vantel_target_control_overlap:
-        return "a condition names a target of the gate";
-    case vantel_different_dimensions:
-        return "the qudits have different dimensions";
-    case vantel_bad_dimension:
-        return "a dimension is not in 2 .. 10";
-    case vantel_bad_qudit_number:
-        return "a joint state would need more than 10 qudits";
-    case vantel_output_size_mismatch:
-        return "the matrix has fewer elements than the output";
-    case vantel_state_size_exceeded:
-        return "a joint state holds more than 100000 basis states";
+    case vantel_ok: return "no failure";
+    case vantel_null_property: return "the handle is null";
+    case vantel_output_too_small: return "the matrix has more elements than the output";
+    case vantel_target_control_overlap: return "a condition names a target of the gate";
+    case vantel_different_dimensions: return "the qudits have different dimensions";
+    case vantel_bad_dimension: return "a dimension is not in 2 .. 10";
+    case vantel_bad_qudit_number: return "a joint state would need more than 10 qudits";
+    case vantel_output_size_mismatch: return "the matrix has fewer elements than the output";
+    case vantel_state_size_exceeded: return "a joint state holds more than 100000 basis states";
     }
     return "unknown status";
 }
 
 /// @cond internal
 namespace detail {
-
 /// The one way to the C functions: what fails in there leaves here as an Error.
 template <class Function, class... Arguments> void call(Function function, Arguments... arguments) {
     int status = vantel_ok;
@@ -111,7 +99,6 @@ template <class Function, class... Arguments> void call(Function function, Argum
     if (status != vantel_ok)
         throw Error(static_cast<vantel_status>(status), describe(static_cast<vantel_status>(status)));
 }
-
 } // namespace detail
 /// @endcond
 
@@ -161,9 +148,7 @@ public:
     }
 
     /// The first record; good as long as this object is.
-    [[nodiscard]] const Condition* data() const noexcept {
-        return many_.empty() ? few_.data() : many_.data();
-    }
+    [[nodiscard]] const Condition* data() const noexcept { return many_.empty() ? few_.data() : many_.data(); }
     /// How many there are.
     [[nodiscard]] std::size_t size() const noexcept { return many_.empty() ? few_count_ : many_.size(); }
 
@@ -176,22 +161,19 @@ private:
 
 /// @cond internal
 namespace detail {
-
 /// Whether freeing a handle cannot end the process; if its joint state is over the limit, after measuring it.
 /// A phase that is turned nowhere tells the size of the state.
 inline bool can_go(QuantumProperty* handle) noexcept {
     const Condition never{handle, -1, 1};
     const auto fits = [&] { return vantel_phase_rotate(&never, 1, 0.0F) != vantel_state_size_exceeded; };
     try {
-        if (handle == nullptr || fits())
-            return true;
+        if (handle == nullptr || fits()) return true;
         int level = 0;
         return vantel_measure(&handle, 1, &level) == vantel_ok && fits();
     } catch (const std::exception&) {
         return false;
     }
 }
-
 } // namespace detail
 /// @endcond
 
@@ -214,13 +196,11 @@ public:
     /// a joint state over the limit is measured first. Where that leaves the state over the limit, or where
     /// the random source or memory fails, the qudit stays in it, and its place taken, until the process ends.
     ~Qudit() {
-        if (detail::can_go(handle_))
-            vantel_free_quantum_property(handle_);
+        if (detail::can_go(handle_)) vantel_free_quantum_property(handle_);
     }
 
     /// Takes over the qudit of `other`.
-    Qudit(Qudit&& other) noexcept
-        : handle_(std::exchange(other.handle_, nullptr)), dimension_(other.dimension_) {}
+    Qudit(Qudit&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)), dimension_(other.dimension_) {}
 
     /// Frees the own qudit and takes over that of `other`.
     Qudit& operator=(Qudit&& other) noexcept {
@@ -256,16 +236,14 @@ private:
 
 /// A range of Qudit, or of what converts to one by reference.
 template <class Range>
-concept QuditRange =
-    std::ranges::forward_range<Range> && std::convertible_to < std::ranges::range_reference_t<Range>,
+concept QuditRange = std::ranges::forward_range<Range> && std::convertible_to < std::ranges::range_reference_t<Range>,
 const Qudit& > ;
 
 /// `count` qudits of one dimension, each in level 0.
 [[nodiscard]] inline std::vector<Qudit> make_register(std::size_t count, int dimension) {
     std::vector<Qudit> qudits;
     qudits.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
-        qudits.emplace_back(dimension);
+    for (std::size_t i = 0; i < count; ++i) qudits.emplace_back(dimension);
     return qudits;
 }
 
@@ -372,20 +350,17 @@ public:
     /// 0 to below the qudit's dimension; the text has the levels and the dimensions.
     [[nodiscard]] std::size_t row(std::span<const int> levels) const {
         if (!std::ranges::equal(levels, dimensions_, [](int v, int d) { return 0 <= v && v < d; }))
-            throw std::out_of_range("no row " + listed(levels) + " of qudits with dimensions " +
-                                    listed(dimensions_));
+            throw std::out_of_range("no row " + listed(levels) + " of qudits with dimensions " + listed(dimensions_));
         std::size_t position = 0;
         for (std::size_t i = levels.size(); i-- > 0;)
-            position =
-                position * static_cast<std::size_t>(dimensions_[i]) + static_cast<std::size_t>(levels[i]);
+            position = position * static_cast<std::size_t>(dimensions_[i]) + static_cast<std::size_t>(levels[i]);
         return position;
     }
 
 private:
     static std::string listed(std::span<const int> numbers) {
         std::string text = "(";
-        for (const int number : numbers)
-            text += (text.size() > 1 ? ", " : "") + std::to_string(number);
+        for (const int number : numbers) text += (text.size() > 1 ? ", " : "") + std::to_string(number);
         return text + ')';
     }
 
@@ -395,19 +370,14 @@ private:
 
 /// @cond internal
 namespace detail {
-
 template <QuditRange Range> std::vector<QuantumProperty*> handles(Range&& qudits) {
     std::vector<QuantumProperty*> list;
-    for (const Qudit& qudit : qudits)
-        list.push_back(qudit.handle());
+    for (const Qudit& qudit : qudits) list.push_back(qudit.handle());
     return list;
 }
 
 /// The arguments of a readout as a range.
-template <class... Qudits> auto listed(Qudits&... qudits) {
-    return std::array{std::ref(qudits)...};
-}
-
+template <class... Qudits> auto listed(Qudits&... qudits) { return std::array{std::ref(qudits)...}; }
 } // namespace detail
 /// @endcond
 
@@ -416,40 +386,29 @@ template <class... Qudits> auto listed(Qudits&... qudits) {
 class Outcomes {
 public:
     /// Asks for the table; see probabilities().
-    template <QuditRange Range>
-    explicit Outcomes(Range&& qudits)
-        : shape_(qudits), size_(shape_.size()),
-          records_(std::make_unique_for_overwrite<ProbabilityRecord[]>(size_)),
+    template <QuditRange Range> explicit Outcomes(Range&& qudits)
+        : shape_(qudits), size_(shape_.size()), records_(std::make_unique_for_overwrite<ProbabilityRecord[]>(size_)),
           levels_(std::make_unique_for_overwrite<int[]>(size_ * shape_.qudits())) {
-        for (std::size_t i = 0; i < size_; ++i)
-            records_[i].qudit_values = levels_.get() + i * shape_.qudits();
+        for (std::size_t i = 0; i < size_; ++i) records_[i].qudit_values = levels_.get() + i * shape_.qudits();
         constexpr float unwritten = -1.0F;
         records_[0].probability = unwritten;
         auto list = detail::handles(qudits);
         detail::call(vantel_probabilities, list.data(), list.size(), records_.get());
-        if (records_[0].probability == unwritten)
-            size_ = 0;
+        if (records_[0].probability == unwritten) size_ = 0;
     }
 
     [[nodiscard]] std::size_t size() const noexcept { return size_; } ///< How many rows there are.
-    [[nodiscard]] const ProbabilityRecord* begin() const noexcept {
-        return records_.get();
-    } ///< The first row.
-    [[nodiscard]] const ProbabilityRecord* end() const noexcept {
-        return begin() + size_;
-    } ///< Behind the last.
+    [[nodiscard]] const ProbabilityRecord* begin() const noexcept { return records_.get(); } ///< The first row.
+    [[nodiscard]] const ProbabilityRecord* end() const noexcept { return begin() + size_; }  ///< Behind the last.
 
     /// Row `row`, below size(); not checked.
-    [[nodiscard]] const ProbabilityRecord& operator[](std::size_t row) const noexcept {
-        return records_[row];
-    }
+    [[nodiscard]] const ProbabilityRecord& operator[](std::size_t row) const noexcept { return records_[row]; }
 
     /// The probability of one combination, one level per qudit: `table(0, 2)`. Throws std::out_of_range as
     /// Shape::row() does, and where the table has no rows.
     template <std::convertible_to<int>... Levels> [[nodiscard]] double operator()(Levels... levels) const {
         const std::size_t row = shape_.row(std::array<int, sizeof...(levels)>{static_cast<int>(levels)...});
-        if (row >= size_)
-            throw std::out_of_range("the table of an empty joint state has no rows");
+        if (row >= size_) throw std::out_of_range("the table of an empty joint state has no rows");
         return records_[row].probability;
     }
 
@@ -458,8 +417,7 @@ public:
     /// A line for each row whose probability is not 0: the levels, and the probability to six digits.
     friend std::ostream& operator<<(std::ostream& stream, const Outcomes& outcomes) {
         for (const ProbabilityRecord& record : outcomes) {
-            if (record.probability == 0)
-                continue;
+            if (record.probability == 0) continue;
             for (std::size_t i = 0; i < outcomes.shape_.qudits(); ++i)
                 stream << std::to_string(record.qudit_values[i]) + ' ';
             stream << ' ' + std::to_string(record.probability) + '\n';
@@ -485,8 +443,7 @@ public:
         real_ = std::make_unique_for_overwrite<float[]>(elements);
         imaginary_ = std::make_unique_for_overwrite<float[]>(elements);
         auto list = detail::handles(qudits);
-        detail::call(vantel_reduced_density_matrix, list.data(), list.size(), real_.get(), imaginary_.get(),
-                     elements);
+        detail::call(vantel_reduced_density_matrix, list.data(), list.size(), real_.get(), imaginary_.get(), elements);
     }
 
     [[nodiscard]] std::size_t side() const noexcept { return shape_.size(); } ///< Rows, and columns.
@@ -499,15 +456,15 @@ public:
         return {real_[row * side() + column], imaginary_[row * side() + column]};
     }
 
-    [[nodiscard]] const Shape& shape() const noexcept { return shape_; } ///< The order of rows and columns.
+    [[nodiscard]] const Shape& shape() const noexcept { return shape_; }     ///< The order of rows and columns.
     [[nodiscard]] const float* real() const noexcept { return real_.get(); } ///< Real parts, row by row.
     [[nodiscard]] const float* imaginary() const noexcept { return imaginary_.get(); } ///< Imaginary parts.
 
     /// A line for each row, its elements as `(real, imaginary)` to six digits behind the point.
     friend std::ostream& operator<<(std::ostream& stream, const DensityMatrix& matrix) {
         for (std::size_t i = 0; i < matrix.side() * matrix.side(); ++i)
-            stream << '(' + std::to_string(matrix.real_[i]) + ", " + std::to_string(matrix.imaginary_[i]) +
-                          ')' + ((i + 1) % matrix.side() == 0 ? '\n' : ' ');
+            stream << '(' + std::to_string(matrix.real_[i]) + ", " + std::to_string(matrix.imaginary_[i]) + ')' +
+                          ((i + 1) % matrix.side() == 0 ? '\n' : ' ');
         return stream;
     }
 
@@ -556,9 +513,7 @@ inline bool stochastic_projection(Conditions when) {
 }
 
 /// The probability of every combination of levels of a range, without measuring.
-template <QuditRange Range> [[nodiscard]] Outcomes probabilities(Range&& qudits) {
-    return Outcomes(qudits);
-}
+template <QuditRange Range> [[nodiscard]] Outcomes probabilities(Range&& qudits) { return Outcomes(qudits); }
 
 /// The probability of every combination of levels of the arguments, without measuring.
 template <std::same_as<Qudit>... Rest> [[nodiscard]] Outcomes probabilities(Qudit& first, Rest&... rest) {
@@ -571,8 +526,7 @@ template <QuditRange Range> [[nodiscard]] DensityMatrix reduced_density_matrix(R
 }
 
 /// The density matrix of the arguments, all other qudits traced out.
-template <std::same_as<Qudit>... Rest>
-[[nodiscard]] DensityMatrix reduced_density_matrix(Qudit& first, Rest&... rest) {
+template <std::same_as<Qudit>... Rest> [[nodiscard]] DensityMatrix reduced_density_matrix(Qudit& first, Rest&... rest) {
     return DensityMatrix(detail::listed(first, rest...));
 }
 /// @}
@@ -592,8 +546,7 @@ inline void join(Qudit& into, Qudit& newcomer) {
 /// Asks whether `when` holds, and projects the joint state onto the answer, as often as one likes. Takes one
 /// more place among the ten for the time of the call.
 inline bool project(Conditions when) {
-    if (when.size() == 0)
-        return true;
+    if (when.size() == 0) return true;
     Qudit answer(2);
     std::vector<Condition> joined(when.data(), when.data() + when.size());
     joined.push_back(answer == 1);
@@ -607,11 +560,9 @@ inline void add(Qudit& target, int steps, Conditions when = {}) {
     const int dimension = target.dimension();
     const int up = (steps % dimension + dimension) % dimension;
     if (2 * up <= dimension)
-        for (int i = 0; i < up; ++i)
-            cycle(target, when);
+        for (int i = 0; i < up; ++i) cycle(target, when);
     else
-        for (int i = up; i < dimension; ++i)
-            shift(target, when);
+        for (int i = up; i < dimension; ++i) shift(target, when);
 }
 
 /// Measures a qudit and takes it back to level 0, ready for another use. Returns the level that it had.
@@ -623,7 +574,6 @@ inline int reset(Qudit& target) {
 
 /// @cond internal
 namespace detail {
-
 /// Applies `gate` as often as the level of `control` says. The k-th of d - 1 rounds asks for a level above
 /// k, that is for none of 0 .. k, so that level c takes part in c rounds.
 template <class Gate> void for_each_level(const Qudit& control, Conditions when, Gate gate) {
@@ -633,7 +583,6 @@ template <class Gate> void for_each_level(const Qudit& control, Conditions when,
         gate(Conditions(all));
     }
 }
-
 } // namespace detail
 /// @endcond
 
@@ -673,20 +622,17 @@ inline void swap_by_sums(Qudit& first, Qudit& second) {
 
 /// @cond internal
 namespace detail {
-
 /// The Fourier transform of a register, or its inverse, as the same steps backwards.
 template <class Range> void transform_register(Range&& qudits, bool inverse) {
     const auto count = static_cast<std::size_t>(std::ranges::distance(qudits));
     std::vector<Qudit*> digits;
-    for (Qudit& qudit : qudits)
-        digits.push_back(&qudit);
+    for (Qudit& qudit : qudits) digits.push_back(&qudit);
     for (const Qudit* const qudit : digits)
         if (qudit->dimension() != digits[0]->dimension())
             throw Error(vantel_different_dimensions, describe(vantel_different_dimensions));
 
     const auto reverse = [&] {
-        for (std::size_t i = 0; i < count / 2; ++i)
-            swap_levels(*digits[i], *digits[count - 1 - i]);
+        for (std::size_t i = 0; i < count / 2; ++i) swap_levels(*digits[i], *digits[count - 1 - i]);
     };
     // Digit j turns by exp(2 pi i x_m y / d^(j - m + 1)) for each lower digit x_m.
     const auto turn = [&](std::size_t j, float sign) {
@@ -710,7 +656,6 @@ template <class Range> void transform_register(Range&& qudits, bool inverse) {
         reverse();
     }
 }
-
 } // namespace detail
 /// @endcond
 
@@ -718,14 +663,10 @@ template <class Range> void transform_register(Range&& qudits, bool inverse) {
 /// digit: with P = d^n, |x> goes to the sum over y of exp(2 pi i x y / P) / sqrt(P) times |y>.
 /// Note the sign: on one qudit this is inverse_hadamard().
 /// Throws Error with #vantel_different_dimensions, before anything is applied.
-template <QuditRange Range> void fourier_transform(Range&& qudits) {
-    detail::transform_register(qudits, false);
-}
+template <QuditRange Range> void fourier_transform(Range&& qudits) { detail::transform_register(qudits, false); }
 
 /// The inverse of fourier_transform().
-template <QuditRange Range> void inverse_fourier_transform(Range&& qudits) {
-    detail::transform_register(qudits, true);
-}
+template <QuditRange Range> void inverse_fourier_transform(Range&& qudits) { detail::transform_register(qudits, true); }
 
 /// Takes qudits from level 0 to the sum over k of |k, k mod d2, k mod d3, ...> / sqrt(d1), the
 /// Greenberger-Horne-Zeilinger state of as many terms as the first qudit has levels.
@@ -733,8 +674,7 @@ template <QuditRange Range> void prepare_ghz(Range&& qudits) {
     auto next = std::ranges::begin(qudits);
     Qudit& first = *next;
     hadamard(first);
-    while (++next != std::ranges::end(qudits))
-        sum(first, static_cast<Qudit&>(*next));
+    while (++next != std::ranges::end(qudits)) sum(first, static_cast<Qudit&>(*next));
 }
 
 /// Takes two qudits from level 0 to a Bell state: the sum over k of
@@ -746,7 +686,6 @@ inline void prepare_bell(Qudit& first, Qudit& second, int phase = 0, int offset 
     add(second, offset);
 }
 /// @}
-
 } // namespace vantel
 
 #endif // C++20

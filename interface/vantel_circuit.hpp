@@ -49,7 +49,6 @@
 #include <vector>
 
 namespace vantel {
-
 /// A run from level 0: the qudits as it left them, and what it read.
 struct Run {
     std::vector<Qudit> qudits; ///< in the circuit's order
@@ -70,8 +69,7 @@ public:
 
     /// With qudits named q0, q1, ... of these dimensions.
     explicit Circuit(std::span<const int> dimensions) {
-        for (const int dimension : dimensions)
-            add_qudit("q" + std::to_string(qudits_.size()), dimension);
+        for (const int dimension : dimensions) add_qudit("q" + std::to_string(qudits_.size()), dimension);
     }
 
     /// With qudits named q0, q1, ... of the dimensions in braces.
@@ -88,24 +86,21 @@ public:
     /// The dimensions of the qudits.
     [[nodiscard]] std::vector<int> dimensions() const {
         std::vector<int> list;
-        for (const NamedQudit& qudit : qudits_)
-            list.push_back(qudit.dimension);
+        for (const NamedQudit& qudit : qudits_) list.push_back(qudit.dimension);
         return list;
     }
 
     /// A qudit by its name. Throws std::out_of_range if there is none.
     [[nodiscard]] Wire wire(std::string_view name) const {
         const auto found = std::ranges::find(qudits_, name, &NamedQudit::name);
-        if (found == qudits_.end())
-            throw std::out_of_range("no qudit is named " + std::string(name));
+        if (found == qudits_.end()) throw std::out_of_range("no qudit is named " + std::string(name));
         return {static_cast<std::size_t>(found - qudits_.begin())};
     }
 
     /// A value by its name. Throws std::out_of_range if there is none.
     [[nodiscard]] Value value(std::string_view name) const {
         const auto found = std::ranges::find(values_, name);
-        if (found == values_.end())
-            throw std::out_of_range("no value is named " + std::string(name));
+        if (found == values_.end()) throw std::out_of_range("no value is named " + std::string(name));
         return {static_cast<std::size_t>(found - values_.begin())};
     }
     /// @}
@@ -121,8 +116,7 @@ public:
     /// @param dimension  2 to 10.
     Wire add_qudit(std::string name, int dimension) {
         detail::check_name(name);
-        if (is_name(name))
-            throw std::invalid_argument("the name " + name + " is taken");
+        if (is_name(name)) throw std::invalid_argument("the name " + name + " is taken");
         if (dimension < 2 || dimension > 10)
             throw std::invalid_argument("a qudit of " + std::to_string(dimension) + " levels");
         qudits_.push_back({std::move(name), dimension});
@@ -133,10 +127,8 @@ public:
     Value add_value(std::string name) {
         detail::check_name(name);
         for (std::size_t i = 0; i < values_.size(); ++i)
-            if (values_[i] == name)
-                return {i};
-        if (is_name(name))
-            throw std::invalid_argument("the name " + name + " is taken");
+            if (values_[i] == name) return {i};
+        if (is_name(name)) throw std::invalid_argument("the name " + name + " is taken");
         values_.push_back(std::move(name));
         return {values_.size() - 1};
     }
@@ -144,9 +136,7 @@ public:
     /// hadamard()
     Circuit& hadamard(Wire target, When when = {}) { return gate(Action::hadamard, {target}, 1, when); }
     /// inverse_hadamard()
-    Circuit& inverse_hadamard(Wire target, When when = {}) {
-        return gate(Action::inverse_hadamard, {target}, 1, when);
-    }
+    Circuit& inverse_hadamard(Wire target, When when = {}) { return gate(Action::inverse_hadamard, {target}, 1, when); }
     /// cycle()
     Circuit& cycle(Wire target, When when = {}) { return gate(Action::cycle, {target}, 1, when); }
     /// The power `fraction` of cycle().
@@ -172,9 +162,7 @@ public:
         return gate(Action::swap_levels, {first, second}, 1, when);
     }
     /// i_swap()
-    Circuit& i_swap(Wire first, Wire second, When when = {}) {
-        return gate(Action::i_swap, {first, second}, 1, when);
-    }
+    Circuit& i_swap(Wire first, Wire second, When when = {}) { return gate(Action::i_swap, {first, second}, 1, when); }
     /// The power `fraction` of i_swap().
     Circuit& i_swap(Wire first, Wire second, double fraction, When when = {}) {
         return gate(Action::i_swap, {first, second}, fraction, when);
@@ -182,9 +170,7 @@ public:
     /// add()
     Circuit& add(Wire target, int steps, When when = {}) { return gate(Action::add, {target}, steps, when); }
     /// sum()
-    Circuit& sum(Wire control, Wire target, When when = {}) {
-        return gate(Action::sum, {control, target}, 1, when);
-    }
+    Circuit& sum(Wire control, Wire target, When when = {}) { return gate(Action::sum, {control, target}, 1, when); }
     /// inverse_sum()
     Circuit& inverse_sum(Wire control, Wire target, When when = {}) {
         return gate(Action::inverse_sum, {control, target}, 1, when);
@@ -204,26 +190,18 @@ public:
         return read(Action::measure, targets, std::move(names), std::move(when));
     }
     /// project(): asks whether the conditions on qudits hold, where those on values do.
-    Value project(When when, std::string name) {
-        return read(Action::project, {}, {std::move(name)}, std::move(when));
-    }
+    Value project(When when, std::string name) { return read(Action::project, {}, {std::move(name)}, std::move(when)); }
     /// reset(), where conditions on values hold. Returns the value of the level that it had.
     Value reset(Wire target, std::string name, When when = {}) {
         return read(Action::reset, {target}, {std::move(name)}, std::move(when));
     }
 
     /// depolarising() with probability p, where conditions on values hold.
-    Circuit& depolarise(Wire target, double p, When when = {}) {
-        return gate(Action::depolarise, {target}, p, when);
-    }
+    Circuit& depolarise(Wire target, double p, When when = {}) { return gate(Action::depolarise, {target}, p, when); }
     /// dephasing() with probability p, where conditions on values hold.
-    Circuit& dephase(Wire target, double p, When when = {}) {
-        return gate(Action::dephase, {target}, p, when);
-    }
+    Circuit& dephase(Wire target, double p, When when = {}) { return gate(Action::dephase, {target}, p, when); }
     /// amplitude_damping() by gamma, where conditions on values hold.
-    Circuit& damp(Wire target, double gamma, When when = {}) {
-        return gate(Action::damp, {target}, gamma, when);
-    }
+    Circuit& damp(Wire target, double gamma, When when = {}) { return gate(Action::damp, {target}, gamma, when); }
 
     /// Records one step.
     Circuit& append(Step step);
@@ -255,8 +233,7 @@ public:
     [[nodiscard]] Circuit repeat(std::size_t times) const {
         Circuit result = *this;
         result.steps_.clear();
-        for (std::size_t i = 0; i < times; ++i)
-            result.steps_.insert(result.steps_.end(), steps_.begin(), steps_.end());
+        for (std::size_t i = 0; i < times; ++i) result.steps_.insert(result.steps_.end(), steps_.begin(), steps_.end());
         return result;
     }
 
@@ -272,8 +249,7 @@ public:
     /// @returns what was read.
     /// @throws std::logic_error  before the first step, if needs_generator().
     Readings run(const Targets& targets) const {
-        if (needs_generator())
-            throw std::logic_error("a circuit with noise needs a generator to run");
+        if (needs_generator()) throw std::logic_error("a circuit with noise needs a generator to run");
         return run_steps(targets, nullptr);
     }
 
@@ -304,8 +280,7 @@ private:
     static std::vector<std::size_t> places(const std::vector<Wire>& wires) {
         std::vector<std::size_t> list;
         list.reserve(wires.size());
-        for (const Wire wire : wires)
-            list.push_back(wire.place);
+        for (const Wire wire : wires) list.push_back(wire.place);
         return list;
     }
 
@@ -322,8 +297,7 @@ private:
         const std::size_t before = values_.size();
         Step step{action, places(targets), 1, std::move(when), {}, {}, {}};
         try {
-            for (std::string& name : names)
-                step.values.push_back(add_value(std::move(name)).place);
+            for (std::string& name : names) step.values.push_back(add_value(std::move(name)).place);
             const Value first{step.values.empty() ? before : step.values[0]};
             append(std::move(step));
             return first;
@@ -338,8 +312,7 @@ private:
             throw std::invalid_argument("the qudits have not the dimensions of the circuit");
         std::vector<int> numbers(values_.size());
         for (const Step& step : steps_)
-            if (detail::holds(step, numbers))
-                detail::run(step, targets, numbers, uniform);
+            if (detail::holds(step, numbers)) detail::run(step, targets, numbers, uniform);
         return {values_, std::move(numbers)};
     }
 
@@ -352,12 +325,10 @@ private:
 
 inline void Circuit::check(const Step& step) const {
     const auto demand = [](bool holds, const char* what) {
-        if (!holds)
-            throw std::invalid_argument(what);
+        if (!holds) throw std::invalid_argument(what);
     };
     const detail::StepForm& form = detail::form_of(step.action);
-    demand(form.targets == detail::StepForm::any ? !step.targets.empty()
-                                                 : step.targets.size() == form.targets,
+    demand(form.targets == detail::StepForm::any ? !step.targets.empty() : step.targets.size() == form.targets,
            "another number of qudits than the step takes");
     demand(std::isfinite(step.amount), "a number that is not finite");
     for (std::size_t i = 0; i < step.targets.size(); ++i) {
@@ -368,8 +339,7 @@ inline void Circuit::check(const Step& step) const {
     for (const StepCondition& asked : step.when.all) {
         demand(asked.place < (asked.on_value ? values_.size() : qudits_.size()),
                "a condition on what the circuit has not");
-        if (asked.on_value)
-            continue;
+        if (asked.on_value) continue;
         asks = true;
         demand(form.asks, "a step that reads or is noise has conditions on values only");
         demand(std::ranges::count(step.targets, asked.place) == 0, "a condition names a target of the step");
@@ -377,8 +347,7 @@ inline void Circuit::check(const Step& step) const {
     demand(asks || form.targets > 0, "a step without a qudit");
     demand(step.values.size() == (form.reads ? std::max<std::size_t>(step.targets.size(), 1) : 0),
            "another number of values than the step reads");
-    for (const std::size_t value : step.values)
-        demand(value < values_.size(), "a value that the circuit has not");
+    for (const std::size_t value : step.values) demand(value < values_.size(), "a value that the circuit has not");
     if (step.action == Action::swap_levels || step.action == Action::i_swap)
         demand(qudits_[step.targets[0]].dimension == qudits_[step.targets[1]].dimension,
                "the qudits have different dimensions");
@@ -393,8 +362,7 @@ inline Circuit& Circuit::append(Step step) {
     check(step);
     PreparedStep prepared;
     std::vector<int> of_targets;
-    for (const std::size_t target : step.targets)
-        of_targets.push_back(qudits_[target].dimension);
+    for (const std::size_t target : step.targets) of_targets.push_back(qudits_[target].dimension);
     if (step.action == Action::unitary)
         prepared.unitary.emplace(std::move(of_targets), step.matrix);
     else if (step.action == Action::depolarise)
@@ -416,13 +384,10 @@ inline Circuit& Circuit::append(const Circuit& other, const std::vector<Wire>& o
         if (onto[i].place >= qudits_.size() || qudits_[onto[i].place].dimension != other.qudits_[i].dimension)
             throw std::invalid_argument("no qudit of the dimension of " + other.qudits_[i].name);
     std::vector<std::size_t> values;
-    for (const std::string& name : other.values_)
-        values.push_back(joined.add_value(name).place);
+    for (const std::string& name : other.values_) values.push_back(joined.add_value(name).place);
     for (Step step : other.steps_) {
-        for (std::size_t& target : step.targets)
-            target = onto[target].place;
-        for (std::size_t& value : step.values)
-            value = values[value];
+        for (std::size_t& target : step.targets) target = onto[target].place;
+        for (std::size_t& value : step.values) value = values[value];
         for (StepCondition& asked : step.when.all)
             asked.place = asked.on_value ? values[asked.place] : onto[asked.place].place;
         joined.check(step);
@@ -434,11 +399,9 @@ inline Circuit& Circuit::append(const Circuit& other, const std::vector<Wire>& o
 inline Circuit Circuit::inverse() const {
     Circuit result = *this;
     result.steps_.clear();
-    for (std::size_t i = steps_.size(); i-- > 0;)
-        result.append(detail::inverse(steps_[i]));
+    for (std::size_t i = steps_.size(); i-- > 0;) result.append(detail::inverse(steps_[i]));
     return result;
 }
-
 } // namespace vantel
 
 #endif // C++20

@@ -26,7 +26,6 @@
 #include <vector>
 
 namespace vantel {
-
 /// One condition of a step.
 struct StepCondition {
     bool on_value;     ///< whether a value is asked and not a qudit
@@ -126,13 +125,12 @@ public:
     /// The number of a value by its name. Throws std::out_of_range if there is none of this name.
     [[nodiscard]] int operator[](std::string_view name) const {
         const auto found = std::ranges::find(names_, name);
-        if (found == names_.end())
-            throw std::out_of_range("no value is named " + std::string(name));
+        if (found == names_.end()) throw std::out_of_range("no value is named " + std::string(name));
         return numbers_[static_cast<std::size_t>(found - names_.begin())];
     }
 
     [[nodiscard]] const std::vector<std::string>& names() const noexcept { return names_; } ///< In order.
-    [[nodiscard]] const std::vector<int>& numbers() const noexcept { return numbers_; } ///< In this order.
+    [[nodiscard]] const std::vector<int>& numbers() const noexcept { return numbers_; }     ///< In this order.
 
     /// A line `name = number` for each.
     friend std::ostream& operator<<(std::ostream& stream, const Readings& readings) {
@@ -149,7 +147,6 @@ private:
 
 /// @cond internal
 namespace detail {
-
 /// How a step is written: its name and what follows it.
 struct StepForm {
     enum class Amount { none, fraction, angle, whole, probability };
@@ -184,15 +181,11 @@ inline constexpr StepForm step_forms[] = {
     {Action::damp, "damp", 1, StepForm::Amount::probability, false, false},
 };
 
-inline const StepForm& form_of(Action action) {
-    return *std::ranges::find(step_forms, action, &StepForm::action);
-}
+inline const StepForm& form_of(Action action) { return *std::ranges::find(step_forms, action, &StepForm::action); }
 
 /// Throws unless the text can be a name.
 inline void check_name(std::string_view name) {
-    const auto is_letter = [](char c) {
-        return ('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z') || c == '_';
-    };
+    const auto is_letter = [](char c) { return ('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z') || c == '_'; };
     const auto is_digit = [](char c) { return '0' <= c && c <= '9'; };
     if (name.empty() || !is_letter(name[0]) || name == "if" ||
         !std::ranges::all_of(name, [&](char c) { return is_letter(c) || is_digit(c); }))
@@ -203,32 +196,17 @@ inline void check_name(std::string_view name) {
 inline Step inverse(const Step& original) {
     Step step = original;
     switch (step.action) {
-    case Action::hadamard:
-        step.action = Action::inverse_hadamard;
-        break;
-    case Action::inverse_hadamard:
-        step.action = Action::hadamard;
-        break;
-    case Action::cycle:
-        step.action = Action::shift;
-        break;
-    case Action::shift:
-        step.action = Action::cycle;
-        break;
-    case Action::sum:
-        step.action = Action::inverse_sum;
-        break;
-    case Action::inverse_sum:
-        step.action = Action::sum;
-        break;
+    case Action::hadamard: step.action = Action::inverse_hadamard; break;
+    case Action::inverse_hadamard: step.action = Action::hadamard; break;
+    case Action::cycle: step.action = Action::shift; break;
+    case Action::shift: step.action = Action::cycle; break;
+    case Action::sum: step.action = Action::inverse_sum; break;
+    case Action::inverse_sum: step.action = Action::sum; break;
     case Action::clock:
     case Action::phase_rotate:
     case Action::i_swap:
-    case Action::add:
-        step.amount = -step.amount;
-        break;
-    case Action::swap_levels:
-        break;
+    case Action::add: step.amount = -step.amount; break;
+    case Action::swap_levels: break;
     case Action::unitary: {
         const auto side = static_cast<std::size_t>(std::sqrt(static_cast<double>(step.matrix.size())));
         for (std::size_t row = 0; row < side; ++row)
@@ -242,8 +220,7 @@ inline Step inverse(const Step& original) {
     case Action::reset:
     case Action::depolarise:
     case Action::dephase:
-    case Action::damp:
-        throw std::logic_error("a circuit that reads or has noise has no inverse");
+    case Action::damp: throw std::logic_error("a circuit that reads or has noise has no inverse");
     }
     return step;
 }
@@ -262,64 +239,39 @@ inline void run(const Step& step, const Targets& qudits, std::span<int> numbers,
     const auto target = [&](std::size_t i) -> Qudit& { return qudits[step.targets[i]]; };
     std::vector<Condition> when;
     for (const StepCondition& asked : step.when.all)
-        if (!asked.on_value)
-            when.push_back({qudits[asked.place].handle(), asked.level, asked.is_equal});
+        if (!asked.on_value) when.push_back({qudits[asked.place].handle(), asked.level, asked.is_equal});
     std::vector<std::reference_wrapper<Qudit>> targets;
-    for (const std::size_t place : step.targets)
-        targets.emplace_back(qudits[place]);
+    for (const std::size_t place : step.targets) targets.emplace_back(qudits[place]);
     switch (step.action) {
-    case Action::hadamard:
-        return vantel::hadamard(target(0), when);
-    case Action::inverse_hadamard:
-        return vantel::inverse_hadamard(target(0), when);
-    case Action::cycle:
-        return vantel::cycle(target(0), step.amount, when);
-    case Action::shift:
-        return vantel::shift(target(0), step.amount, when);
-    case Action::clock:
-        return vantel::clock(target(0), step.amount, when);
-    case Action::phase_rotate:
-        return vantel::phase_rotate(when, step.amount);
-    case Action::swap_levels:
-        return vantel::swap_levels(target(0), target(1), when);
-    case Action::i_swap:
-        return vantel::i_swap(target(0), target(1), step.amount, when);
-    case Action::add:
-        return vantel::add(target(0), static_cast<int>(step.amount), when);
-    case Action::sum:
-        return vantel::sum(target(0), target(1), when);
-    case Action::inverse_sum:
-        return vantel::inverse_sum(target(0), target(1), when);
-    case Action::unitary:
-        step.prepared->unitary->apply(targets, when);
-        return;
+    case Action::hadamard: return vantel::hadamard(target(0), when);
+    case Action::inverse_hadamard: return vantel::inverse_hadamard(target(0), when);
+    case Action::cycle: return vantel::cycle(target(0), step.amount, when);
+    case Action::shift: return vantel::shift(target(0), step.amount, when);
+    case Action::clock: return vantel::clock(target(0), step.amount, when);
+    case Action::phase_rotate: return vantel::phase_rotate(when, step.amount);
+    case Action::swap_levels: return vantel::swap_levels(target(0), target(1), when);
+    case Action::i_swap: return vantel::i_swap(target(0), target(1), step.amount, when);
+    case Action::add: return vantel::add(target(0), static_cast<int>(step.amount), when);
+    case Action::sum: return vantel::sum(target(0), target(1), when);
+    case Action::inverse_sum: return vantel::inverse_sum(target(0), target(1), when);
+    case Action::unitary: step.prepared->unitary->apply(targets, when); return;
     case Action::measure: {
         const std::vector<int> levels = vantel::measure(targets);
-        for (std::size_t i = 0; i < levels.size(); ++i)
-            numbers[step.values[i]] = levels[i];
+        for (std::size_t i = 0; i < levels.size(); ++i) numbers[step.values[i]] = levels[i];
         return;
     }
-    case Action::project:
-        numbers[step.values[0]] = vantel::project(when) ? 1 : 0;
-        return;
-    case Action::reset:
-        numbers[step.values[0]] = vantel::reset(target(0));
-        return;
+    case Action::project: numbers[step.values[0]] = vantel::project(when) ? 1 : 0; return;
+    case Action::reset: numbers[step.values[0]] = vantel::reset(target(0)); return;
     case Action::depolarise:
     case Action::dephase:
-        if (!uniform)
-            throw std::logic_error("a circuit with noise needs a generator to run");
+        if (!uniform) throw std::logic_error("a circuit with noise needs a generator to run");
         step.prepared->weyl->draw(uniform()).apply(target(0));
         return;
-    case Action::damp:
-        step.prepared->kraus->apply(target(0));
-        return;
+    case Action::damp: step.prepared->kraus->apply(target(0)); return;
     }
 }
-
 } // namespace detail
 /// @endcond
-
 } // namespace vantel
 
 #endif // C++20

@@ -41,14 +41,12 @@
 #include <vector>
 
 namespace vantel {
-
 /// A text that is no circuit: what is wrong and where, as in `line 3, column 7: there is no qudit 'c'`.
 class CircuitTextError : public std::invalid_argument {
 public:
     /// What is wrong in a line and column, both counted from 1.
     CircuitTextError(std::size_t line, std::size_t column, const std::string& what)
-        : std::invalid_argument("line " + std::to_string(line) + ", column " + std::to_string(column) + ": " +
-                                what),
+        : std::invalid_argument("line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + what),
           line_(line), column_(column) {}
 
     [[nodiscard]] std::size_t line() const noexcept { return line_; }     ///< Counted from 1.
@@ -60,7 +58,6 @@ private:
 
 /// @cond internal
 namespace detail {
-
 /// The shortest text that reads as this number.
 inline std::string number_text(double number) {
     std::array<char, 40> text{};
@@ -75,8 +72,7 @@ public:
             const std::size_t length = std::min(text.find('\n'), text.size());
             ++line_;
             split(text.substr(0, length));
-            if (!at_end())
-                read_line();
+            if (!at_end()) read_line();
             text.remove_prefix(std::min(length + 1, text.size()));
         }
         return std::move(circuit_);
@@ -122,12 +118,10 @@ private:
             Kind kind = Kind::sign;
             if (is(i, letters)) {
                 kind = Kind::word;
-                while (is(end, letters) || is(end, digits))
-                    ++end;
+                while (is(end, letters) || is(end, digits)) ++end;
             } else if (is(i, digits) || (is(i, "+-.") && (is(end, digits) || is(end, ".")))) {
                 kind = Kind::number;
-                while (is(end, digits) || is(end, ".eE") || (is(end, "+-") && is(end - 1, "eE")))
-                    ++end;
+                while (is(end, digits) || is(end, ".eE") || (is(end, "+-") && is(end - 1, "eE"))) ++end;
             } else if (const std::string_view two = line.substr(i, 2);
                        two == "->" || two == "==" || two == "!=" || two == "&&")
                 ++end;
@@ -151,20 +145,18 @@ private:
     }
 
     [[noreturn]] void expected(const std::string& what) const {
-        refuse(peek().column, what + " expected, not " + (at_end() ? "" : "'") + std::string(peek().text) +
-                                  (at_end() ? "" : "'"));
+        refuse(peek().column,
+               what + " expected, not " + (at_end() ? "" : "'") + std::string(peek().text) + (at_end() ? "" : "'"));
     }
 
     Token name(const char* what) {
-        if (!at_name())
-            expected(what);
+        if (!at_name()) expected(what);
         return tokens_[next_++];
     }
 
     double number() {
         const Token token = peek();
-        if (token.kind != Kind::number)
-            expected("a number");
+        if (token.kind != Kind::number) expected("a number");
         std::istringstream stream{std::string(token.text)};
         stream.imbue(std::locale::classic());
         double result = 0;
@@ -196,14 +188,11 @@ private:
     }
 
     Complex element() {
-        if (!take("("))
-            return number();
+        if (!take("(")) return number();
         const double real = number();
-        if (!take(","))
-            expected("','");
+        if (!take(",")) expected("','");
         const double imaginary = number();
-        if (!take(")"))
-            expected("')'");
+        if (!take(")")) expected("')'");
         return {real, imaginary};
     }
 
@@ -215,13 +204,11 @@ private:
         const auto found = std::ranges::find(qudits, token.text, &Circuit::NamedQudit::name);
         const auto value = std::ranges::find(values, token.text);
         asked.on_value = found == qudits.end();
-        asked.place =
-            static_cast<std::size_t>(asked.on_value ? value - values.begin() : found - qudits.begin());
+        asked.place = static_cast<std::size_t>(asked.on_value ? value - values.begin() : found - qudits.begin());
         if (asked.on_value && value == values.end())
             refuse(token.column, "there is no qudit or value '" + std::string(token.text) + "'");
         asked.is_equal = at("==");
-        if (!take("==") && !take("!="))
-            expected("'==' or '!='");
+        if (!take("==") && !take("!=")) expected("'==' or '!='");
         asked.level = whole_number();
         return asked;
     }
@@ -236,14 +223,12 @@ private:
             value();
         else
             read_step(first);
-        if (!at_end())
-            expected("the end of the line");
+        if (!at_end()) expected("the end of the line");
     }
 
     void read_step(const Token& first) {
         const auto form = std::ranges::find(step_forms, first.text, &StepForm::name);
-        if (form == std::end(step_forms))
-            refuse(first.column, "there is no step '" + std::string(first.text) + "'");
+        if (form == std::end(step_forms)) refuse(first.column, "there is no step '" + std::string(first.text) + "'");
         Step step;
         step.action = form->action;
         while (step.targets.size() < form->targets &&
@@ -253,21 +238,16 @@ private:
                                                        : form->amount != StepForm::Amount::none)
             step.amount = number();
         if (form->action == Action::unitary)
-            while (peek().kind == Kind::number || at("("))
-                step.matrix.push_back(element());
+            while (peek().kind == Kind::number || at("(")) step.matrix.push_back(element());
         if (form->reads) {
-            if (!take("->"))
-                expected("'->'");
-            do
-                step.values.push_back(value());
+            if (!take("->")) expected("'->'");
+            do step.values.push_back(value());
             while (at_name());
         }
-        if (take("if"))
-            do
+        if (take("if")) do
                 step.when.all.push_back(condition());
             while (take("&&"));
-        if (!at_end())
-            expected("the end of the line");
+        if (!at_end()) expected("the end of the line");
         placed(first.column, [&] { circuit_.append(std::move(step)); });
     }
 
@@ -275,43 +255,35 @@ private:
     std::vector<Token> tokens_;
     std::size_t next_ = 0, line_ = 0;
 };
-
 } // namespace detail
 /// @endcond
 
 /// Reads a circuit.
 /// @throws CircuitTextError  for a text that is none.
-[[nodiscard]] inline Circuit read_circuit(std::string_view text) {
-    return detail::CircuitReader().read(text);
-}
+[[nodiscard]] inline Circuit read_circuit(std::string_view text) { return detail::CircuitReader().read(text); }
 
 /// A circuit as text, which read_circuit() makes the same circuit of.
 [[nodiscard]] inline std::string write_circuit(const Circuit& circuit) {
     std::string text;
     for (const auto& [name, dimension] : circuit.qudits())
         text += "qudit " + name + ' ' + std::to_string(dimension) + '\n';
-    for (const std::string& name : circuit.values())
-        text += "value " + name + '\n';
+    for (const std::string& name : circuit.values()) text += "value " + name + '\n';
     for (const Step& step : circuit.steps()) {
         const detail::StepForm& form = detail::form_of(step.action);
         text += form.name;
-        for (const std::size_t target : step.targets)
-            text += ' ' + circuit.qudits()[target].name;
+        for (const std::size_t target : step.targets) text += ' ' + circuit.qudits()[target].name;
         if (form.amount == detail::StepForm::Amount::fraction ? step.amount != 1
                                                               : form.amount != detail::StepForm::Amount::none)
             text += ' ' + detail::number_text(step.amount);
         for (const Complex& element : step.matrix)
-            text += element.imag() == 0 ? ' ' + detail::number_text(element.real())
-                                        : " (" + detail::number_text(element.real()) + ',' +
-                                              detail::number_text(element.imag()) + ')';
-        if (form.reads)
-            text += " ->";
-        for (const std::size_t value : step.values)
-            text += ' ' + circuit.values()[value];
+            text += element.imag() == 0
+                        ? ' ' + detail::number_text(element.real())
+                        : " (" + detail::number_text(element.real()) + ',' + detail::number_text(element.imag()) + ')';
+        if (form.reads) text += " ->";
+        for (const std::size_t value : step.values) text += ' ' + circuit.values()[value];
         const char* joint = " if ";
         for (const StepCondition& asked : step.when.all) {
-            text += joint +
-                    (asked.on_value ? circuit.values()[asked.place] : circuit.qudits()[asked.place].name) +
+            text += joint + (asked.on_value ? circuit.values()[asked.place] : circuit.qudits()[asked.place].name) +
                     (asked.is_equal ? " == " : " != ") + std::to_string(asked.level);
             joint = " && ";
         }
@@ -324,7 +296,6 @@ private:
 inline std::ostream& operator<<(std::ostream& stream, const Circuit& circuit) {
     return stream << write_circuit(circuit);
 }
-
 } // namespace vantel
 
 #endif // C++20

@@ -20,7 +20,6 @@
 
 /// @cond internal
 namespace vantel::detail {
-
 /// Draws shots part by part. The levels of a few qudits are drawn from their table, and those of the next few
 /// from a table of what goes with these levels: a helper qubit is raised where they stand, the table lists it
 /// as the last qudit, and it is lowered again. Shots that share all levels so far share a table. What the
@@ -33,22 +32,18 @@ public:
         try {
             merge({qudits_[0], helper_});
         } catch (const Error& failure) {
-            if (failure.status() != vantel_bad_qudit_number)
-                throw;
+            if (failure.status() != vantel_bad_qudit_number) throw;
             throw std::length_error("a table of too many outcomes, and no place among the ten for the helper "
                                     "qubit that is drawn with in its stead: ask for fewer qudits at a time");
         }
     }
 
     /// The levels of `shots` shots. Each part takes one uniform_number() of each shot.
-    template <BitGenerator Generator>
-    std::vector<std::vector<int>> draw(std::size_t shots, Generator&& generator) {
+    template <BitGenerator Generator> std::vector<std::vector<int>> draw(std::size_t shots, Generator&& generator) {
         std::vector<std::vector<int>> drawn(shots);
         std::vector<std::size_t> all(shots);
-        for (std::size_t shot = 0; shot < shots; ++shot)
-            all[shot] = shot;
-        if (shots > 0)
-            draw_part(drawn, all, {}, [&generator] { return uniform_number(generator); });
+        for (std::size_t shot = 0; shot < shots; ++shot) all[shot] = shot;
+        if (shots > 0) draw_part(drawn, all, {}, [&generator] { return uniform_number(generator); });
         return drawn;
     }
 
@@ -59,14 +54,12 @@ private:
     // Draws the next levels of the shots in a group, which share those in `known`.
     void draw_part(std::vector<std::vector<int>>& drawn, const std::vector<std::size_t>& group,
                    const std::vector<Condition>& known, const std::function<double()>& uniform) {
-        if (known.size() == qudits_.size())
-            return;
+        if (known.size() == qudits_.size()) return;
         std::vector<std::reference_wrapper<const Qudit>> part;
         std::size_t rows = 1;
         for (std::size_t i = known.size(); i < qudits_.size(); ++i) {
             rows *= static_cast<std::size_t>(qudits_[i].dimension());
-            if (rows > most_rows && !part.empty())
-                break;
+            if (rows > most_rows && !part.empty()) break;
             part.emplace_back(qudits_[i]);
         }
         const Outcomes table = flagged(part, known);
@@ -89,16 +82,14 @@ private:
             for (std::size_t i = 0; i < part.size(); ++i) {
                 const int level = table[table.size() / 2 + row].qudit_values[i];
                 levels.push_back(part[i].get() == level);
-                for (const std::size_t shot : shots)
-                    drawn[shot].push_back(level);
+                for (const std::size_t shot : shots) drawn[shot].push_back(level);
             }
             draw_part(drawn, shots, levels, uniform);
         }
     }
 
     /// The table of a part and the helper, which is raised where the conditions hold.
-    Outcomes flagged(std::vector<std::reference_wrapper<const Qudit>> part,
-                     const std::vector<Condition>& where) {
+    Outcomes flagged(std::vector<std::reference_wrapper<const Qudit>> part, const std::vector<Condition>& where) {
         part.emplace_back(helper_);
         cycle(helper_, where);
         Outcomes table(part);
@@ -109,7 +100,6 @@ private:
     QuditList qudits_;
     Qudit helper_;
 };
-
 } // namespace vantel::detail
 /// @endcond
 

@@ -40,15 +40,13 @@
 #include <vector>
 
 namespace vantel {
-
 /// How often many runs of a circuit read what.
 class Ensemble {
 public:
     /// Puts together what ensemble() found.
     Ensemble(std::vector<std::string> names, std::map<std::vector<int>, std::size_t> counts, bool repeatable)
         : names_(std::move(names)), counts_(std::move(counts)), repeatable_(repeatable) {
-        for (const auto& [numbers, shots] : counts_)
-            shots_ += shots;
+        for (const auto& [numbers, shots] : counts_) shots_ += shots;
     }
 
     /// The names of the circuit's values.
@@ -72,12 +70,10 @@ public:
     /// @throws std::out_of_range  if there is no value of this name.
     [[nodiscard]] double share(std::string_view name, int number) const {
         const auto found = std::ranges::find(names_, name);
-        if (found == names_.end())
-            throw std::out_of_range("no value is named " + std::string(name));
+        if (found == names_.end()) throw std::out_of_range("no value is named " + std::string(name));
         std::size_t sum = 0;
         for (const auto& [numbers, shots] : counts_)
-            if (numbers[static_cast<std::size_t>(found - names_.begin())] == number)
-                sum += shots;
+            if (numbers[static_cast<std::size_t>(found - names_.begin())] == number) sum += shots;
         return shots_ == 0 ? 0 : static_cast<double>(sum) / static_cast<double>(shots_);
     }
 
@@ -85,21 +81,18 @@ public:
     /// that says that the counts cannot be repeated.
     friend std::ostream& operator<<(std::ostream& stream, const Ensemble& ensemble) {
         std::string text;
-        for (const std::string& name : ensemble.names_)
-            text += name + ' ';
+        for (const std::string& name : ensemble.names_) text += name + ' ';
         text += "shots\n";
         for (const auto& [numbers, shots] : ensemble.counts_) {
             for (std::size_t i = 0; i < numbers.size(); ++i) {
                 const std::string number = std::to_string(numbers[i]);
                 text +=
-                    std::string(
-                        ensemble.names_[i].size() - std::min(ensemble.names_[i].size(), number.size()), ' ') +
+                    std::string(ensemble.names_[i].size() - std::min(ensemble.names_[i].size(), number.size()), ' ') +
                     number + ' ';
             }
             text += std::to_string(shots) + '\n';
         }
-        if (!ensemble.repeatable_)
-            text += "cannot be repeated: the circuit collapses its state midway\n";
+        if (!ensemble.repeatable_) text += "cannot be repeated: the circuit collapses its state midway\n";
         return stream << text;
     }
 
@@ -112,7 +105,6 @@ private:
 
 /// @cond internal
 namespace detail {
-
 /// A circuit whose measurements are all at its end, in two parts.
 struct MeasuredLast {
     Circuit gates;
@@ -123,22 +115,19 @@ struct MeasuredLast {
 /// else collapses the state.
 inline std::optional<MeasuredLast> measured_last(const Circuit& circuit) {
     MeasuredLast result;
-    for (const Circuit::NamedQudit& qudit : circuit.qudits())
-        result.gates.add_qudit(qudit.name, qudit.dimension);
+    for (const Circuit::NamedQudit& qudit : circuit.qudits()) result.gates.add_qudit(qudit.name, qudit.dimension);
     const auto is_measured = [&](std::size_t place) {
         return std::ranges::find(result.qudits, place) != result.qudits.end();
     };
     for (const Step& step : circuit.steps()) {
         if (step.action == Action::project || step.action == Action::reset || step.action == Action::damp ||
             std::ranges::any_of(step.targets, is_measured) ||
-            std::ranges::any_of(step.when.all, [&](const StepCondition& asked) {
-                return asked.on_value || is_measured(asked.place);
-            }))
+            std::ranges::any_of(step.when.all,
+                                [&](const StepCondition& asked) { return asked.on_value || is_measured(asked.place); }))
             return {};
         if (step.action == Action::measure) {
             for (const std::size_t value : step.values)
-                if (std::ranges::find(result.values, value) != result.values.end())
-                    return {};
+                if (std::ranges::find(result.values, value) != result.values.end()) return {};
             result.qudits.insert(result.qudits.end(), step.targets.begin(), step.targets.end());
             result.values.insert(result.values.end(), step.values.begin(), step.values.end());
         } else
@@ -146,7 +135,6 @@ inline std::optional<MeasuredLast> measured_last(const Circuit& circuit) {
     }
     return result;
 }
-
 } // namespace detail
 /// @endcond
 
@@ -160,8 +148,7 @@ public:
     /// @throws  what the circuit's run throws, if it is run but once because its draws come last.
     explicit Trials(Circuit circuit, std::uint64_t seed = 0)
         : circuit_(std::move(circuit)), seed_(seed), last_(detail::measured_last(circuit_)) {
-        if (!last_ || circuit_.needs_generator() || last_->qudits.empty())
-            return;
+        if (!last_ || circuit_.needs_generator() || last_->qudits.empty()) return;
         // What the shots of a circuit without noise have in common is its last state.
         const Run run = last_->gates.run();
         table_ = std::make_shared<const OutcomeSampler>(measured(run.qudits));
@@ -178,47 +165,40 @@ public:
     /// ended.
     [[nodiscard]] Ensemble run(std::size_t from, std::size_t to, unsigned threads = 0) const {
         const std::size_t shots = to > from ? to - from : 0;
-        const std::size_t parts = std::clamp<std::size_t>(
-            threads != 0 ? threads : std::thread::hardware_concurrency(), 1, std::max<std::size_t>(shots, 1));
+        const std::size_t parts = std::clamp<std::size_t>(threads != 0 ? threads : std::thread::hardware_concurrency(),
+                                                          1, std::max<std::size_t>(shots, 1));
         const auto border = [&](std::size_t part) {
             return from + shots / parts * part + std::min(part, shots % parts);
         };
         std::vector<std::future<Tally>> others;
         for (std::size_t part = 1; part < parts; ++part)
-            others.push_back(
-                std::async(std::launch::async, [this, first = border(part), end = border(part + 1)] {
-                    return tally(first, end);
-                }));
+            others.push_back(std::async(std::launch::async, [this, first = border(part), end = border(part + 1)] {
+                return tally(first, end);
+            }));
         Tally counts = tally(from, from + (shots > 0 ? border(1) - from : 0));
         for (std::future<Tally>& other : others)
-            for (const auto& [numbers, found] : other.get())
-                counts[numbers] += found;
+            for (const auto& [numbers, found] : other.get()) counts[numbers] += found;
         return {circuit_.values(), std::move(counts), repeatable()};
     }
 
 private:
     using Tally = std::map<std::vector<int>, std::size_t>;
 
-    [[nodiscard]] std::vector<std::reference_wrapper<const Qudit>>
-    measured(const std::vector<Qudit>& qudits) const {
+    [[nodiscard]] std::vector<std::reference_wrapper<const Qudit>> measured(const std::vector<Qudit>& qudits) const {
         std::vector<std::reference_wrapper<const Qudit>> list;
-        for (const std::size_t place : last_->qudits)
-            list.emplace_back(qudits[place]);
+        for (const std::size_t place : last_->qudits) list.emplace_back(qudits[place]);
         return list;
     }
 
     [[nodiscard]] std::vector<int> numbers_of(std::span<const int> levels) const {
         std::vector<int> numbers(circuit_.values().size());
-        for (std::size_t i = 0; i < levels.size(); ++i)
-            numbers[last_->values[i]] = levels[i];
+        for (std::size_t i = 0; i < levels.size(); ++i) numbers[last_->values[i]] = levels[i];
         return numbers;
     }
 
     [[nodiscard]] Tally tally(std::size_t from, std::size_t to) const {
-        if (table_)
-            return tally_of_table(from, to);
-        if (last_ && last_->qudits.empty())
-            return to > from ? Tally{{numbers_of({}), to - from}} : Tally{};
+        if (table_) return tally_of_table(from, to);
+        if (last_ && last_->qudits.empty()) return to > from ? Tally{{numbers_of({}), to - from}} : Tally{};
         Tally counts;
         for (std::size_t shot = from; shot < to; ++shot) {
             auto generator = generator_of_shot(seed_, shot);
@@ -245,8 +225,7 @@ private:
         }
         Tally counts;
         for (std::size_t row = 0; row < rows.size(); ++row)
-            if (rows[row] > 0)
-                counts[numbers_of(table_->levels(row))] = rows[row];
+            if (rows[row] > 0) counts[numbers_of(table_->levels(row))] = rows[row];
         return counts;
     }
 
@@ -267,7 +246,6 @@ private:
                                        std::uint64_t seed = 0) {
     return Trials(circuit, seed).run(0, shots, threads);
 }
-
 } // namespace vantel
 
 #endif // C++20

@@ -100,20 +100,19 @@ VANTEL_API int vantel_guarded_hadamard(QuantumProperty* target, const PredicateR
 VANTEL_API int vantel_guarded_inverse_hadamard(QuantumProperty* target, const PredicateRecord* predicates,
                                                size_t predicate_count);
 /** vantel_cycle(). */
-VANTEL_API int vantel_guarded_cycle(QuantumProperty* target, float fraction,
-                                    const PredicateRecord* predicates, size_t predicate_count);
+VANTEL_API int vantel_guarded_cycle(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
+                                    size_t predicate_count);
 /** vantel_shift(). */
-VANTEL_API int vantel_guarded_shift(QuantumProperty* target, float fraction,
-                                    const PredicateRecord* predicates, size_t predicate_count);
+VANTEL_API int vantel_guarded_shift(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
+                                    size_t predicate_count);
 /** vantel_clock(). */
-VANTEL_API int vantel_guarded_clock(QuantumProperty* target, float fraction,
-                                    const PredicateRecord* predicates, size_t predicate_count);
+VANTEL_API int vantel_guarded_clock(QuantumProperty* target, float fraction, const PredicateRecord* predicates,
+                                    size_t predicate_count);
 /** vantel_phase_rotate(); without conditions it does nothing. */
-VANTEL_API int vantel_guarded_phase_rotate(const PredicateRecord* predicates, size_t predicate_count,
-                                           float angle);
+VANTEL_API int vantel_guarded_phase_rotate(const PredicateRecord* predicates, size_t predicate_count, float angle);
 /** vantel_swap(). */
-VANTEL_API int vantel_guarded_swap(QuantumProperty* first, QuantumProperty* second,
-                                   const PredicateRecord* predicates, size_t predicate_count);
+VANTEL_API int vantel_guarded_swap(QuantumProperty* first, QuantumProperty* second, const PredicateRecord* predicates,
+                                   size_t predicate_count);
 /** vantel_i_swap(). */
 VANTEL_API int vantel_guarded_i_swap(QuantumProperty* first, QuantumProperty* second, float fraction,
                                      const PredicateRecord* predicates, size_t predicate_count);
@@ -177,8 +176,7 @@ VANTEL_API int vantel_guarded_probabilities(QuantumProperty** properties, size_t
  *         vantel_guarded_measure(), with nothing written.
  */
 VANTEL_API int vantel_guarded_reduced_density_matrix(QuantumProperty** properties, size_t property_count,
-                                                     float* real_parts, float* imaginary_parts,
-                                                     size_t output_size);
+                                                     float* real_parts, float* imaginary_parts, size_t output_size);
 
 #ifdef __cplusplus
 }

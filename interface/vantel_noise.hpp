@@ -42,7 +42,6 @@
 #include <vector>
 
 namespace vantel {
-
 /// A Weyl operator X^shifts Z^clocks: the clock first, then whole cycles. {0, 0} is no error at all.
 struct Weyl {
     int shifts = 0;                               ///< 0 .. d - 1
@@ -51,8 +50,7 @@ struct Weyl {
 
     /// Applies it.
     void apply(Qudit& target) const {
-        if (clocks != 0)
-            clock(target, clocks);
+        if (clocks != 0) clock(target, clocks);
         add(target, shifts);
     }
 };
@@ -66,8 +64,7 @@ public:
         : dimension_(dimension), probabilities_(std::move(probabilities)) {
         double sum = 0;
         bool good = 2 <= dimension && dimension <= 10 &&
-                    probabilities_.size() ==
-                        static_cast<std::size_t>(dimension) * static_cast<std::size_t>(dimension);
+                    probabilities_.size() == static_cast<std::size_t>(dimension) * static_cast<std::size_t>(dimension);
         for (const double probability : probabilities_) {
             good = good && probability >= 0;
             sum += probability;
@@ -88,11 +85,9 @@ public:
     [[nodiscard]] Weyl draw(double u) const noexcept {
         std::size_t drawn = 0;
         for (std::size_t i = 0; i < probabilities_.size(); ++i) {
-            if (probabilities_[i] > 0)
-                drawn = i; // also where rounding leaves u above all sums
+            if (probabilities_[i] > 0) drawn = i; // also where rounding leaves u above all sums
             u -= probabilities_[i];
-            if (u < 0)
-                break;
+            if (u < 0) break;
         }
         const int number = static_cast<int>(drawn);
         return {number % dimension_, number / dimension_};
@@ -122,11 +117,10 @@ private:
 
 /// @cond internal
 namespace detail {
-
 inline void check_noise(int dimension, double probability) {
     if (dimension < 2 || dimension > 10 || !(probability >= 0 && probability <= 1))
-        throw std::invalid_argument("noise on " + std::to_string(dimension) +
-                                    " levels with a probability of " + std::to_string(probability));
+        throw std::invalid_argument("noise on " + std::to_string(dimension) + " levels with a probability of " +
+                                    std::to_string(probability));
 }
 
 /// No error with probability 1 - p; every `step`-th of the other operators has an equal share of p.
@@ -135,12 +129,10 @@ inline WeylChannel mixture(int dimension, double p, std::size_t step) {
     const auto d = static_cast<std::size_t>(dimension);
     const std::size_t errors = (d * d - 1) / step;
     std::vector<double> probabilities(d * d);
-    for (std::size_t i = 1; i <= errors; ++i)
-        probabilities[i * step] = p / static_cast<double>(errors);
+    for (std::size_t i = 1; i <= errors; ++i) probabilities[i * step] = p / static_cast<double>(errors);
     probabilities[0] = 1 - p;
     return {dimension, std::move(probabilities)};
 }
-
 } // namespace detail
 /// @endcond
 
@@ -148,9 +140,7 @@ inline WeylChannel mixture(int dimension, double p, std::size_t step) {
 /// likely. rho goes to (1 - q) rho + q 1 / d, with q = p d^2 / (d^2 - 1).
 /// @param dimension  d, 2 to 10.
 /// @param p          0 to 1.
-[[nodiscard]] inline WeylChannel depolarising(int dimension, double p) {
-    return detail::mixture(dimension, p, 1);
-}
+[[nodiscard]] inline WeylChannel depolarising(int dimension, double p) { return detail::mixture(dimension, p, 1); }
 
 /// Dephasing noise: with probability p one of the d - 1 powers of clock(), all equally likely. Elements
 /// beside the diagonal of rho are multiplied by 1 - p d / (d - 1).
@@ -188,8 +178,7 @@ public:
         isometry_.apply(targets);
         const std::vector<int> levels = measure(helpers);
         const std::size_t found = Shape(helpers).row(levels);
-        while (!helpers.empty())
-            helpers.pop_back(); // the last comer first
+        while (!helpers.empty()) helpers.pop_back(); // the last comer first
         return found;
     }
 
@@ -197,8 +186,7 @@ private:
     /// The dimensions of qudits with enough levels for a number of each operator.
     static std::vector<int> helpers(std::size_t operators) {
         if (operators == 0 || operators > 100)
-            throw std::invalid_argument(std::to_string(operators) +
-                                        " Kraus operators, where 1 to 100 are right");
+            throw std::invalid_argument(std::to_string(operators) + " Kraus operators, where 1 to 100 are right");
         const auto count = static_cast<int>(operators);
         return count > 10 ? std::vector{10, std::max((count + 9) / 10, 2)} : std::vector{std::max(count, 2)};
     }
@@ -208,8 +196,7 @@ private:
                             std::vector<int> helpers) {
         const auto d = static_cast<std::size_t>(dimension);
         std::size_t rows = d;
-        for (const int levels : helpers)
-            rows *= static_cast<std::size_t>(levels);
+        for (const int levels : helpers) rows *= static_cast<std::size_t>(levels);
         std::vector<Complex> matrix;
         for (const std::vector<Complex>& one : operators) {
             if (dimension < 2 || one.size() != d * d)
@@ -250,17 +237,15 @@ private:
     const auto d = static_cast<std::size_t>(channel.dimension());
     std::vector<std::vector<Complex>> operators;
     for (std::size_t i = 0; i < d * d; ++i) {
-        if (channel.probabilities()[i] <= 0)
-            continue;
+        if (channel.probabilities()[i] <= 0) continue;
         std::vector<Complex>& matrix = operators.emplace_back(d * d);
         for (std::size_t v = 0; v < d; ++v)
-            matrix[(v + i % d) % d * d + v] = std::polar(
-                std::sqrt(channel.probabilities()[i]),
-                2 * std::numbers::pi * static_cast<double>(v * (i / d) % d) / static_cast<double>(d));
+            matrix[(v + i % d) % d * d + v] =
+                std::polar(std::sqrt(channel.probabilities()[i]),
+                           2 * std::numbers::pi * static_cast<double>(v * (i / d) % d) / static_cast<double>(d));
     }
     return {channel.dimension(), std::move(operators)};
 }
-
 } // namespace vantel
 
 #endif // C++20

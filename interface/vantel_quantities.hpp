@@ -46,20 +46,15 @@
 #include <vector>
 
 namespace vantel {
-
 /// @cond internal
 namespace detail {
-
 /// The density matrix of a list, and that it has what quantities divide by: a positive trace.
 inline DensityMatrix density(const QuditList& qudits) {
-    if (qudits.begin() == qudits.end())
-        throw std::invalid_argument("a quantity of no qudits");
+    if (qudits.begin() == qudits.end()) throw std::invalid_argument("a quantity of no qudits");
     DensityMatrix rho(qudits);
     double trace = 0;
-    for (std::size_t i = 0; i < rho.side(); ++i)
-        trace += rho(i, i).real();
-    if (!(trace > 0))
-        throw std::domain_error("the joint state of the qudits is empty");
+    for (std::size_t i = 0; i < rho.side(); ++i) trace += rho(i, i).real();
+    if (!(trace > 0)) throw std::domain_error("the joint state of the qudits is empty");
     return rho;
 }
 
@@ -83,12 +78,9 @@ inline void check_size(std::size_t given, std::size_t wanted) {
 /// the element real first; then the rotation is that of a real matrix, of which the smaller of the two
 /// possible angles is taken, so that the sweeps converge.
 inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t side) {
-    const auto at = [&](std::size_t row, std::size_t column) -> Complex& {
-        return matrix[row * side + column];
-    };
+    const auto at = [&](std::size_t row, std::size_t column) -> Complex& { return matrix[row * side + column]; };
     double squares = 0;
-    for (const Complex& element : matrix)
-        squares += std::norm(element);
+    for (const Complex& element : matrix) squares += std::norm(element);
     const double rounding = 1e-14 * std::sqrt(squares);
 
     bool rotated = true;
@@ -98,14 +90,11 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
         for (std::size_t p = 0; p + 1 < side; ++p)
             for (std::size_t q = p + 1; q < side; ++q) {
                 const double size = std::abs(at(p, q));
-                if (!(size > rounding))
-                    continue;
+                if (!(size > rounding)) continue;
                 rotated = true;
                 const Complex phase = at(p, q) / size;
-                const double cotangent =
-                    (at(q, q).real() - at(p, p).real()) / (2 * size); // of the double angle
-                const double t =
-                    std::copysign(1.0, cotangent) / (std::abs(cotangent) + std::hypot(1.0, cotangent));
+                const double cotangent = (at(q, q).real() - at(p, p).real()) / (2 * size); // of the double angle
+                const double t = std::copysign(1.0, cotangent) / (std::abs(cotangent) + std::hypot(1.0, cotangent));
                 const double c = 1 / std::hypot(1.0, t), s = t * c;
                 for (std::size_t k = 0; k < side; ++k) {
                     const Complex x = at(k, p), y = at(k, q) * std::conj(phase);
@@ -120,20 +109,16 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
             }
     }
     std::vector<double> values(side);
-    for (std::size_t i = 0; i < side; ++i)
-        values[i] = at(i, i).real();
+    for (std::size_t i = 0; i < side; ++i) values[i] = at(i, i).real();
     std::ranges::sort(values, std::greater{});
     return values;
 }
-
 } // namespace detail
 /// @endcond
 
 /// The purity tr(rho^2): 1 for a pure state, 1 / P for the completely mixed one.
 /// @param qudits  at least one.
-[[nodiscard]] inline double purity(const QuditList& qudits) {
-    return detail::sum_of_squares(detail::density(qudits));
-}
+[[nodiscard]] inline double purity(const QuditList& qudits) { return detail::sum_of_squares(detail::density(qudits)); }
 
 /// The spectrum: the P eigenvalues of rho, the largest first. They add up to 1, each in 0 .. 1 but for
 /// rounding, which can take one below 0.
@@ -141,8 +126,7 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
 [[nodiscard]] inline std::vector<double> spectrum(const QuditList& qudits) {
     const DensityMatrix rho = detail::density(qudits);
     std::vector<Complex> elements(rho.side() * rho.side());
-    for (std::size_t i = 0; i < elements.size(); ++i)
-        elements[i] = {rho.real()[i], rho.imaginary()[i]};
+    for (std::size_t i = 0; i < elements.size(); ++i) elements[i] = {rho.real()[i], rho.imaginary()[i]};
     return detail::eigenvalues(std::move(elements), rho.side());
 }
 
@@ -152,16 +136,13 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
 [[nodiscard]] inline double entropy(const QuditList& qudits) {
     double sum = 0;
     for (const double value : spectrum(qudits))
-        if (value > 0)
-            sum -= value * std::log(value);
+        if (value > 0) sum -= value * std::log(value);
     return sum;
 }
 
 /// The von Neumann entropy -tr(rho log2 rho) in bits, 0 .. log2 P; see entropy().
 /// @param qudits  at least one.
-[[nodiscard]] inline double entropy_in_bits(const QuditList& qudits) {
-    return entropy(qudits) / std::numbers::ln2;
-}
+[[nodiscard]] inline double entropy_in_bits(const QuditList& qudits) { return entropy(qudits) / std::numbers::ln2; }
 
 /// The P amplitudes of a pure state, up to its global phase: the largest (of equal ones the first) is made
 /// real and positive. With it in row m, amplitude r is rho(r, m) / sqrt(rho(m, m)).
@@ -173,8 +154,7 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
     std::size_t largest = 0;
     for (std::size_t i = 0; i < rho.side(); ++i) {
         trace += rho(i, i).real();
-        if (rho(i, i).real() > rho(largest, largest).real())
-            largest = i;
+        if (rho(i, i).real() > rho(largest, largest).real()) largest = i;
     }
     constexpr double pure = 1 - 1e-5;
     const double purity = detail::sum_of_squares(rho) / (trace * trace);
@@ -182,8 +162,7 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
         throw std::domain_error("a mixed state has no amplitudes: its purity is " + std::to_string(purity));
     const double root = std::sqrt(static_cast<double>(rho(largest, largest).real()));
     std::vector<Complex> result(rho.side());
-    for (std::size_t i = 0; i < result.size(); ++i)
-        result[i] = Complex(rho(i, largest)) / root;
+    for (std::size_t i = 0; i < result.size(); ++i) result[i] = Complex(rho(i, largest)) / root;
     return result;
 }
 
@@ -191,8 +170,7 @@ inline std::vector<double> eigenvalues(std::vector<Complex> matrix, std::size_t 
 /// rounding.
 /// @param qudits  at least one.
 /// @param matrix  A, of real or complex elements: a contiguous range of P x P, row by row.
-template <std::ranges::contiguous_range Matrix>
-[[nodiscard]] Complex
+template <std::ranges::contiguous_range Matrix> [[nodiscard]] Complex
 expectation(const QuditList& qudits,
             const Matrix& matrix) requires std::convertible_to<std::ranges::range_value_t<Matrix>, Complex> {
     const DensityMatrix rho = detail::density(qudits);
@@ -200,8 +178,8 @@ expectation(const QuditList& qudits,
     Complex sum = 0;
     for (std::size_t row = 0; row < rho.side(); ++row)
         for (std::size_t column = 0; column < rho.side(); ++column)
-            sum += Complex(rho(row, column)) *
-                   static_cast<Complex>(std::ranges::data(matrix)[column * rho.side() + row]);
+            sum +=
+                Complex(rho(row, column)) * static_cast<Complex>(std::ranges::data(matrix)[column * rho.side() + row]);
     return sum;
 }
 
@@ -225,8 +203,7 @@ expectation(const QuditList& qudits,
         for (std::size_t column = 0; column < rho.side(); ++column)
             sum += (std::conj(state[row]) * Complex(rho(row, column)) * state[column]).real();
     }
-    if (!(norm > 0) || !std::isfinite(norm))
-        throw std::invalid_argument("a state whose norm is 0 or not finite");
+    if (!(norm > 0) || !std::isfinite(norm)) throw std::invalid_argument("a state whose norm is 0 or not finite");
     return sum / norm;
 }
 
@@ -252,8 +229,7 @@ expectation(const QuditList& qudits,
     std::vector<std::reference_wrapper<const Qudit>> all(left.begin(), left.end());
     for (const Qudit& qudit : right) {
         for (const Qudit& other : left)
-            if (qudit.handle() == other.handle())
-                throw std::invalid_argument("a qudit on both sides");
+            if (qudit.handle() == other.handle()) throw std::invalid_argument("a qudit on both sides");
         all.push_back(qudit);
     }
     if (left.begin() == left.end() || right.begin() == right.end())
@@ -262,9 +238,8 @@ expectation(const QuditList& qudits,
 
     // The amplitude of combination i on the smaller side and j on the larger stands at i step_i + j step_j.
     const std::size_t lefts = Shape(left).size(), rights = Shape(right).size();
-    const auto [side, other, step_i, step_j] = lefts <= rights
-                                                   ? std::array{lefts, rights, std::size_t{1}, lefts}
-                                                   : std::array{rights, lefts, lefts, std::size_t{1}};
+    const auto [side, other, step_i, step_j] = lefts <= rights ? std::array{lefts, rights, std::size_t{1}, lefts}
+                                                               : std::array{rights, lefts, lefts, std::size_t{1}};
     std::vector<Complex> matrix(side * side);
     for (std::size_t row = 0; row < side; ++row)
         for (std::size_t column = 0; column < side; ++column)
@@ -272,11 +247,9 @@ expectation(const QuditList& qudits,
                 matrix[row * side + column] +=
                     state[row * step_i + j * step_j] * std::conj(state[column * step_i + j * step_j]);
     std::vector<double> values = detail::eigenvalues(std::move(matrix), side);
-    for (double& value : values)
-        value = std::sqrt(std::max(value, 0.0));
+    for (double& value : values) value = std::sqrt(std::max(value, 0.0));
     return values;
 }
-
 } // namespace vantel
 
 #endif // C++20

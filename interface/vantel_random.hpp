@@ -16,7 +16,6 @@
 #include <type_traits>
 
 namespace vantel {
-
 /// A source of random bits: one of `<random>`'s generators, or a reference to one. Its numbers have at most
 /// 64 bits.
 template <class Generator>
@@ -31,16 +30,13 @@ concept BitGenerator = std::uniform_random_bit_generator<std::remove_reference_t
 template <BitGenerator Generator> [[nodiscard]] double uniform_number(Generator&& generator) {
     using Source = std::remove_reference_t<Generator>;
     constexpr std::uint64_t least = Source::min(), span = Source::max() - least;
-    constexpr int width =
-        span == std::numeric_limits<std::uint64_t>::max() ? 64 : std::bit_width(span + 1) - 1;
+    constexpr int width = span == std::numeric_limits<std::uint64_t>::max() ? 64 : std::bit_width(span + 1) - 1;
     constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max() >> (64 - width);
     std::uint64_t bits = 0;
     for (int taken = 0; taken < 64;) {
         const std::uint64_t number = generator() - least;
-        if (number > largest)
-            continue;
-        if constexpr (width < 64)
-            bits <<= width;
+        if (number > largest) continue;
+        if constexpr (width < 64) bits <<= width;
         bits |= number;
         taken += width;
     }
@@ -61,7 +57,6 @@ template <BitGenerator Generator> [[nodiscard]] double uniform_number(Generator&
     };
     return std::mt19937_64(mixed(mixed(seed) + shot));
 }
-
 } // namespace vantel
 
 #endif // C++20

@@ -56,7 +56,6 @@
 #include <vector>
 
 namespace vantel {
-
 /// The most rows that a table to draw from can have: 2^24, as eight qudits of eight levels have.
 inline constexpr std::size_t most_sampled_rows = std::size_t{1} << 24;
 
@@ -73,8 +72,7 @@ public:
     /// Puts together what OutcomeSampler::counts() found.
     /// @param shape    the order of the rows.
     /// @param entries  by rising row.
-    Counts(Shape shape, std::vector<Count> entries)
-        : shape_(std::move(shape)), entries_(std::move(entries)) {}
+    Counts(Shape shape, std::vector<Count> entries) : shape_(std::move(shape)), entries_(std::move(entries)) {}
 
     [[nodiscard]] auto begin() const noexcept { return entries_.begin(); } ///< The first that was drawn.
     [[nodiscard]] auto end() const noexcept { return entries_.end(); }     ///< Behind the last.
@@ -83,8 +81,7 @@ public:
 
     /// How often one combination was drawn, 0 if never, by one level per qudit: `found(0, 2)`. Throws
     /// std::out_of_range as Shape::row() does.
-    template <std::convertible_to<int>... Levels>
-    [[nodiscard]] std::size_t operator()(Levels... levels) const {
+    template <std::convertible_to<int>... Levels> [[nodiscard]] std::size_t operator()(Levels... levels) const {
         const std::size_t row = shape_.row(std::array<int, sizeof...(levels)>{static_cast<int>(levels)...});
         const auto found = std::ranges::lower_bound(entries_, row, {}, &Count::row);
         return found != entries_.end() && found->row == row ? found->shots : 0;
@@ -95,16 +92,13 @@ public:
     friend std::ostream& operator<<(std::ostream& stream, const Counts& counts) {
         constexpr double longest = 40;
         std::size_t most = 0;
-        for (const Count& entry : counts)
-            most = std::max(most, entry.shots);
+        for (const Count& entry : counts) most = std::max(most, entry.shots);
         const std::size_t digits = std::to_string(most).size();
         std::string text;
         for (const Count& entry : counts) {
-            for (const int level : entry.levels)
-                text += std::to_string(level) + ' ';
+            for (const int level : entry.levels) text += std::to_string(level) + ' ';
             const std::string number = std::to_string(entry.shots);
-            const double length =
-                std::ceil(longest * static_cast<double>(entry.shots) / static_cast<double>(most));
+            const double length = std::ceil(longest * static_cast<double>(entry.shots) / static_cast<double>(most));
             text += std::string(digits - number.size() + 1, ' ') + number + "  " +
                     std::string(static_cast<std::size_t>(length), '#') + '\n';
         }
@@ -139,13 +133,10 @@ public:
     explicit OutcomeSampler(Outcomes table) : table_(std::move(table)) {
         check_rows(table_.size());
         double total = 0;
-        for (const ProbabilityRecord& record : table_)
-            total += record.probability;
-        if (table_.size() == 0)
-            throw std::domain_error("no outcome to draw: the joint state of the qudits is empty");
+        for (const ProbabilityRecord& record : table_) total += record.probability;
+        if (table_.size() == 0) throw std::domain_error("no outcome to draw: the joint state of the qudits is empty");
         if (!(total > 0) || !std::isfinite(total))
-            throw std::domain_error("no outcome to draw: the probabilities add up to " +
-                                    std::to_string(total));
+            throw std::domain_error("no outcome to draw: the probabilities add up to " + std::to_string(total));
 
         // The share of each row in columns; what has less than one column is filled up from what has more.
         const double columns = static_cast<double>(table_.size()) / total;
@@ -168,8 +159,7 @@ public:
         }
         // But for rounding, what is left fills its column alone. An impossible row is never among it: up to
         // most_sampled_rows, all rounding together is less than a tenth of a column.
-        for (const std::uint32_t row : less)
-            thresholds_[row] = 1;
+        for (const std::uint32_t row : less) thresholds_[row] = 1;
     }
 
     [[nodiscard]] std::size_t size() const noexcept { return table_.size(); } ///< How many rows there are.
@@ -180,8 +170,7 @@ public:
     /// @throws std::out_of_range  for any other.
     [[nodiscard]] std::span<const int> levels(std::size_t row) const {
         if (row >= size())
-            throw std::out_of_range("no row " + std::to_string(row) + " of a table of " +
-                                    std::to_string(size()));
+            throw std::out_of_range("no row " + std::to_string(row) + " of a table of " + std::to_string(size()));
         return {table_[row].qudit_values, table_.shape().qudits()};
     }
 
@@ -190,8 +179,7 @@ public:
     /// @param generator  asked for two uniform_number().
     template <BitGenerator Generator> [[nodiscard]] std::size_t operator()(Generator&& generator) const {
         // At most 1 - 2^-53 times a whole number is rounded to less than that number.
-        const auto column =
-            static_cast<std::size_t>(uniform_number(generator) * static_cast<double>(table_.size()));
+        const auto column = static_cast<std::size_t>(uniform_number(generator) * static_cast<double>(table_.size()));
         return uniform_number(generator) < thresholds_[column] ? column : aliases_[column];
     }
 
@@ -212,11 +200,9 @@ public:
     /// Many shots, as how often each combination of levels was found: the same shots as sample() draws.
     /// @param shots      how many, also 0; they take no memory.
     /// @param generator  asked for two uniform_number() a shot.
-    template <BitGenerator Generator>
-    [[nodiscard]] Counts counts(std::size_t shots, Generator&& generator) const {
+    template <BitGenerator Generator> [[nodiscard]] Counts counts(std::size_t shots, Generator&& generator) const {
         std::vector<std::size_t> tally(size());
-        for (std::size_t i = 0; i < shots; ++i)
-            ++tally[(*this)(generator)];
+        for (std::size_t i = 0; i < shots; ++i) ++tally[(*this)(generator)];
         std::vector<Count> entries;
         for (std::size_t row = 0; row < tally.size(); ++row)
             if (tally[row] > 0) {
@@ -235,8 +221,7 @@ private:
     }
 
     static Outcomes table_of(const QuditList& qudits) {
-        if (qudits.begin() == qudits.end())
-            throw std::invalid_argument("outcomes of no qudits");
+        if (qudits.begin() == qudits.end()) throw std::invalid_argument("outcomes of no qudits");
         check_rows(Shape(qudits).size());
         return probabilities(qudits);
     }
@@ -255,10 +240,8 @@ private:
 /// @throws std::length_error  for more than #most_sampled_rows outcomes where no place among the ten is left.
 /// @throws std::domain_error  as OutcomeSampler does.
 template <BitGenerator Generator>
-[[nodiscard]] std::vector<std::vector<int>> sample(const QuditList& qudits, std::size_t shots,
-                                                   Generator&& generator) {
-    if (Shape(qudits).size() > most_sampled_rows)
-        return detail::ConditionalSampler(qudits).draw(shots, generator);
+[[nodiscard]] std::vector<std::vector<int>> sample(const QuditList& qudits, std::size_t shots, Generator&& generator) {
+    if (Shape(qudits).size() > most_sampled_rows) return detail::ConditionalSampler(qudits).draw(shots, generator);
     return OutcomeSampler(qudits).sample(shots, generator);
 }
 
@@ -271,8 +254,7 @@ template <BitGenerator Generator>
 template <BitGenerator Generator>
 [[nodiscard]] Counts counts(const QuditList& qudits, std::size_t shots, Generator&& generator) {
     const Shape shape(qudits);
-    if (shape.size() <= most_sampled_rows)
-        return OutcomeSampler(qudits).counts(shots, generator);
+    if (shape.size() <= most_sampled_rows) return OutcomeSampler(qudits).counts(shots, generator);
     std::map<std::size_t, Count> found;
     for (std::vector<int>& levels : detail::ConditionalSampler(qudits).draw(shots, generator)) {
         const std::size_t row = shape.row(levels);
@@ -280,11 +262,9 @@ template <BitGenerator Generator>
     }
     std::vector<Count> entries;
     entries.reserve(found.size());
-    for (auto& [row, count] : found)
-        entries.push_back(std::move(count));
+    for (auto& [row, count] : found) entries.push_back(std::move(count));
     return {shape, std::move(entries)};
 }
-
 } // namespace vantel
 
 #endif // C++20

@@ -48,7 +48,6 @@
 #include <vector>
 
 namespace vantel {
-
 /// A unitary matrix taken apart into gates, for qudits of given dimensions. It refers to no qudit, can be
 /// copied, and be applied as often as one likes.
 class Unitary {
@@ -92,8 +91,7 @@ public:
 
     /// Whether apply() takes a qubit along, which needs one of the ten places of the joint state.
     [[nodiscard]] bool needs_helper() const noexcept {
-        return std::ranges::any_of(gates_,
-                                   [this](const Gate& gate) { return gate.place == dimensions_.size(); });
+        return std::ranges::any_of(gates_, [this](const Gate& gate) { return gate.place == dimensions_.size(); });
     }
 
     /// The inverse: the same gates backwards.
@@ -121,8 +119,7 @@ public:
         check(targets, when);
         detail::merge(targets, when);
         std::vector<QuantumProperty*> handles;
-        for (const Qudit& qudit : targets)
-            handles.push_back(qudit.handle());
+        for (const Qudit& qudit : targets) handles.push_back(qudit.handle());
         std::optional<Qudit> helper;
         if (needs_helper()) {
             helper.emplace(2);
@@ -136,8 +133,7 @@ public:
             }
             handles.push_back(helper->handle());
         }
-        for (const Gate& gate : gates_)
-            apply(gate, handles, when);
+        for (const Gate& gate : gates_) apply(gate, handles, when);
         return gates();
     }
 
@@ -169,14 +165,12 @@ private:
         std::size_t rows = dimensions_.empty() ? 0 : 1;
         for (const int dimension : dimensions_) {
             if (dimension < 2 || dimension > 10)
-                throw std::invalid_argument("dimension " + std::to_string(dimension) +
-                                            ", where 2 to 10 is right");
+                throw std::invalid_argument("dimension " + std::to_string(dimension) + ", where 2 to 10 is right");
             if (rows > matrix.size()) // and the product is never too large to be counted
                 break;
             rows *= static_cast<std::size_t>(dimension);
         }
-        if (columns == 0)
-            columns = rows;
+        if (columns == 0) columns = rows;
         if (rows == 0 || matrix.size() / columns != rows || matrix.size() % columns != 0)
             throw std::invalid_argument(std::to_string(matrix.size()) +
                                         " elements are no matrix for qudits of these dimensions");
@@ -191,11 +185,9 @@ private:
                 Complex sum = a == b ? -1.0 : 0.0;
                 for (std::size_t row = 0; row < rows; ++row)
                     sum += std::conj(matrix[row * columns + a]) * matrix[row * columns + b];
-                if (!(std::abs(sum) <= off))
-                    off = std::abs(sum);
+                if (!(std::abs(sum) <= off)) off = std::abs(sum);
             }
-        if (off <= tolerance)
-            return;
+        if (off <= tolerance) return;
         char text[100];
         std::snprintf(text, sizeof text,
                       "the matrix is not unitary: its adjoint times itself is off the identity by %.3g", off);
@@ -203,8 +195,7 @@ private:
     }
 
     [[nodiscard]] int level(std::size_t row, std::size_t place) const {
-        for (std::size_t i = 0; i < place; ++i)
-            row /= static_cast<std::size_t>(dimensions_[i]);
+        for (std::size_t i = 0; i < place; ++i) row /= static_cast<std::size_t>(dimensions_[i]);
         return static_cast<int>(row % static_cast<std::size_t>(dimensions_[place]));
     }
 
@@ -233,26 +224,21 @@ private:
         const std::vector<std::size_t> order = gray_order(rows);
         std::vector<Rotation> rotations;
         for (std::size_t pivot = 0; pivot < columns; ++pivot) {
-            const auto size = [&](std::size_t i) {
-                return std::abs(matrix[order[i] * columns + order[pivot]]);
-            };
+            const auto size = [&](std::size_t i) { return std::abs(matrix[order[i] * columns + order[pivot]]); };
             for (std::size_t i = rows; --i > pivot;) {
-                if (size(i) <= nothing)
-                    continue;
+                if (size(i) <= nothing) continue;
                 std::size_t above = i - 1;
-                while (above > pivot && size(above) <= nothing)
-                    --above;
+                while (above > pivot && size(above) <= nothing) --above;
                 rotations.push_back(rotation(matrix, columns, order[above], order[i], order[pivot]));
             }
         }
         for (std::size_t i = 0; i < columns; ++i) {
             const double angle = std::arg(matrix[order[i] * columns + order[i]]);
             if (std::abs(angle) > nothing)
-                gates_.push_back({Act::rephase, none, none, 0, static_cast<float>(angle),
-                                  static_cast<std::uint32_t>(order[i])});
+                gates_.push_back(
+                    {Act::rephase, none, none, 0, static_cast<float>(angle), static_cast<std::uint32_t>(order[i])});
         }
-        for (std::size_t i = rotations.size(); i-- > 0;)
-            add_inverse(rotations[i]);
+        for (std::size_t i = rotations.size(); i-- > 0;) add_inverse(rotations[i]);
         rotations_ = rotations.size();
     }
 
@@ -265,8 +251,7 @@ private:
         const double t = std::atan2(std::abs(highs[column]), std::abs(lows[column]));
         const bool high_turns = marked_level(low, high) == 1;
         double angle = std::numbers::pi / 2 - std::arg(highs[column]) + std::arg(lows[column]);
-        if (!high_turns)
-            angle = -angle;
+        if (!high_turns) angle = -angle;
         angle = std::remainder(angle, 2 * std::numbers::pi);
 
         const Complex turn = std::polar(1.0, angle), phase = std::polar(1.0, t);
@@ -284,8 +269,7 @@ private:
     /// Which qudit's level tells the two rows apart: one of two levels, or the helper.
     [[nodiscard]] std::size_t marker(std::size_t low, std::size_t high) const {
         std::size_t place = 0;
-        while (place < dimensions_.size() &&
-               (dimensions_[place] > 2 || level(low, place) == level(high, place)))
+        while (place < dimensions_.size() && (dimensions_[place] > 2 || level(low, place) == level(high, place)))
             ++place;
         return place;
     }
@@ -303,17 +287,14 @@ private:
         const auto marked = static_cast<std::uint8_t>(marked_level(rotation.low, rotation.high));
         const auto row = static_cast<std::uint32_t>(rotation.low);
         const Gate mark{Act::raise, place, none, 0, 0, static_cast<std::uint32_t>(rotation.high)};
-        if (marker == dimensions_.size())
-            gates_.push_back(mark);
+        if (marker == dimensions_.size()) gates_.push_back(mark);
         std::vector<Gate> moves;
         for (std::size_t i = 0; i < dimensions_.size(); ++i) {
-            if (i == marker)
-                continue;
+            if (i == marker) continue;
             const int d = dimensions_[i], up = (level(rotation.low, i) - level(rotation.high, i) + d) % d;
             const bool raise = 2 * up <= d;
-            moves.insert(
-                moves.end(), static_cast<std::size_t>(raise ? up : d - up),
-                {raise ? Act::raise : Act::lower, static_cast<std::uint8_t>(i), place, marked, 0, 0});
+            moves.insert(moves.end(), static_cast<std::size_t>(raise ? up : d - up),
+                         {raise ? Act::raise : Act::lower, static_cast<std::uint8_t>(i), place, marked, 0, 0});
         }
         gates_.insert(gates_.end(), moves.begin(), moves.end());
 
@@ -323,19 +304,16 @@ private:
             const auto rounded = static_cast<float>(fraction);
             const auto rest = static_cast<float>(fraction - static_cast<double>(rounded));
             for (const float amount : {rounded, rest})
-                if (amount != 0)
-                    gates_.push_back({Act::turn, place, none, 0, amount, row});
+                if (amount != 0) gates_.push_back({Act::turn, place, none, 0, amount, row});
         };
         gates_.push_back(fourier);
         turn(-rotation.mixing);
         gates_.push_back(fourier);
         turn(-rotation.turn);
 
-        for (Gate& move : moves)
-            move.act = move.act == Act::raise ? Act::lower : Act::raise;
+        for (Gate& move : moves) move.act = move.act == Act::raise ? Act::lower : Act::raise;
         gates_.insert(gates_.end(), moves.begin(), moves.end());
-        if (marker == dimensions_.size())
-            gates_.push_back(mark);
+        if (marker == dimensions_.size()) gates_.push_back(mark);
     }
 
     void check(const Targets& targets, const Conditions& when) const {
@@ -344,8 +322,7 @@ private:
         for (std::size_t i = 0; i < targets.size(); ++i) {
             const QuantumProperty* const handle = targets[i].handle();
             for (std::size_t j = 0; j < i; ++j)
-                if (targets[j].handle() == handle)
-                    throw std::invalid_argument("a qudit is listed twice");
+                if (targets[j].handle() == handle) throw std::invalid_argument("a qudit is listed twice");
             if (std::ranges::any_of(std::span(when.data(), when.size()),
                                     [&](const Condition& tested) { return tested.property == handle; }))
                 throw Error(vantel_target_control_overlap, describe(vantel_target_control_overlap));
@@ -358,21 +335,15 @@ private:
             all.push_back({handles[gate.marker], gate.marked, 1});
         else {
             for (std::size_t i = 0; i < dimensions_.size(); ++i)
-                if (i != gate.place)
-                    all.push_back({handles[i], level(gate.row, i), 1});
+                if (i != gate.place) all.push_back({handles[i], level(gate.row, i), 1});
             all.insert(all.end(), when.data(), when.data() + when.size());
         }
         switch (gate.act) {
-        case Act::raise:
-            return detail::call(vantel_cycle, handles[gate.place], 1.0F, all.data(), all.size());
-        case Act::lower:
-            return detail::call(vantel_shift, handles[gate.place], 1.0F, all.data(), all.size());
-        case Act::fourier:
-            return detail::call(vantel_hadamard, handles[gate.place], all.data(), all.size());
-        case Act::turn:
-            return detail::call(vantel_clock, handles[gate.place], gate.amount, all.data(), all.size());
-        case Act::rephase:
-            return detail::call(vantel_phase_rotate, all.data(), all.size(), gate.amount);
+        case Act::raise: return detail::call(vantel_cycle, handles[gate.place], 1.0F, all.data(), all.size());
+        case Act::lower: return detail::call(vantel_shift, handles[gate.place], 1.0F, all.data(), all.size());
+        case Act::fourier: return detail::call(vantel_hadamard, handles[gate.place], all.data(), all.size());
+        case Act::turn: return detail::call(vantel_clock, handles[gate.place], gate.amount, all.data(), all.size());
+        case Act::rephase: return detail::call(vantel_phase_rotate, all.data(), all.size(), gate.amount);
         }
     }
 
@@ -390,9 +361,9 @@ private:
 /// tells
 ///                                by how much.
 /// @throws Error  as Unitary::apply() does.
-template <std::ranges::contiguous_range Matrix>
-std::size_t unitary(const Targets& targets, const Matrix& matrix, const Conditions& when = {}) requires
-    std::convertible_to<std::ranges::range_value_t<Matrix>, Complex> {
+template <std::ranges::contiguous_range Matrix> std::size_t
+unitary(const Targets& targets, const Matrix& matrix,
+        const Conditions& when = {}) requires std::convertible_to<std::ranges::range_value_t<Matrix>, Complex> {
     const std::vector<Complex> elements(std::ranges::begin(matrix), std::ranges::end(matrix));
     return Unitary(detail::dimensions(targets), elements).apply(targets, when);
 }
@@ -402,8 +373,7 @@ std::size_t unitary(const Targets& targets, const Matrix& matrix, const Conditio
 /// @param matrix   P x P elements, row by row.
 /// @param when     conditions on other qudits.
 /// @returns how many gates that took.
-inline std::size_t unitary(const Targets& targets, std::initializer_list<Complex> matrix,
-                           const Conditions& when = {}) {
+inline std::size_t unitary(const Targets& targets, std::initializer_list<Complex> matrix, const Conditions& when = {}) {
     return unitary(targets, std::span<const Complex>(std::data(matrix), matrix.size()), when);
 }
 
@@ -416,18 +386,14 @@ inline std::size_t unitary(const Targets& targets, std::initializer_list<Complex
 /// @throws Error  as Unitary::apply() does.
 inline std::size_t prepare(const Targets& targets, std::span<const Complex> state) {
     double norm = 0;
-    for (const Complex& amplitude : state)
-        norm += std::norm(amplitude);
-    if (!(norm > 0) || !std::isfinite(norm))
-        throw std::invalid_argument("a state whose norm is 0 or not finite");
+    for (const Complex& amplitude : state) norm += std::norm(amplitude);
+    if (!(norm > 0) || !std::isfinite(norm)) throw std::invalid_argument("a state whose norm is 0 or not finite");
     std::vector<Complex> column(state.begin(), state.end());
-    for (Complex& amplitude : column)
-        amplitude /= std::sqrt(norm);
+    for (Complex& amplitude : column) amplitude /= std::sqrt(norm);
     const Unitary steps = Unitary::of_columns(detail::dimensions(targets), 1, column);
     for (const Qudit& qudit : targets)
         if (const double found = probabilities(std::span(&qudit, 1))(0); !(std::abs(found - 1) < 1e-5))
-            throw std::domain_error("a qudit to prepare is in level 0 with a probability of " +
-                                    std::to_string(found));
+            throw std::domain_error("a qudit to prepare is in level 0 with a probability of " + std::to_string(found));
     return steps.apply(targets);
 }
 
@@ -438,7 +404,6 @@ inline std::size_t prepare(const Targets& targets, std::span<const Complex> stat
 inline std::size_t prepare(const Targets& targets, std::initializer_list<Complex> state) {
     return prepare(targets, std::span<const Complex>(std::data(state), state.size()));
 }
-
 } // namespace vantel
 
 #endif // C++20

@@ -1,30 +1,27 @@
 /// What callers get of `reduced_density_matrix`.
 #pragma once
 
+#include "readout/value_permutations.hpp"
+#include "state/istate.hpp"
 #include <complex>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <vector>
 
-#include "readout/value_permutations.hpp"
-#include "state/istate.hpp"
-
 namespace vantel::qudit {
-
 /// The elements of IState::reduced_density_matrix by row and column, each a combination of levels.
 class DensityMatrix {
 public:
     /// No elements.
     DensityMatrix() = default;
-    /// @param permutations  the rows and columns; the qudits' dimensions may be others by now, and elements
-    /// whose
-    ///                      row or column is none of these are left out
+    /// @param permutations  the rows and columns; the qudits' dimensions may be others by now, and elements whose row
+    ///                      or column is none of these are left out
     /// @throws std::bad_alloc; std::length_error for a list of 2^32 entries or more
     DensityMatrix(const IState& state, const std::vector<int>& qudits, const ValuePermutations& permutations);
 
-    /// Calls write(place, element) for the places below `count` of the matrix row by row, and once more for
-    /// some of them, which then hold what was written last. What no pair of entries reaches is 0.
+    /// Calls write(place, element) for the places below `count` of the matrix row by row, and once more for some of
+    /// them, which then hold what was written last. What no pair of entries reaches is 0.
     template <class Write> void for_each(std::size_t count, Write write) const {
         for (std::size_t place = 0; place < count; ++place)
             write(place, place < all_.size() ? all_[place] : std::complex<double>());
@@ -45,5 +42,4 @@ private:
     std::vector<std::complex<double>> all_; ///< row by row; or empty
     std::vector<Reached> some_;             ///< instead of all_
 };
-
 } // namespace vantel::qudit

@@ -1,13 +1,10 @@
 #include "readout/draw.hpp"
-
+#include "algorithms/first_words.hpp"
 #include <random>
 
-#include "algorithms/first_words.hpp"
-
 namespace vantel::qudit {
-
-// The draw is written out and not left to std::discrete_distribution, whose choice at an exact tie of the
-// number with a running sum differs between standard libraries.
+// The draw is written out and not left to std::discrete_distribution, whose choice at an exact tie of the number with a
+// running sum differs between standard libraries.
 std::size_t draw_outcome(const std::vector<PackedOutcome>& outcomes) {
     // The weights pass through single precision; deliberately.
     std::vector<double> weights;
@@ -25,10 +22,8 @@ std::size_t draw_outcome(const std::vector<PackedOutcome>& outcomes) {
     double running = 0.0;
     for (std::size_t i = 0; i + 1 < weights.size(); ++i) {
         running += weights[i] / sum;
-        if (running > number)
-            return i;
+        if (running > number) return i;
     }
     return weights.size() - 1;
 }
-
 } // namespace vantel::qudit

@@ -1,7 +1,3 @@
-#include <algorithm>
-#include <array>
-#include <cmath>
-
 #include "algorithms/gathered_bits.hpp"
 #include "algorithms/single_precision_sum.hpp"
 #include "algorithms/two_ended_partition.hpp"
@@ -11,11 +7,12 @@
 #include "readout/weights.hpp"
 #include "state/builds.hpp"
 #include "state/state.hpp"
+#include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace vantel::qudit {
-
 namespace {
-
 [[gnu::always_inline]] inline float squared_norm(std::span<const PackedAmplitude> entries) noexcept {
     SinglePrecisionSum sum;
     std::array<double, SinglePrecisionSum::block> weights;
@@ -24,11 +21,9 @@ namespace {
         entries = entries.subspan(some.size());
         if (some.size() == weights.size()) {
             PlainSquare{}(some.data(), weights);
-            if (sum.add(weights))
-                continue;
+            if (sum.add(weights)) continue;
         }
-        for (const PackedAmplitude& entry : some)
-            sum.add(SquaredModulus{}(entry.amplitude));
+        for (const PackedAmplitude& entry : some) sum.add(SquaredModulus{}(entry.amplitude));
     }
     return sum.value();
 }
@@ -41,38 +36,31 @@ namespace {
         store(low_half(quotients), entries[i].amplitude);
         store(high_half(quotients), entries[i + 1].amplitude);
     }
-    if (i < entries.size())
-        store(parts_of(entries[i].amplitude) / divisor, entries[i].amplitude);
+    if (i < entries.size()) store(parts_of(entries[i].amplitude) / divisor, entries[i].amplitude);
 }
 
-/// Divides every amplitude by the norm of the list. Sum and root are single precision on purpose, so the
-/// state's norm is 1 to that precision only.
+/// Divides every amplitude by the norm of the list. Sum and root are single precision on purpose, so the state's norm
+/// is 1 to that precision only.
 void renormalise(std::span<PackedAmplitude> entries) {
-    wide_loop([=]() __attribute__((always_inline)) {
-        divide(entries, static_cast<double>(std::sqrt(squared_norm(entries))));
-    });
+    wide_loop([=]() VANTEL_INLINED { divide(entries, static_cast<double>(std::sqrt(squared_norm(entries)))); });
 }
 
 /// Moves the entries that show an outcome in the listed fields to the front. @return how many they are
 std::size_t project(std::span<PackedAmplitude> entries, std::uint64_t listed, std::uint64_t outcome,
                     const OutcomeNumbers& numbers) {
     if (numbers)
-        return wide_loop(
-            [ =, &numbers, number = GatheredBits(listed)(outcome) ]() __attribute__((always_inline)) {
-                return partition_two_ended(entries, [&](std::size_t first, std::size_t count) {
-                    return numbers.showing(number, first, count);
-                });
-            });
+        return wide_loop([=, &numbers, number = GatheredBits(listed)(outcome)]() VANTEL_INLINED {
+            return partition_two_ended(
+                entries, [&](std::size_t first, std::size_t count) { return numbers.showing(number, first, count); });
+        });
     return partition_two_ended(entries, judged_by(entries, [=](const PackedAmplitude& entry) {
                                    return ((entry.values ^ outcome) & listed) == 0;
                                }));
 }
-
 } // namespace
 
 template <class Label> std::vector<int> State<Label>::measure(std::vector<int> qudits) {
-    if (amplitudes.empty())
-        return std::vector<int>(qudits.size(), 0);
+    if (amplitudes.empty()) return std::vector<int>(qudits.size(), 0);
     const std::span<PackedAmplitude> entries = packed_view(amplitudes);
     const std::uint64_t listed = known_fields(Label::layout, qudits, Label::qudit_count);
     const auto [outcomes, numbers] = numbered_outcomes_of(entries, listed);
@@ -85,5 +73,4 @@ template <class Label> std::vector<int> State<Label>::measure(std::vector<int> q
 }
 
 VANTEL_INSTANTIATE(std::vector<int>, measure, (std::vector<int>))
-
 } // namespace vantel::qudit

@@ -1,6 +1,8 @@
 /// The outcomes of a list of entries, and which of them each entry shows.
 #pragma once
 
+#include "algorithms/lanes.hpp"
+#include "state/entries.hpp"
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -8,13 +10,9 @@
 #include <memory>
 #include <vector>
 
-#include "algorithms/lanes.hpp"
-#include "state/entries.hpp"
-
 namespace vantel::qudit {
-
-/// QuditsProbability with its levels still packed: `values` is the level word of the first entry that
-/// shows the outcome, of which only the listed qudits' fields mean anything.
+/// QuditsProbability with its levels still packed: `values` is the level word of the first entry that shows the
+/// outcome, of which only the listed qudits' fields mean anything.
 struct PackedOutcome {
     std::uint64_t values;
     double probability;
@@ -39,8 +37,8 @@ public:
         };
     }
 
-    /// A bit for each of `count` entries, at most 64, from place `first` on: whether they show the outcome.
-    /// What stands above these bits means nothing.
+    /// A bit for each of `count` entries, at most 64, from place `first` on: whether they show the outcome. What stands
+    /// above these bits means nothing.
     [[nodiscard, gnu::always_inline]] std::uint64_t showing(std::uint64_t number, std::size_t first,
                                                             std::size_t count) const noexcept {
         using Bytes [[gnu::vector_size(32), gnu::aligned(1), gnu::may_alias]] = unsigned char;
@@ -49,8 +47,8 @@ public:
         std::uint64_t showing = 0;
         for (std::size_t i = 0; i < count; i += sizeof(FourWords)) {
             const Bytes some = *reinterpret_cast<const Bytes*>(&numbers_[first + i]);
-            FourWords eights = reinterpret_cast<FourWords>(some == static_cast<unsigned char>(number)) &
-                               own_bit_of_each_byte;
+            FourWords eights =
+                reinterpret_cast<FourWords>(some == static_cast<unsigned char>(number)) & own_bit_of_each_byte;
             eights |= eights >> 32;
             eights |= eights >> 16;
             eights |= eights >> 8;
@@ -79,8 +77,7 @@ NumberedOutcomes numbered_outcomes_of(PackedEntries entries, std::uint64_t liste
 
 /// The fields of listed qudits, each of which is one of `qudit_count`. @throws what refuse_index raises
 inline std::uint64_t known_fields(SlotLayout layout, std::span<const int> qudits, int qudit_count) {
-    for (const int qudit : qudits)
-        refuse_index(qudit, qudit_count);
+    for (const int qudit : qudits) refuse_index(qudit, qudit_count);
     return layout.fields(qudits);
 }
 
@@ -88,9 +85,7 @@ inline std::uint64_t known_fields(SlotLayout layout, std::span<const int> qudits
 inline std::vector<int> levels_of(SlotLayout layout, std::uint64_t values, std::span<const int> qudits) {
     std::vector<int> levels;
     levels.reserve(qudits.size());
-    for (const int qudit : qudits)
-        levels.push_back(static_cast<int>(layout.level(values, qudit)));
+    for (const int qudit : qudits) levels.push_back(static_cast<int>(layout.level(values, qudit)));
     return levels;
 }
-
 } // namespace vantel::qudit

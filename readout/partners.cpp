@@ -1,22 +1,18 @@
 #include "readout/partners.hpp"
-
-#include <algorithm>
-#include <bit>
-
 #include "algorithms/scratch.hpp"
 #include "algorithms/wide_loop.hpp"
 #include "state/label_groups.hpp"
+#include <algorithm>
+#include <bit>
 
 namespace vantel::qudit {
-
 namespace {
-
 /// Tells, by a hash, which entries are alone with their levels in some fields.
 class Hashed {
 public:
     Hashed(PackedEntries entries, std::uint64_t fields)
         : place_of_(fields, entries.size()), words_(place_of_.end() / 64) {
-        wide_loop([ entries, place_of = place_of_, words = words_.data() ]() __attribute__((always_inline)) {
+        wide_loop([entries, place_of = place_of_, words = words_.data()]() VANTEL_INLINED {
             for (const PackedAmplitude& entry : entries) {
                 const std::uint64_t place = place_of(entry.values);
                 std::uint64_t& word = words[place / 64];
@@ -29,9 +25,8 @@ public:
     /// The positions of the others, and of a few that are alone but have the hash of another.
     [[nodiscard]] std::vector<std::uint32_t> crowded(PackedEntries entries) const {
         std::vector<std::uint32_t> positions(entries.size());
-        positions.resize(
-            wide_loop([ entries, place_of = place_of_, words = words_.data(),
-                        begin = positions.data() ]() __attribute__((always_inline)) {
+        positions.resize(wide_loop(
+            [entries, place_of = place_of_, words = words_.data(), begin = positions.data()]() VANTEL_INLINED {
                 std::uint32_t* end = begin;
                 std::uint32_t position = 0;
                 for (const PackedAmplitude& entry : entries) {
@@ -52,8 +47,7 @@ private:
     public:
         Place(std::uint64_t fields, std::size_t entries) noexcept
             : fields_(fields),
-              shift_(63 -
-                     static_cast<unsigned>(std::bit_width(spacious * std::max<std::size_t>(entries, 8)))) {}
+              shift_(63 - static_cast<unsigned>(std::bit_width(spacious * std::max<std::size_t>(entries, 8)))) {}
 
         std::uint64_t operator()(std::uint64_t values) const noexcept {
             constexpr std::uint64_t golden = 0x9E3779B97F4A7C15U; // 2^64 over the golden ratio
@@ -69,7 +63,6 @@ private:
     Place place_of_;
     std::vector<std::uint64_t> words_;
 };
-
 } // namespace
 
 Partners::Partners(PackedEntries entries, std::uint64_t traced) : group_of_(entries.size(), alone) {
@@ -81,8 +74,7 @@ Partners::Partners(PackedEntries entries, std::uint64_t traced) : group_of_(entr
     members_.reserve(crowded.size());
     Scratch scratch;
     LabelGroups(crowded, traced, scratch).for_each([&](std::span<const std::uint32_t> group) {
-        if (group.size() == 1)
-            return;
+        if (group.size() == 1) return;
         for (const std::uint32_t member : group) {
             members_.push_back(positions[member]);
             group_of_[positions[member]] = static_cast<std::uint32_t>(begins_.size());
@@ -90,5 +82,4 @@ Partners::Partners(PackedEntries entries, std::uint64_t traced) : group_of_(entr
         begins_.push_back(static_cast<std::uint32_t>(members_.size()));
     });
 }
-
 } // namespace vantel::qudit

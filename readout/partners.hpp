@@ -1,18 +1,16 @@
 /// Which entries of a list pair in a reduced density matrix.
 #pragma once
 
+#include "state/entries.hpp"
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <vector>
 
-#include "state/entries.hpp"
-
 namespace vantel::qudit {
-
-/// The entries that pair with each: those with the same levels in the traced fields, itself included, in
-/// stored order. Only such pairs contribute.
+/// The entries that pair with each: those with the same levels in the traced fields, itself included, in stored order.
+/// Only such pairs contribute.
 class Partners {
 public:
     /// @param entries  fewer than 2^32
@@ -26,8 +24,7 @@ public:
             visit(entry);
             return;
         }
-        for (std::uint32_t i = begins_[group - 1]; i < begins_[group]; ++i)
-            visit(members_[i]);
+        for (std::uint32_t i = begins_[group - 1]; i < begins_[group]; ++i) visit(members_[i]);
     }
 
 private:
@@ -37,5 +34,4 @@ private:
     std::vector<std::uint32_t> begins_;   ///< of each group's members, and where the last group ends
     std::vector<std::uint32_t> members_;  ///< of all groups of more than one
 };
-
 } // namespace vantel::qudit

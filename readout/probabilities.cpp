@@ -1,20 +1,16 @@
 #include "readout/probabilities.hpp"
-
-#include <algorithm>
-#include <cmath>
-#include <utility>
-
 #include "algorithms/crossovers.hpp"
 #include "readout/outcomes.hpp"
 #include "readout/weights.hpp"
 #include "state/builds.hpp"
 #include "state/level_rank.hpp"
 #include "state/state.hpp"
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace vantel::qudit {
-
 namespace {
-
 template <class Weight>
 std::vector<double> sums_by_rank(PackedEntries entries, std::uint64_t listed, const LevelRank& rank) {
     // Labels with a level beyond its dimension share one more place, which is dropped.
@@ -22,23 +18,18 @@ std::vector<double> sums_by_rank(PackedEntries entries, std::uint64_t listed, co
     rank.cheapest([&](auto rank_of) {
         sum_up<Weight>(
             entries, listed,
-            [rank_of, beyond = rank.size()](std::uint64_t values) {
-                return std::min(rank_of(values), beyond);
-            },
+            [rank_of, beyond = rank.size()](std::uint64_t values) { return std::min(rank_of(values), beyond); },
             [sums = sums.data()](std::size_t place) -> double& { return sums[place]; }, [](std::size_t) {});
     });
     sums.pop_back();
     return sums;
 }
-
 } // namespace
 
-ProbabilityTable::ProbabilityTable(const IState& state, const std::vector<int>& qudits,
-                                   ValuePermutations permutations)
+ProbabilityTable::ProbabilityTable(const IState& state, const std::vector<int>& qudits, ValuePermutations permutations)
     : permutations_(std::move(permutations)) {
     const PackedEntries entries = state.packed_amplitudes();
-    if (entries.empty())
-        return;
+    if (entries.empty()) return;
     const SlotLayout layout = SlotLayout::of(state.dimension());
     const std::uint64_t listed = known_fields(layout, qudits, static_cast<int>(state.num_qudits()));
     const LevelRank rank(layout, qudits, permutations_.dimensions(), entries.size());
@@ -56,11 +47,9 @@ ProbabilityTable::ProbabilityTable(const IState& state, const std::vector<int>& 
     std::sort(some_.begin(), some_.end(), [](const Shown& a, const Shown& b) { return a.rank < b.rank; });
 }
 
-template <class Label>
-std::vector<QuditsProbability> State<Label>::probabilities(std::vector<int> qudits) const {
+template <class Label> std::vector<QuditsProbability> State<Label>::probabilities(std::vector<int> qudits) const {
     std::vector<QuditsProbability> table;
-    if (amplitudes.empty())
-        return table;
+    if (amplitudes.empty()) return table;
     const std::uint64_t listed = known_fields(Label::layout, qudits, Label::qudit_count);
     for (const PackedOutcome& outcome : outcomes_of(packed_view(amplitudes), listed))
         table.push_back({levels_of(Label::layout, outcome.values, qudits), outcome.probability});
@@ -68,5 +57,4 @@ std::vector<QuditsProbability> State<Label>::probabilities(std::vector<int> qudi
 }
 
 VANTEL_INSTANTIATE(std::vector<QuditsProbability>, probabilities, (std::vector<int>) const)
-
 } // namespace vantel::qudit

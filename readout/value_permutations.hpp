@@ -10,13 +10,11 @@
 #include <vector>
 
 namespace vantel::qudit {
-
-/// All level combinations of listed qudits, the first qudit varying fastest: (0,0), (1,0), (0,1), ... They
-/// are counted by arithmetic and never stored, however many there are; LevelRank numbers them.
+/// All level combinations of listed qudits, the first qudit varying fastest: (0,0), (1,0), (0,1), ... They are counted
+/// by arithmetic and never stored, however many there are; LevelRank numbers them.
 class ValuePermutations {
 public:
-    /// @param dimensions  of each listed qudit; a qudit of an empty joint state has no levels, and an empty
-    /// list no
+    /// @param dimensions  of each listed qudit; a qudit of an empty joint state has no levels, and an empty list no
     ///                    combinations
     /// @throws std::length_error where there are 2^64 combinations or more
     ValuePermutations() : ValuePermutations(std::vector<std::uint64_t>()) {}
@@ -40,8 +38,7 @@ public:
     /// Steps the levels of all qudits but the first, all 0 to start with, to the next combination.
     void advance_others(std::span<int> levels) const noexcept {
         for (std::size_t i = 1; i < levels.size(); ++i) {
-            if (static_cast<std::uint64_t>(++levels[i]) < dimensions_[i])
-                return;
+            if (static_cast<std::uint64_t>(++levels[i]) < dimensions_[i]) return;
             levels[i] = 0;
         }
     }
@@ -50,5 +47,4 @@ private:
     std::vector<std::uint64_t> dimensions_;
     std::uint64_t size_;
 };
-
 } // namespace vantel::qudit

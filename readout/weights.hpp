@@ -1,6 +1,9 @@
 /// |a|^2 of entries, and their sums, one for each outcome that they show.
 #pragma once
 
+#include "algorithms/lanes.hpp"
+#include "algorithms/wide_loop.hpp"
+#include "state/entries.hpp"
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -8,14 +11,8 @@
 #include <limits>
 #include <utility>
 
-#include "algorithms/lanes.hpp"
-#include "algorithms/wide_loop.hpp"
-#include "state/entries.hpp"
-
 namespace vantel::qudit {
-
-/// The weight of an entry. Infinity stands ahead of NaN: one infinite part makes it infinite, whatever
-/// the other is.
+/// The weight of an entry. Infinity stands ahead of NaN: one infinite part makes it infinite, whatever the other is.
 struct SquaredModulus {
     double operator()(const std::complex<double>& amplitude) const noexcept {
         const double sum = amplitude.real() * amplitude.real() + amplitude.imag() * amplitude.imag();
@@ -25,8 +22,8 @@ struct SquaredModulus {
     }
 };
 
-/// The same, but NaN where that is infinite beside a part that is NaN: for whoever takes SquaredModulus where
-/// a sum comes out NaN.
+/// The same, but NaN where that is infinite beside a part that is NaN: for whoever takes SquaredModulus where a sum
+/// comes out NaN.
 struct PlainSquare {
     double operator()(const std::complex<double>& amplitude) const noexcept {
         const Parts squares = parts_of(amplitude) * parts_of(amplitude);
@@ -38,8 +35,7 @@ struct PlainSquare {
         static_assert(count % 4 == 0);
         for (std::size_t i = 0; i < count; i += 4) {
             const FourParts even = joined(parts_of(entries[i].amplitude), parts_of(entries[i + 2].amplitude));
-            const FourParts uneven =
-                joined(parts_of(entries[i + 1].amplitude), parts_of(entries[i + 3].amplitude));
+            const FourParts uneven = joined(parts_of(entries[i + 1].amplitude), parts_of(entries[i + 3].amplitude));
             const FourParts even_squares = even * even;
             const FourParts uneven_squares = uneven * uneven;
             *reinterpret_cast<StoredFourParts*>(&weights[i]) =
@@ -49,19 +45,17 @@ struct PlainSquare {
     }
 };
 
-/// Whether many entries differ in the listed fields from both outcomes that were met last before them, as far
-/// as the first of them show.
+/// Whether many entries differ in the listed fields from both outcomes that were met last before them, as far as the
+/// first of them show.
 inline bool is_mixed(PackedEntries entries, std::uint64_t listed) {
     constexpr std::size_t some = 64;
-    if (entries.size() < some)
-        return false;
+    if (entries.size() < some) return false;
     std::uint64_t present = entries[0].values & listed;
     std::uint64_t former = present;
     std::size_t others = 0;
     for (const PackedAmplitude& entry : entries.first(some)) {
         const std::uint64_t shown = entry.values & listed;
-        if (shown == present)
-            continue;
+        if (shown == present) continue;
         others += shown != former ? 1 : 0;
         former = std::exchange(present, shown);
     }
@@ -70,8 +64,7 @@ inline bool is_mixed(PackedEntries entries, std::uint64_t listed) {
 
 /// Adds weight after weight to sums in memory.
 template <class Weight, class PlaceOf, class SumAt, class Note>
-[[gnu::always_inline]] inline void sum_up_each(PackedEntries entries, PlaceOf place_of, SumAt sum_at,
-                                               Note note) {
+[[gnu::always_inline]] inline void sum_up_each(PackedEntries entries, PlaceOf place_of, SumAt sum_at, Note note) {
     const Weight weight;
 #pragma GCC unroll 4
     for (const PackedAmplitude& entry : entries) {
@@ -81,28 +74,25 @@ template <class Weight, class PlaceOf, class SumAt, class Note>
     }
 }
 
-/// The same where most entries show one of the two outcomes that were met last: their sums stay in registers,
-/// since a sum in memory has to come back from its last store before it can be added to.
-template <class Weight, class PlaceOf, class SumAt, class Note>
-[[gnu::always_inline]] inline void sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed,
-                                                      PlaceOf place_of, SumAt sum_at, Note note) {
+/// The same where most entries show one of the two outcomes that were met last: their sums stay in registers, since a
+/// sum in memory has to come back from its last store before it can be added to.
+template <class Weight, class PlaceOf, class SumAt, class Note> [[gnu::always_inline]] inline void
+sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed, PlaceOf place_of, SumAt sum_at, Note note) {
     const Weight weight;
     const PackedAmplitude* entry = entries.data();
     const PackedAmplitude* const end = entry + entries.size();
-    if (entry == end)
-        return;
+    if (entry == end) return;
     struct AtHand {
         std::uint64_t shown; ///< in the listed fields
         std::size_t place;
         double sum;
     };
-    const auto take = [&](const PackedAmplitude& first) __attribute__((always_inline)) {
+    const auto take = [&](const PackedAmplitude& first) VANTEL_INLINED {
         const std::size_t place = place_of(first.values);
         return AtHand{first.values & listed, place, sum_at(place)};
     };
-    // Adds a run of entries that show one outcome, for which another may have to go. Returns whether there
-    // are more.
-    const auto add_run = [&](AtHand & hand) __attribute__((always_inline)) {
+    // Adds a run of entries that show one outcome, for which another may have to go. Returns whether there are more.
+    const auto add_run = [&](AtHand& hand) VANTEL_INLINED {
         if ((entry->values & listed) != hand.shown) {
             sum_at(hand.place) = hand.sum;
             hand = take(*entry);
@@ -128,13 +118,8 @@ template <class Weight, class PlaceOf, class SumAt, class Note>
 template <class Weight, class PlaceOf, class SumAt, class Note>
 void sum_up(PackedEntries entries, std::uint64_t listed, PlaceOf place_of, SumAt sum_at, Note note) {
     if (is_mixed(entries, listed))
-        wide_loop([=]() __attribute__((always_inline)) {
-            sum_up_each<Weight>(entries, place_of, sum_at, note);
-        });
+        wide_loop([=]() VANTEL_INLINED { sum_up_each<Weight>(entries, place_of, sum_at, note); });
     else
-        wide_loop([=]() __attribute__((always_inline)) {
-            sum_up_two_at_hand<Weight>(entries, listed, place_of, sum_at, note);
-        });
+        wide_loop([=]() VANTEL_INLINED { sum_up_two_at_hand<Weight>(entries, listed, place_of, sum_at, note); });
 }
-
 } // namespace vantel::qudit

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "state/dit_array.hpp"
+#include "state/entries.hpp"
+#include "state/istate.hpp"
 #include <algorithm>
 #include <cmath>
 #include <complex>
@@ -10,14 +13,9 @@
 #include <utility>
 #include <vector>
 
-#include "state/dit_array.hpp"
-#include "state/entries.hpp"
-#include "state/istate.hpp"
-
 // The plain meaning of the entry list: unpacked labels and linear searches, nothing shared with
 // the library beyond its value types, so that it can be checked by reading.
 namespace vantel::reference {
-
 using qudit::DensityMatrixEntry;
 using qudit::Dit;
 using qudit::QuditsProbability;
@@ -43,8 +41,7 @@ template <class AnyEntry> auto& slot(AnyEntry& entry, int index) {
 
 inline Ints values_at(const Entry& entry, const Ints& indices) {
     Ints levels;
-    for (int index : indices)
-        levels.push_back(static_cast<int>(slot(entry, index).value));
+    for (int index : indices) levels.push_back(static_cast<int>(slot(entry, index).value));
     return levels;
 }
 
@@ -61,16 +58,14 @@ inline bool label_before(const Entry& a, const Entry& b) {
 inline bool controls_hold(const Entry& entry, const Controls& controls) {
     for (const auto& control : controls) {
         const auto level = static_cast<std::int64_t>(slot(entry, control.qudit_index).value);
-        if ((level == control.value) != control.is_equal)
-            return false;
+        if ((level == control.value) != control.is_equal) return false;
     }
     return true;
 }
 
 // The platform's std::norm gives NaN for an infinite part beside a NaN.
 inline double squared_modulus(const Complex& amplitude) {
-    if (std::isinf(amplitude.real()) || std::isinf(amplitude.imag()))
-        return std::numeric_limits<double>::infinity();
+    if (std::isinf(amplitude.real()) || std::isinf(amplitude.imag())) return std::numeric_limits<double>::infinity();
     return amplitude.real() * amplitude.real() + amplitude.imag() * amplitude.imag();
 }
 
@@ -80,15 +75,11 @@ template <class Keep> void erase_from_both_ends(Entries& entries, Keep keep) {
     auto front = entries.begin();
     auto back = entries.end();
     for (;;) {
-        while (front != back && keep(*front))
-            ++front;
-        if (front == back)
-            break;
+        while (front != back && keep(*front)) ++front;
+        if (front == back) break;
         --back;
-        while (front != back && !keep(*back))
-            --back;
-        if (front == back)
-            break;
+        while (front != back && !keep(*back)) --back;
+        if (front == back) break;
         std::swap(*front, *back);
         ++front;
     }
@@ -111,8 +102,7 @@ inline void reduce(Entries& entries) {
 
 inline Entries hadamard_no_reduce(const Entries& entries, int target, const Controls& controls, double sign) {
     Entries output;
-    if (entries.empty())
-        return output;
+    if (entries.empty()) return output;
     const std::uint64_t d = slot(entries.front(), target).dimension;
     const double scale = 1.0 / std::sqrt(static_cast<double>(d));
     const double unit = (sign + sign) * 3.141592653589793;
@@ -136,8 +126,7 @@ inline Entries hadamard_no_reduce(const Entries& entries, int target, const Cont
 // Written out, since the platform's distribution may take a running sum equal to u for greater.
 inline std::size_t draw(const std::vector<float>& weights, std::uint32_t seed_word) {
     double total = 0.0;
-    for (float weight : weights)
-        total += static_cast<double>(weight);
+    for (float weight : weights) total += static_cast<double>(weight);
     std::mt19937 generator(seed_word);
     const auto a = static_cast<double>(generator());
     const auto b = static_cast<double>(generator());
@@ -145,10 +134,8 @@ inline std::size_t draw(const std::vector<float>& weights, std::uint32_t seed_wo
     double running = 0.0;
     for (std::size_t i = 0; i + 1 < weights.size(); ++i) {
         running += static_cast<double>(weights[i]) / total;
-        if (running > u)
-            return i;
+        if (running > u) return i;
     }
     return weights.size() - 1;
 }
-
 } // namespace vantel::reference

@@ -1,11 +1,9 @@
 #pragma once
 
+#include "reference/literal_state.hpp"
 #include <map>
 
-#include "reference/literal_state.hpp"
-
 namespace vantel::reference {
-
 // Never given out twice, unlike an address.
 using HandleId = int;
 using HandleList = std::vector<HandleId>;
@@ -31,9 +29,7 @@ public:
     int index(HandleId handle) const { return handles_.at(handle).index; }
     const LiteralState& state(HandleId handle) const { return joint(handle).state; }
     const std::vector<Position>& properties(HandleId handle) const { return joint(handle).properties; }
-    bool same_joint_state(HandleId a, HandleId b) const {
-        return handles_.at(a).joint == handles_.at(b).joint;
-    }
+    bool same_joint_state(HandleId a, HandleId b) const { return handles_.at(a).joint == handles_.at(b).joint; }
 
     HandleId make(std::uint64_t dimension) {
         const LiteralState fresh({dimension, 1}, {Entry{{Dit{0, dimension}}, 1.0}});
@@ -57,8 +53,7 @@ public:
     }
 
     void merge(HandleId a, HandleId b) {
-        if (same_joint_state(a, b))
-            return;
+        if (same_joint_state(a, b)) return;
         const int kept = handles_.at(a).joint;
         const int gone = handles_.at(b).joint;
         Joint& anchor = joints_.at(kept);
@@ -75,8 +70,7 @@ public:
     }
 
     LiteralState& merge(const HandleList& list) {
-        for (std::size_t i = 1; i < list.size(); ++i)
-            merge(list[0], list[i]);
+        for (std::size_t i = 1; i < list.size(); ++i) merge(list[0], list[i]);
         return joints_.at(handles_.at(list.at(0)).joint).state;
     }
 
@@ -88,16 +82,13 @@ public:
             const auto renumbered = std::find_if(list.begin(), list.end(), [&](const Position& p) {
                 return !p.stale && index(p.handle) == moved.first;
             });
-            if (renumbered != list.end())
-                handles_.at(renumbered->handle).index = moved.second;
+            if (renumbered != list.end()) handles_.at(renumbered->handle).index = moved.second;
             // Compacts and does not shorten: the tail keeps its old content.
             std::size_t place = 0;
             for (std::size_t next = 0; next < list.size(); ++next)
-                if (list[next].handle != handle)
-                    list[place++] = list[next];
+                if (list[next].handle != handle) list[place++] = list[next];
         }
-        for (Position& position : list)
-            position.stale = position.stale || position.handle == handle;
+        for (Position& position : list) position.stale = position.stale || position.handle == handle;
         handles_.erase(handle);
         if (std::none_of(handles_.begin(), handles_.end(),
                          [&](const auto& other) { return other.second.joint == number; }))
@@ -131,5 +122,4 @@ private:
     std::map<HandleId, Handle> handles_;
     std::map<int, Joint> joints_;
 };
-
 } // namespace vantel::reference

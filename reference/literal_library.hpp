@@ -1,12 +1,10 @@
 #pragma once
 
+#include "reference/literal_handles.hpp"
 #include <initializer_list>
 #include <typeinfo>
 
-#include "reference/literal_handles.hpp"
-
 namespace vantel::reference {
-
 inline constexpr HandleId no_handle = -1;
 inline constexpr const char* version_text = "1.0.0";
 
@@ -27,13 +25,12 @@ class Library : public HandleTable {
 public:
     Outcome make_quantum_property(int dimension, HandleId& made) {
         made = no_handle;
-        return translate(
-            {6, 9}, [&] { made = make(static_cast<std::uint64_t>(static_cast<std::int64_t>(dimension))); });
+        return translate({6, 9},
+                         [&] { made = make(static_cast<std::uint64_t>(static_cast<std::int64_t>(dimension))); });
     }
 
     Outcome free_quantum_property(HandleId property) {
-        if (property == no_handle)
-            return {1};
+        if (property == no_handle) return {1};
         release(property);
         return {};
     }
@@ -55,17 +52,14 @@ public:
     }
 
     Outcome phase_rotate(const HandleControls& controls, float angle) {
-        if (controls.empty())
-            return {};
-        return on_joint_state({4, 9}, {}, controls, [=](LiteralState& s, const Ints&, const Controls& c) {
-            s.phase_rotate(c, angle);
-        });
+        if (controls.empty()) return {};
+        return on_joint_state({4, 9}, {}, controls,
+                              [=](LiteralState& s, const Ints&, const Controls& c) { s.phase_rotate(c, angle); });
     }
 
     Outcome swap(HandleId first, HandleId second, const HandleControls& controls) {
-        return on_joint_state(
-            {4, 5, 6, 7, 9}, {first, second}, controls,
-            [](LiteralState& s, const Ints& t, const Controls& c) { s.swap(t[0], t[1], c); });
+        return on_joint_state({4, 5, 6, 7, 9}, {first, second}, controls,
+                              [](LiteralState& s, const Ints& t, const Controls& c) { s.swap(t[0], t[1], c); });
     }
 
     Outcome i_swap(HandleId first, HandleId second, float fraction, const HandleControls& controls) {
@@ -82,11 +76,11 @@ public:
 
     Outcome stochastic_projection(const HandleControls& controls, std::uint32_t seed_word, int& result) {
         const HandleId ancilla = make(2);
-        const Outcome outcome = on_joint_state({6, 7}, {ancilla}, controls,
-                                               [&](LiteralState& s, const Ints& t, const Controls& c) {
-                                                   s.cycle(t, c);
-                                                   result = s.measure(t, seed_word)[0];
-                                               });
+        const Outcome outcome =
+            on_joint_state({6, 7}, {ancilla}, controls, [&](LiteralState& s, const Ints& t, const Controls& c) {
+                s.cycle(t, c);
+                result = s.measure(t, seed_word)[0];
+            });
         release(ancilla);
         return outcome;
     }
@@ -100,12 +94,10 @@ public:
             on_joint_state({6, 7}, list, {}, [&](LiteralState& s, const Ints& qudits, const Controls&) {
                 table = s.probabilities(qudits);
             });
-        if (merged.status != 0 || merged.passed_out)
-            return merged;
+        if (merged.status != 0 || merged.passed_out) return merged;
         const std::vector<Ints> permutations = value_permutations(list);
         std::uint32_t product = 1;
-        for (HandleId handle : list)
-            product *= static_cast<std::uint32_t>(dimension(handle));
+        for (HandleId handle : list) product *= static_cast<std::uint32_t>(dimension(handle));
         const auto output_size = static_cast<std::int32_t>(product);
         if (permutations.size() != static_cast<std::size_t>(output_size)) {
             const std::string text = "permutations.size(): " + std::to_string(permutations.size()) +
@@ -116,14 +108,13 @@ public:
         for (const Ints& values : permutations) {
             records.emplace_back(values, 0.0F);
             for (const QuditsProbability& outcome : table)
-                if (outcome.qudit_values == values)
-                    records.back().second = static_cast<float>(outcome.probability);
+                if (outcome.qudit_values == values) records.back().second = static_cast<float>(outcome.probability);
         }
         return merged;
     }
 
-    Outcome reduced_density_matrix(const HandleList& list, std::size_t output_size,
-                                   std::vector<float>& real_parts, std::vector<float>& imaginary_parts) {
+    Outcome reduced_density_matrix(const HandleList& list, std::size_t output_size, std::vector<float>& real_parts,
+                                   std::vector<float>& imaginary_parts) {
         const std::vector<Ints> permutations = value_permutations(list);
         const std::size_t side = permutations.size();
         const auto narrow = static_cast<std::uint32_t>(side);
@@ -143,8 +134,7 @@ public:
             for (const DensityMatrixEntry& entry : s.reduced_density_matrix(qudits)) {
                 const std::size_t row = position_of(entry.row_values);
                 const std::size_t column = position_of(entry.column_values);
-                if (row == side || column == side)
-                    continue; // a level beyond its qudit's own dimension has no place
+                if (row == side || column == side) continue; // a level beyond its qudit's own dimension has no place
                 const std::size_t place = row * side + column;
                 real.at(place) = static_cast<float>(entry.element.real());
                 imaginary.at(place) = static_cast<float>(entry.element.imag());
@@ -181,17 +171,14 @@ private:
     }
 
     // Merges first: that renumbers the handles, so indices are read after it.
-    template <class Act>
-    Outcome on_joint_state(std::initializer_list<int> handled, const HandleList& targets,
-                           const HandleControls& controls, Act act) {
+    template <class Act> Outcome on_joint_state(std::initializer_list<int> handled, const HandleList& targets,
+                                                const HandleControls& controls, Act act) {
         return translate(handled, [&] {
             HandleList list = targets;
-            for (const HandleControl& control : controls)
-                list.push_back(control.property);
+            for (const HandleControl& control : controls) list.push_back(control.property);
             LiteralState& joint = merge(list);
             Ints indices;
-            for (HandleId target : targets)
-                indices.push_back(index(target));
+            for (HandleId target : targets) indices.push_back(index(target));
             Controls indexed;
             for (const HandleControl& control : controls)
                 indexed.push_back({index(control.property), control.value, control.is_equal});
@@ -205,11 +192,9 @@ private:
     }
 
     Outcome power(HandleId target, float fraction, const HandleControls& controls, Plain whole, Power part) {
-        if (fraction == 1.0F)
-            return plain(target, controls, whole);
-        return on_joint_state(
-            {4, 9}, {target}, controls,
-            [=](LiteralState& s, const Ints& t, const Controls& c) { (s.*part)(t, fraction, c); });
+        if (fraction == 1.0F) return plain(target, controls, whole);
+        return on_joint_state({4, 9}, {target}, controls,
+                              [=](LiteralState& s, const Ints& t, const Controls& c) { (s.*part)(t, fraction, c); });
     }
 
     // The first property varies fastest. A property in a state without entries has no levels.
@@ -228,5 +213,4 @@ private:
         return permutations;
     }
 };
-
 } // namespace vantel::reference

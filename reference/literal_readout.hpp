@@ -1,13 +1,11 @@
 #pragma once
 
+#include "reference/literal_entries.hpp"
+#include "state/exceptions.hpp"
 #include <stdexcept>
 #include <string>
 
-#include "reference/literal_entries.hpp"
-#include "state/exceptions.hpp"
-
 namespace vantel::reference {
-
 inline constexpr std::size_t max_entries = 100000;
 
 struct Config {
@@ -19,21 +17,15 @@ struct Config {
 class LiteralReadout {
 public:
     LiteralReadout(Config config, const Entries& entries) : config_(config) {
-        if (entries.size() > max_entries)
-            throw qudit::StateSizeExceeded("State size exceeded maximum allowed size");
-        if (config.dim < 2)
-            throw qudit::BadDimension("dim must be >= 2");
-        if (config.dim > 10)
-            throw qudit::BadDimension("dim must be <= MAX_QUDIT_DIMENSION: 10");
-        if (config.num_qudits == 0)
-            throw std::invalid_argument("num_qudits must be >= 1");
-        if (config.num_qudits > 10)
-            throw qudit::BadQuditNumber("num_qudits must be <= MAX_QUDIT_NUM: 10");
+        if (entries.size() > max_entries) throw qudit::StateSizeExceeded("State size exceeded maximum allowed size");
+        if (config.dim < 2) throw qudit::BadDimension("dim must be >= 2");
+        if (config.dim > 10) throw qudit::BadDimension("dim must be <= MAX_QUDIT_DIMENSION: 10");
+        if (config.num_qudits == 0) throw std::invalid_argument("num_qudits must be >= 1");
+        if (config.num_qudits > 10) throw qudit::BadQuditNumber("num_qudits must be <= MAX_QUDIT_NUM: 10");
         for (Entry entry : entries) {
             entry.dits.resize(config.num_qudits, Dit{0, 1});
             const auto is_same = [&](const Entry& kept) { return same_label(kept, entry); };
-            if (std::none_of(entries_.begin(), entries_.end(), is_same))
-                entries_.push_back(entry);
+            if (std::none_of(entries_.begin(), entries_.end(), is_same)) entries_.push_back(entry);
         }
         // Not before the search: a zero that comes first takes its later duplicates with it.
         std::erase_if(entries_, [](const Entry& entry) { return entry.amplitude == 0.0; });
@@ -51,8 +43,7 @@ public:
         std::vector<QuditsProbability> table;
         for (const Entry& entry : entries_) {
             for (int index : qudits)
-                if (index >= static_cast<int>(num_qudits()))
-                    throw std::out_of_range("qudit index out of range");
+                if (index >= static_cast<int>(num_qudits())) throw std::out_of_range("qudit index out of range");
             const Ints outcome = values_at(entry, qudits);
             const auto found = std::find_if(table.begin(), table.end(),
                                             [&](const auto& seen) { return seen.qudit_values == outcome; });
@@ -67,13 +58,11 @@ public:
     std::vector<DensityMatrixEntry> reduced_density_matrix(const Ints& qudits) const {
         Ints traced;
         for (int i = 0; i < static_cast<int>(num_qudits()); ++i)
-            if (std::find(qudits.begin(), qudits.end(), i) == qudits.end())
-                traced.push_back(i);
+            if (std::find(qudits.begin(), qudits.end(), i) == qudits.end()) traced.push_back(i);
         std::vector<DensityMatrixEntry> matrix;
         for (const Entry& a : entries_) {
             for (const Entry& b : entries_) {
-                if (values_at(a, traced) != values_at(b, traced))
-                    continue;
+                if (values_at(a, traced) != values_at(b, traced)) continue;
                 const Ints row = values_at(a, qudits);
                 const Ints column = values_at(b, qudits);
                 const Complex product = a.amplitude * std::conj(b.amplitude);
@@ -92,20 +81,16 @@ public:
     // The word stands for the one taken from the system's random source.
     Ints measure(const Ints& qudits, std::uint32_t seed_word) {
         const std::vector<QuditsProbability> table = probabilities(qudits);
-        if (table.empty())
-            return Ints(qudits.size(), 0);
+        if (table.empty()) return Ints(qudits.size(), 0);
         std::vector<float> weights;
-        for (const QuditsProbability& outcome : table)
-            weights.push_back(static_cast<float>(outcome.probability));
+        for (const QuditsProbability& outcome : table) weights.push_back(static_cast<float>(outcome.probability));
         const Ints result = table[draw(weights, seed_word)].qudit_values;
-        erase_from_both_ends(entries_,
-                             [&](const Entry& entry) { return values_at(entry, qudits) == result; });
+        erase_from_both_ends(entries_, [&](const Entry& entry) { return values_at(entry, qudits) == result; });
         float sum = 0.0F;
         for (const Entry& entry : entries_)
             sum = static_cast<float>(static_cast<double>(sum) + squared_modulus(entry.amplitude));
         const auto root = static_cast<double>(std::sqrt(sum));
-        for (Entry& entry : entries_)
-            entry.amplitude = {entry.amplitude.real() / root, entry.amplitude.imag() / root};
+        for (Entry& entry : entries_) entry.amplitude = {entry.amplitude.real() / root, entry.amplitude.imag() / root};
         return result;
     }
 
@@ -113,5 +98,4 @@ protected:
     Config config_;
     Entries entries_;
 };
-
 } // namespace vantel::reference

@@ -1,11 +1,9 @@
 #pragma once
 
+#include "reference/literal_readout.hpp"
 #include <utility>
 
-#include "reference/literal_readout.hpp"
-
 namespace vantel::reference {
-
 class LiteralState : public LiteralReadout {
 public:
     using LiteralReadout::LiteralReadout;
@@ -15,8 +13,7 @@ public:
         const float cosine = std::cos(angle);
         const Complex factor(static_cast<double>(cosine), static_cast<double>(sine));
         for (Entry& entry : entries_)
-            if (controls_hold(entry, controls))
-                entry.amplitude = entry.amplitude * factor;
+            if (controls_hold(entry, controls)) entry.amplitude = entry.amplitude * factor;
         guard_size();
     }
 
@@ -50,9 +47,8 @@ public:
 
     void clock(const Ints& targets, const Controls& controls) {
         refuse_overlap(targets, controls, "Clock operation has overlapping targets and controls");
-        walk(targets, controls, [](Entry& entry, const Dit& dit) {
-            turn(entry, dit.dimension, static_cast<double>(dit.value));
-        });
+        walk(targets, controls,
+             [](Entry& entry, const Dit& dit) { turn(entry, dit.dimension, static_cast<double>(dit.value)); });
     }
 
     void clock(const Ints& targets, float fraction, const Controls& controls) {
@@ -78,23 +74,19 @@ public:
         if (qudit_dimension(first) != qudit_dimension(second))
             throw qudit::DifferentDimensions("Targets of swap operation have different dimensions");
         for (Entry& entry : entries_)
-            if (controls_hold(entry, controls))
-                std::swap(slot(entry, first), slot(entry, second));
+            if (controls_hold(entry, controls)) std::swap(slot(entry, first), slot(entry, second));
         guard_size();
     }
 
     void i_swap(int first, int second, float fraction, const Controls& controls) {
-        refuse_overlap({first, second}, controls,
-                       "Fractional i-swap operation has overlapping targets and controls");
+        refuse_overlap({first, second}, controls, "Fractional i-swap operation has overlapping targets and controls");
         if (qudit_dimension(first) != qudit_dimension(second))
-            throw qudit::DifferentDimensions(
-                "Targets of fractional-i-swap operation have different dimensions");
+            throw qudit::DifferentDimensions("Targets of fractional-i-swap operation have different dimensions");
         const double theta = static_cast<double>(fraction) * 1.5707963267948966;
         const std::size_t n = entries_.size();
         for (std::size_t i = 0; i < n; ++i) {
             Entry twin = entries_[i];
-            if (!controls_hold(twin, controls) || slot(twin, first).value == slot(twin, second).value)
-                continue;
+            if (!controls_hold(twin, controls) || slot(twin, first).value == slot(twin, second).value) continue;
             entries_[i].amplitude = twin.amplitude * Complex(std::cos(theta), 0.0);
             twin.amplitude = twin.amplitude * Complex(0.0, std::sin(theta));
             std::swap(slot(twin, first), slot(twin, second));
@@ -110,8 +102,7 @@ public:
         Entries entries = entries_;
         const int last = static_cast<int>(num_qudits()) - 1;
         for (Entry& entry : entries) {
-            if (0 <= index && index < last)
-                slot(entry, index) = slot(entry, last);
+            if (0 <= index && index < last) slot(entry, index) = slot(entry, last);
             entry.dits.pop_back();
         }
         *this = LiteralState({dimension(), num_qudits() - 1}, entries);
@@ -122,25 +113,21 @@ private:
     static void refuse_overlap(const Ints& targets, const Controls& controls, const char* text) {
         for (int target : targets)
             for (const auto& control : controls)
-                if (target == control.qudit_index)
-                    throw qudit::TargetControlOverlap(text);
+                if (target == control.qudit_index) throw qudit::TargetControlOverlap(text);
     }
 
     void guard_size(const char* text = "State size exceeded maximum allowed size") const {
-        if (entries_.size() > max_entries)
-            throw qudit::StateSizeExceeded(text);
+        if (entries_.size() > max_entries) throw qudit::StateSizeExceeded(text);
     }
 
     template <class Act> void walk(const Ints& targets, const Controls& controls, Act act) {
         for (Entry& entry : entries_)
             if (controls_hold(entry, controls))
-                for (int target : targets)
-                    act(entry, slot(entry, target));
+                for (int target : targets) act(entry, slot(entry, target));
     }
 
     static void raise(Dit& dit, std::uint64_t added) {
-        if (added >= dit.dimension)
-            throw EndOfProcess();
+        if (added >= dit.dimension) throw EndOfProcess();
         dit.value = (dit.value + added) % dit.dimension;
     }
 
@@ -150,8 +137,7 @@ private:
     }
 
     void transform(const Ints& targets, const Controls& controls, double sign) {
-        for (int target : targets)
-            entries_ = hadamard_no_reduce(entries_, target, controls, sign);
+        for (int target : targets) entries_ = hadamard_no_reduce(entries_, target, controls, sign);
         reduce(entries_);
         guard_size();
     }
@@ -166,5 +152,4 @@ inline LiteralState tensor_product(const LiteralState& a, const LiteralState& b)
         }
     return {{std::max(a.dimension(), b.dimension()), a.num_qudits() + b.num_qudits()}, product};
 }
-
 } // namespace vantel::reference

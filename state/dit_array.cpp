@@ -1,17 +1,11 @@
 #include "state/dit_array.hpp"
-
 #include <iostream>
 
 namespace vantel::qudit {
-
 namespace {
-
-/// A rethrow with no exception in flight ends the process. It is kept, and not made an exception, so that
-/// no handler between here and the host can carry on with a damaged label.
-[[noreturn]] void rethrow_nothing() {
-    throw;
-}
-
+/// A rethrow with no exception in flight ends the process. It is kept, and not made an exception, so that no handler
+/// between here and the host can carry on with a damaged label.
+[[noreturn]] void rethrow_nothing() { throw; }
 } // namespace
 
 std::ostream& operator<<(std::ostream& stream, const Dit& dit) {
@@ -20,8 +14,7 @@ std::ostream& operator<<(std::ostream& stream, const Dit& dit) {
 
 std::ostream& operator<<(std::ostream& stream, const std::vector<Dit>& dits) {
     stream << "|";
-    for (const Dit& dit : dits)
-        stream << dit;
+    for (const Dit& dit : dits) stream << dit;
     return stream << ">";
 }
 
@@ -40,5 +33,4 @@ void die_of_addend() {
     std::cout << "DitArray::operator+: v >= dimension()" << std::endl;
     rethrow_nothing();
 }
-
 } // namespace vantel::qudit

@@ -10,7 +10,6 @@
 #include <vector>
 
 namespace vantel::qudit {
-
 /// One qudit's level, counted from 0, and its number of levels. Nothing here is enforced.
 struct Dit {
     std::uint64_t value;
@@ -23,27 +22,24 @@ struct Dit {
 __attribute__((visibility("default"))) std::ostream& operator<<(std::ostream& stream, const Dit& dit);
 
 /// Prints "|[v:1,d:3][v:0,d:2]>", without a line end.
-__attribute__((visibility("default"))) std::ostream& operator<<(std::ostream& stream,
-                                                                const std::vector<Dit>& dits);
+__attribute__((visibility("default"))) std::ostream& operator<<(std::ostream& stream, const std::vector<Dit>& dits);
 
-/// The label diagnostics: a text on standard output, then the end of the process. They guard the packing
-/// against the library's own mistakes and are, on purpose, nothing that a caller could catch.
+/// The label diagnostics: a text on standard output, then the end of the process. They guard the packing against the
+/// library's own mistakes and are, on purpose, nothing that a caller could catch.
 [[noreturn]] void die_of_value(std::uint64_t value, std::uint64_t max_dimension);
 [[noreturn]] void die_of_dimension();
 [[noreturn]] void die_of_addend();
 
 /// (level + addend) mod dimension. An addend that is not below the dimension ends the process.
 inline std::uint64_t raised(std::uint64_t level, std::uint64_t addend, std::uint64_t dimension) {
-    if (addend >= dimension)
-        die_of_addend();
+    if (addend >= dimension) die_of_addend();
     return (level + addend) % dimension;
 }
 
-/// @throws std::out_of_range "qudit index out of range" for an index at or beyond the count. The comparison
-///         is signed and one-sided: a negative index passes. That is deliberate; callers hand in none.
+/// @throws std::out_of_range "qudit index out of range" for an index at or beyond the count. The comparison is signed
+/// and one-sided: a negative index passes. That is deliberate; callers hand in none.
 inline void refuse_index(int qudit, int qudit_count) {
-    if (qudit >= qudit_count)
-        throw std::out_of_range("qudit index out of range");
+    if (qudit >= qudit_count) throw std::out_of_range("qudit index out of range");
 }
 
 /// The packing of all labels whose largest dimension is D: how wide a field is and where it stands.
@@ -60,21 +56,18 @@ struct SlotLayout {
 
     [[nodiscard]] constexpr std::uint64_t mask() const noexcept { return (std::uint64_t{1} << bits) - 1; }
 
-    /// Bit position of a qudit's field. An index out of range, a negative one too, has the last field of the
-    /// word, which is no qudit's: there every label has level 0 of one level.
+    /// Bit position of a qudit's field. An index out of range, a negative one too, has the last field of the word,
+    /// which is no qudit's: there every label has level 0 of one level.
     [[nodiscard]] constexpr unsigned position(int qudit) const noexcept {
         const auto slot = static_cast<unsigned>(qudit);
         return (slot < slots ? slot : slots - 1) * bits;
     }
 
     /// The bits of a word in which a qudit's field stands.
-    [[nodiscard]] constexpr std::uint64_t field(int qudit) const noexcept {
-        return mask() << position(qudit);
-    }
+    [[nodiscard]] constexpr std::uint64_t field(int qudit) const noexcept { return mask() << position(qudit); }
     [[nodiscard]] constexpr std::uint64_t fields(std::span<const int> qudits) const noexcept {
         std::uint64_t all = 0;
-        for (const int qudit : qudits)
-            all |= field(qudit);
+        for (const int qudit : qudits) all |= field(qudit);
         return all;
     }
     /// Those of the first `count` qudits.
@@ -109,13 +102,11 @@ public:
     [[nodiscard]] std::uint64_t dimension() const { return (*dimensions_ >> position_ & layout.mask()) + 1; }
     operator Dit() const { return {value(), dimension()}; }
 
-    /// Writes level and dimension of the slot together. Both are held against the build's D only, so a
-    /// three-level slot of a five-level build takes a level of 4; that is deliberate.
+    /// Writes level and dimension of the slot together. Both are held against the build's D only, so a three-level slot
+    /// of a five-level build takes a level of 4; that is deliberate.
     DitProxy& operator=(Dit dit) {
-        if (dit.value >= D)
-            die_of_value(dit.value, D);
-        if (dit.dimension > D)
-            die_of_dimension();
+        if (dit.value >= D) die_of_value(dit.value, D);
+        if (dit.dimension > D) die_of_dimension();
         *values_ = (*values_ & ~(layout.mask() << position_)) | dit.value << position_;
         *dimensions_ = (*dimensions_ & ~(layout.mask() << position_)) | (dit.dimension - 1) << position_;
         return *this;
@@ -133,9 +124,9 @@ private:
     std::uint64_t position_;
 };
 
-/// The packed label of a basis state of N qudits with at most D levels each. Qudit 0 has the lowest bits.
-/// Labels are ordered, and told apart, by the word of levels alone: the highest qudit is the most
-/// significant digit, and dimensions play no part.
+/// The packed label of a basis state of N qudits with at most D levels each. Qudit 0 has the lowest bits. Labels are
+/// ordered, and told apart, by the word of levels alone: the highest qudit is the most significant digit, and
+/// dimensions play no part.
 template <int D, int N> struct DitArray {
     static_assert(2 <= D && 1 <= N);
 
@@ -151,9 +142,7 @@ template <int D, int N> struct DitArray {
 
     /// Unchecked; an index that is no qudit's reaches some other field of the same label.
     DitProxy<D> operator[](int qudit) { return {values[0], dimensions[0], layout.position(qudit)}; }
-    Dit operator[](int qudit) const {
-        return {layout.level(values[0], qudit), layout.dimension(dimensions[0], qudit)};
-    }
+    Dit operator[](int qudit) const { return {layout.level(values[0], qudit), layout.dimension(dimensions[0], qudit)}; }
 
     /// The same for an index that a caller supplied. @throws what refuse_index raises
     [[nodiscard]] Dit at(int qudit) const {
@@ -168,10 +157,8 @@ template <int D, int N> struct DitArray {
     [[nodiscard]] std::vector<Dit> dits() const {
         std::vector<Dit> all;
         all.reserve(N);
-        for (int qudit = 0; qudit < N; ++qudit)
-            all.push_back((*this)[qudit]);
+        for (int qudit = 0; qudit < N; ++qudit) all.push_back((*this)[qudit]);
         return all;
     }
 };
-
 } // namespace vantel::qudit

@@ -1,16 +1,14 @@
 /// The entries of a sparse state, in the forms they take.
 #pragma once
 
+#include "state/dit_array.hpp"
 #include <complex>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-#include "state/dit_array.hpp"
-
 namespace vantel::qudit {
-
 /// One entry of a State: a basis state and its amplitude.
 template <class Label> struct BasisAmplitude {
     Label label;
@@ -23,9 +21,8 @@ struct BasisAmplitudeData {
     std::complex<double> amplitude;
 };
 
-/// The packed entry without its build in the type: the label's two words, packed as
-/// SlotLayout::of(dimension of the state) says. Merges, releases, gates and readouts work on this form; see
-/// packed_view for why it may alias.
+/// The packed entry without its build in the type: the label's two words, packed as SlotLayout::of(dimension of the
+/// state) says. Merges, releases, gates and readouts work on this form; see packed_view for why it may alias.
 struct [[gnu::may_alias]] PackedAmplitude {
     std::uint64_t values;
     std::uint64_t dimensions;
@@ -35,11 +32,10 @@ struct [[gnu::may_alias]] PackedAmplitude {
 /// A list of packed entries. It owns nothing.
 using PackedEntries = std::span<const PackedAmplitude>;
 
-/// Writes dits[i] to slot i, under the checks of DitProxy. A shorter list leaves the other slots at level
-/// 0 of dimension 1; elements beyond slot N - 1 have no place in the label, but are held to the same checks.
+/// Writes dits[i] to slot i, under the checks of DitProxy. A shorter list leaves the other slots at level 0 of
+/// dimension 1; elements beyond slot N - 1 have no place in the label, but are held to the same checks.
 template <int D, int N>
-BasisAmplitude<DitArray<D, N>> make_basis_amplitude(const std::vector<Dit>& dits,
-                                                    std::complex<double> amplitude) {
+BasisAmplitude<DitArray<D, N>> make_basis_amplitude(const std::vector<Dit>& dits, std::complex<double> amplitude) {
     BasisAmplitude<DitArray<D, N>> entry{{}, amplitude};
     DitArray<D, N> beyond;
     for (std::size_t i = 0; i < dits.size(); ++i) {
@@ -51,9 +47,9 @@ BasisAmplitude<DitArray<D, N>> make_basis_amplitude(const std::vector<Dit>& dits
     return entry;
 }
 
-/// The entries of any build as packed entries, in place. All builds lay an entry out alike and differ only
-/// in where its fields stand, which a SlotLayout says; so what works on entries is compiled once and not
-/// ninety times. PackedAmplitude is declared so that it may alias them.
+/// The entries of any build as packed entries, in place. All builds lay an entry out alike and differ only in where its
+/// fields stand, which a SlotLayout says; so what works on entries is compiled once and not ninety times.
+/// PackedAmplitude is declared so that it may alias them.
 template <class Label> std::span<PackedAmplitude> packed_view(std::vector<BasisAmplitude<Label>>& entries) {
     using Entry = BasisAmplitude<Label>;
     static_assert(sizeof(Entry) == sizeof(PackedAmplitude) && alignof(Entry) == alignof(PackedAmplitude));
@@ -80,8 +76,8 @@ public:
     /// @throws std::bad_alloc, and nothing has changed then
     virtual void resize(std::size_t size) = 0;
 
-    /// Scratch memory that the list owns, as much as `longest` entries take: good as long as the list gets no
-    /// longer than that. It stays with the list, for the gates to come. The list may move.
+    /// Scratch memory that the list owns, as much as `longest` entries take: good as long as the list gets no longer
+    /// than that. It stays with the list, for the gates to come. The list may move.
     /// @throws std::bad_alloc, and nothing has changed then
     virtual std::span<std::byte> spare_behind(std::size_t longest) = 0;
 
@@ -119,8 +115,7 @@ private:
 class EntrySource {
 public:
     /// @param distinct  whether it is known that no label stands twice
-    explicit EntrySource(std::size_t size, bool distinct = false) noexcept
-        : size_(size), distinct_(distinct) {}
+    explicit EntrySource(std::size_t size, bool distinct = false) noexcept : size_(size), distinct_(distinct) {}
     EntrySource(const EntrySource&) = delete;
     EntrySource& operator=(const EntrySource&) = delete;
 
@@ -137,5 +132,4 @@ private:
     std::size_t size_;
     bool distinct_;
 };
-
 } // namespace vantel::qudit

@@ -1,5 +1,5 @@
-/// The library's own exceptions. They pass out of those C functions that list no status code for them,
-/// so a C++ caller catches them by these declarations.
+/// The library's own exceptions. They pass out of those C functions that list no status code for them, so a C++ caller
+/// catches them by these declarations.
 #ifndef VANTEL_EXCEPTIONS_HPP
 #define VANTEL_EXCEPTIONS_HPP
 
@@ -12,7 +12,6 @@
 #endif
 
 namespace vantel::qudit {
-
 /// A dimension is not in 2 .. 10.
 class VANTEL_EXCEPTION BadDimension : public std::runtime_error {
 public:
@@ -47,7 +46,6 @@ public:
     using std::runtime_error::runtime_error;
     ~DifferentDimensions() override;
 };
-
 } // namespace vantel::qudit
 
 #endif

@@ -1,6 +1,7 @@
 /// The interface of a joint state: what the rest of the library sees of it, without its build parameters.
 #pragma once
 
+#include "state/entries.hpp"
 #include <array>
 #include <complex>
 #include <cstddef>
@@ -8,10 +9,7 @@
 #include <span>
 #include <vector>
 
-#include "state/entries.hpp"
-
 namespace vantel::qudit {
-
 /// One control condition, by qudit index. A list of them is joined by AND; an empty list always holds.
 struct Predicate {
     int qudit_index;
@@ -19,8 +17,8 @@ struct Predicate {
     bool is_equal; ///< true: the levels must be equal; false: they must differ
 };
 
-/// A gate with its arguments. It does not own its lists, since two allocations would cost more than a
-/// gate on a few entries does.
+/// A gate with its arguments. It does not own its lists, since two allocations would cost more than a gate on a few
+/// entries does.
 struct Gate {
     enum Kind {
         phase_rotate,
@@ -57,13 +55,13 @@ struct DensityMatrixEntry {
 
 /// A joint state of num_qudits() qudits: a sparse list of basis states with complex amplitudes.
 ///
-/// Results stand in first-seen order of the stored entries. Indices are trusted; one out of range reads as a
-/// qudit that has one level only, and only `probabilities` and `measure` test theirs. A state whose
-/// entries have all been dropped stays usable: it has empty tables, and its qudits report dimension 0.
+/// Results stand in first-seen order of the stored entries. Indices are trusted; one out of range reads as a qudit that
+/// has one level only, and only `probabilities` and `measure` test theirs. A state whose entries have all been dropped
+/// stays usable: it has empty tables, and its qudits report dimension 0.
 ///
-/// Every gate takes `controls`, the conditions under which it acts on an entry, and refuses a target that
-/// is also a control with TargetControlOverlap before any change. Gates with a target list act for each
-/// target in turn, a repeated one repeatedly.
+/// Every gate takes `controls`, the conditions under which it acts on an entry, and refuses a target that is also a
+/// control with TargetControlOverlap before any change. Gates with a target list act for each target in turn, a
+/// repeated one repeatedly.
 class IState {
 public:
     virtual ~IState() = default;
@@ -80,8 +78,7 @@ public:
     /// @throws std::out_of_range "qudit index out of range" for an index at or beyond num_qudits()
     [[nodiscard]] virtual std::vector<QuditsProbability> probabilities(std::vector<int> qudits) const = 0;
     /// The elements of the reduced density matrix of the listed qudits that some pair of entries reaches.
-    [[nodiscard]] virtual std::vector<DensityMatrixEntry>
-    reduced_density_matrix(std::vector<int> qudits) const = 0;
+    [[nodiscard]] virtual std::vector<DensityMatrixEntry> reduced_density_matrix(std::vector<int> qudits) const = 0;
     /// Draws one joint outcome of the listed qudits, projects onto it and renormalises.
     /// @return the drawn levels, in list order; zeros from an empty state
     /// @throws as `probabilities`, and what the system's random source raises; the state stands then
@@ -135,8 +132,8 @@ public:
         act({Gate::i_swap, fraction, targets, controls});
     }
 
-    // Behind those operations, whose order is fixed, stand the doors that the layers above use: lists by
-    // value and an allocation for the levels of each entry would cost more than all the rest.
+    // Behind those operations, whose order is fixed, stand the doors that the layers above use: lists by value and an
+    // allocation for the levels of each entry would cost more than all the rest.
 
     /// The gates above as one operation, which they all go through.
     virtual void act(const Gate& gate) = 0;
@@ -149,5 +146,4 @@ protected:
     IState(const IState&) = default;
     IState& operator=(const IState&) = default;
 };
-
 } // namespace vantel::qudit

@@ -1,21 +1,17 @@
 #include "state/label_groups.hpp"
-
+#include "algorithms/gathered_bits.hpp"
+#include "algorithms/radix_sort.hpp"
 #include <algorithm>
 #include <bit>
 #include <numeric>
 
-#include "algorithms/gathered_bits.hpp"
-#include "algorithms/radix_sort.hpp"
-
 namespace vantel::qudit {
-
 LabelGroups::LabelGroups(PackedEntries entries, std::uint64_t fields, Scratch& scratch)
     : size_(entries.size()), keys_(scratch.take<std::uint64_t>(entries.size())),
       members_(scratch.take<std::uint32_t>(entries.size())) {
     const GatheredBits key_of(fields);
     std::uint64_t some = 0;
-    for (const PackedAmplitude& entry : entries)
-        some |= entry.values;
+    for (const PackedAmplitude& entry : entries) some |= entry.values;
     const auto position_bits = static_cast<unsigned>(std::bit_width(size_));
     // Levels and position together are one word, unless both are extreme.
     if (static_cast<unsigned>(std::bit_width(key_of(some))) + position_bits > 64) {
@@ -26,8 +22,7 @@ LabelGroups::LabelGroups(PackedEntries entries, std::uint64_t fields, Scratch& s
         std::transform(members_, members_ + size_, keys_, key_at);
         return;
     }
-    for (std::size_t i = 0; i < size_; ++i)
-        keys_[i] = key_of(entries[i].values) << position_bits | i;
+    for (std::size_t i = 0; i < size_; ++i) keys_[i] = key_of(entries[i].values) << position_bits | i;
     radix_sort({keys_, size_}, {scratch.take<std::uint64_t>(size_), size_}, position_bits);
     const std::uint64_t position = (std::uint64_t{1} << position_bits) - 1;
     for (std::size_t i = 0; i < size_; ++i) {
@@ -35,5 +30,4 @@ LabelGroups::LabelGroups(PackedEntries entries, std::uint64_t fields, Scratch& s
         keys_[i] >>= position_bits;
     }
 }
-
 } // namespace vantel::qudit

@@ -1,22 +1,16 @@
 #include "state/position_table.hpp"
-
-#include <algorithm>
-
 #include "algorithms/crossovers.hpp"
 #include "algorithms/wide_loop.hpp"
+#include <algorithm>
 
 namespace vantel::qudit {
-
 namespace {
-
-std::vector<std::uint64_t> dimensions_of(const PackedAmplitude& entry, SlotLayout layout,
-                                         std::span<const int> qudits) {
+std::vector<std::uint64_t> dimensions_of(const PackedAmplitude& entry, SlotLayout layout, std::span<const int> qudits) {
     std::vector<std::uint64_t> dimensions(qudits.size());
     std::transform(qudits.begin(), qudits.end(), dimensions.begin(),
                    [&](int qudit) { return layout.dimension(entry.dimensions, qudit); });
     return dimensions;
 }
-
 } // namespace
 
 PositionTable::PositionTable(const PackedAmplitude& any, SlotLayout layout, std::span<const int> qudits,
@@ -30,7 +24,7 @@ bool PositionTable::is_close() const noexcept {
 bool PositionTable::fill(PackedEntries entries, Scratch& scratch) {
     positions_ = {scratch.take<std::uint32_t>(rank_.size()), rank_.size()};
     return rank_.cheapest([entries, positions = positions_](auto rank) {
-        return wide_loop([=]() __attribute__((always_inline)) {
+        return wide_loop([=]() VANTEL_INLINED {
             std::fill(positions.begin(), positions.end(), 0);
             std::uint32_t position = 0;
             for (const PackedAmplitude& entry : entries) {
@@ -43,5 +37,4 @@ bool PositionTable::fill(PackedEntries entries, Scratch& scratch) {
         });
     });
 }
-
 } // namespace vantel::qudit

@@ -1,32 +1,28 @@
 /// Where each label of a list stands, by its rank among all combinations of levels.
 #pragma once
 
+#include "algorithms/scratch.hpp"
+#include "state/entries.hpp"
+#include "state/level_rank.hpp"
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-#include "algorithms/scratch.hpp"
-#include "state/entries.hpp"
-#include "state/level_rank.hpp"
-
 namespace vantel::qudit {
-
 class PositionTable {
 public:
     /// @param any     an entry of the list, all of which have the same dimensions
     /// @param qudits  those whose levels tell the labels apart, that which varies fastest in the table first
     /// @param size    of the list
     /// @throws std::bad_alloc
-    PositionTable(const PackedAmplitude& any, SlotLayout layout, std::span<const int> qudits,
-                  std::size_t size);
+    PositionTable(const PackedAmplitude& any, SlotLayout layout, std::span<const int> qudits, std::size_t size);
 
     /// Whether the table has not many more places than there are entries, and a place fits 32 bits.
     [[nodiscard]] bool is_close() const noexcept;
 
     /// Notes the positions of a list for which is_close().
-    /// @return false where a label is repeated, or a level stands beyond its dimension: there is no table
-    /// then
+    /// @return false where a label is repeated, or a level stands beyond its dimension: there is no table then
     /// @throws std::bad_alloc
     bool fill(PackedEntries entries, Scratch& scratch);
 
@@ -43,5 +39,4 @@ private:
     LevelRank rank_;
     std::span<std::uint32_t> positions_;
 };
-
 } // namespace vantel::qudit

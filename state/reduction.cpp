@@ -1,29 +1,22 @@
 /// The step that keeps a list sparse.
 #include "state/reduction.hpp"
-
+#include "algorithms/crossovers.hpp"
+#include "algorithms/radix_sort.hpp"
+#include "algorithms/two_ended_partition.hpp"
 #include <algorithm>
 #include <cstddef>
 #include <new>
 #include <vector>
 
-#include "algorithms/crossovers.hpp"
-#include "algorithms/radix_sort.hpp"
-#include "algorithms/two_ended_partition.hpp"
-
 namespace vantel::qudit {
-
 namespace {
-
-bool by_key(const PackedAmplitude& left, const PackedAmplitude& right) {
-    return left.values < right.values;
-}
+bool by_key(const PackedAmplitude& left, const PackedAmplitude& right) { return left.values < right.values; }
 
 void insertion_sort(std::span<PackedAmplitude> list) noexcept {
     for (std::size_t i = 1; i < list.size(); ++i) {
         const PackedAmplitude entry = list[i];
         std::size_t place = i;
-        for (; place > 0 && entry.values < list[place - 1].values; --place)
-            list[place] = list[place - 1];
+        for (; place > 0 && entry.values < list[place - 1].values; --place) list[place] = list[place - 1];
         list[place] = entry;
     }
 }
@@ -32,21 +25,18 @@ void insertion_sort(std::span<PackedAmplitude> list) noexcept {
 void radix_sort_entries(std::span<PackedAmplitude> list, unsigned index_bits) {
     std::vector<std::uint64_t> items(2 * list.size());
     const std::span<std::uint64_t> order(items.data(), list.size());
-    for (std::size_t i = 0; i < list.size(); ++i)
-        order[i] = list[i].values << index_bits | i;
+    for (std::size_t i = 0; i < list.size(); ++i) order[i] = list[i].values << index_bits | i;
     radix_sort(order, {items.data() + list.size(), list.size()}, index_bits);
     std::vector<PackedAmplitude> sorted;
     sorted.reserve(list.size());
-    for (const std::uint64_t item : order)
-        sorted.push_back(list[item & ((std::uint64_t{1} << index_bits) - 1)]);
+    for (const std::uint64_t item : order) sorted.push_back(list[item & ((std::uint64_t{1} << index_bits) - 1)]);
     std::copy(sorted.begin(), sorted.end(), list.begin());
 }
 
 /// Stable, so that the sums of the merge have one settled order.
 void sort_by_key(std::span<PackedAmplitude> list) noexcept {
     constexpr unsigned index_bits = 24; // a key has at most 40 bits
-    if (list.size() <= crossover::items_inserted)
-        return insertion_sort(list);
+    if (list.size() <= crossover::items_inserted) return insertion_sort(list);
     try {
         if (list.size() >= crossover::items_for_radix && list.size() < std::size_t{1} << index_bits)
             return radix_sort_entries(list, index_bits);
@@ -59,13 +49,11 @@ void sort_by_key(std::span<PackedAmplitude> list) noexcept {
 /// Sums each run of equal labels forward into its last entry and leaves zeros before it.
 void merge_runs(std::span<PackedAmplitude> list) noexcept {
     for (std::size_t i = 0; i + 1 < list.size(); ++i) {
-        if (list[i].values != list[i + 1].values)
-            continue;
+        if (list[i].values != list[i + 1].values) continue;
         store(parts_of(list[i].amplitude) + parts_of(list[i + 1].amplitude), list[i + 1].amplitude);
         store(Parts{}, list[i].amplitude);
     }
 }
-
 } // namespace
 
 std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept {
@@ -75,5 +63,4 @@ std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept {
                                    return exceeds_threshold(parts_of(entry.amplitude));
                                }));
 }
-
 } // namespace vantel::qudit

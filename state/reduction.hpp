@@ -1,23 +1,20 @@
 /// Sort, merge, drop; and the order that this leaves, for whoever knows the sums without it.
 #pragma once
 
+#include "algorithms/lanes.hpp"
+#include "state/entries.hpp"
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 
-#include "algorithms/lanes.hpp"
-#include "state/entries.hpp"
-
 namespace vantel::qudit {
-
 /// 2^-23, compared in double.
 inline constexpr double DROP_THRESHOLD = 1.1920928955078125e-07;
 
-/// Whether an entry stays in a reduced list: whether |real part| or |imaginary part| is above the
-/// threshold. The parts are tested one by one, a box around zero and not a circle; a NaN part does not
-/// exceed.
+/// Whether an entry stays in a reduced list: whether |real part| or |imaginary part| is above the threshold. The parts
+/// are tested one by one, a box around zero and not a circle; a NaN part does not exceed.
 inline bool exceeds_threshold(Parts amplitude) noexcept {
     return std::abs(amplitude[0]) > DROP_THRESHOLD || std::abs(amplitude[1]) > DROP_THRESHOLD;
 }
@@ -33,17 +30,17 @@ template <class Vectors>
     return reinterpret_cast<Mask>(exceed) | reinterpret_cast<Mask>(exchanged(exceed));
 }
 
-/// Makes a list sparse again: sorts it by label, sums the amplitudes of equal labels in the order in which
-/// they stood, and drops each sum that does not exceed the threshold. The drop fills each hole with the kept
-/// entry nearest the tail, so the list is not sorted afterwards; that is deliberate, as the stored order
-/// decides the order of every result.
+/// Makes a list sparse again: sorts it by label, sums the amplitudes of equal labels in the order in which they stood,
+/// and drops each sum that does not exceed the threshold. The drop fills each hole with the kept entry nearest the
+/// tail, so the list is not sorted afterwards; that is deliberate, as the stored order decides the order of every
+/// result.
 /// @return how many entries stay, at the front of the list; what lies behind them is to be erased
 std::size_t reduce_entries(std::span<PackedAmplitude> list) noexcept;
 
-/// Writes what reduce_entries leaves of a list, order included, from the list's sums alone. In the sorted
-/// list a run of equal labels ends with its sum and is a hole before it. The drop lets each kept sum stand
-/// that has its place among the first of the list, as many as there are kept sums; the others fill the
-/// holes between, the last of them the first hole.
+/// Writes what reduce_entries leaves of a list, order included, from the list's sums alone. In the sorted list a run of
+/// equal labels ends with its sum and is a hole before it. The drop lets each kept sum stand that has its place among
+/// the first of the list, as many as there are kept sums; the others fill the holes between, the last of them the first
+/// hole.
 class ReducedOrder {
 public:
     /// @param list        as many entries as sums that exceed the threshold will be added
@@ -69,8 +66,8 @@ public:
         length_ += run;
         std::size_t place = length_ - 1;
         if (place < size_) {
-            // No branch depends on how many labels a sum is of, as long as they are one or two and nothing
-            // was dropped before them: what is no hole is overwritten by the next.
+            // No branch depends on how many labels a sum is of, as long as they are one or two and nothing was dropped
+            // before them: what is no hole is overwritten by the next.
             if (covered_ == first && run <= 2) {
                 holes_[hole_count_] = static_cast<std::uint32_t>(first);
                 hole_count_ += run - 1;
@@ -90,8 +87,7 @@ public:
 
 private:
     void note_holes_before(std::size_t end) noexcept {
-        for (; covered_ < end; ++covered_)
-            holes_[hole_count_++] = static_cast<std::uint32_t>(covered_);
+        for (; covered_ < end; ++covered_) holes_[hole_count_++] = static_cast<std::uint32_t>(covered_);
     }
 
     PackedAmplitude* list_;
@@ -103,8 +99,8 @@ private:
     std::size_t length_ = 0;  ///< of the sorted list up to now
 };
 
-/// The places that ReducedOrder gives where every sum is of `run` labels and none is dropped: from any sum
-/// on, and without a list of holes.
+/// The places that ReducedOrder gives where every sum is of `run` labels and none is dropped: from any sum on, and
+/// without a list of holes.
 class UniformOrder {
 public:
     UniformOrder() = default;
@@ -113,8 +109,7 @@ public:
         staying_ = at_home - std::min(first, at_home);
         place_ = std::min(first, at_home) * run + run - 1;
         holes_left_ = sums % run;
-        if (first <= at_home)
-            return;
+        if (first <= at_home) return;
         // Backwards through the holes: the tail that is no whole run, and then one run before another.
         std::size_t passed = first - at_home;
         if (passed >= holes_left_) {
@@ -129,8 +124,7 @@ public:
     /// Calls `use(i, place)` for the next `count` sums, ascending by label.
     template <class Use> [[gnu::always_inline]] void take(std::size_t count, Use use) noexcept {
         std::size_t i = 0;
-        for (const std::size_t staying = std::min(count, staying_); i < staying; ++i, place_ += run_)
-            use(i, place_);
+        for (const std::size_t staying = std::min(count, staying_); i < staying; ++i, place_ += run_) use(i, place_);
         staying_ -= i;
         for (; i < count; ++i) {
             while (holes_left_ == 0) {
@@ -148,5 +142,4 @@ private:
     std::size_t place_;      ///< where the present run ends
     std::size_t holes_left_; ///< of the present run
 };
-
 } // namespace vantel::qudit

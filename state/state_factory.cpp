@@ -1,22 +1,16 @@
 #include "state/state_factory.hpp"
-
+#include "state/state.hpp"
 #include <algorithm>
 #include <stdexcept>
 #include <string>
 
-#include "state/state.hpp"
-
 namespace vantel::qudit {
-
 namespace {
-
 using Factory = StateFactory<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>;
 
 /// The size is tested before the shape, so a list that is too long is reported as such in either case.
-template <class Entries>
-std::unique_ptr<IState> make_checked(Factory::BasisConfig config, const Entries& entries) {
-    if (entries.size() > MAX_STATE_ENTRIES)
-        throw StateSizeExceeded("State size exceeded maximum allowed size");
+template <class Entries> std::unique_ptr<IState> make_checked(Factory::BasisConfig config, const Entries& entries) {
+    if (entries.size() > MAX_STATE_ENTRIES) throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
     return std::unique_ptr<IState>(Factory::make<MIN_QUDIT_DIMENSION, 1, const Entries&>(config, entries));
 }
@@ -38,8 +32,7 @@ public:
             return ((word & ~(freed << to)) | (word >> from & freed) << to) & rest;
         };
         std::transform(former_.begin(), former_.end(), list.begin(), [&](const PackedAmplitude& entry) {
-            return PackedAmplitude{without_qudit(entry.values), without_qudit(entry.dimensions),
-                                   entry.amplitude};
+            return PackedAmplitude{without_qudit(entry.values), without_qudit(entry.dimensions), entry.amplitude};
         });
     }
 
@@ -49,48 +42,38 @@ private:
     int index_;
     int last_;
 };
-
 } // namespace
 
-template <int MAX_DIMENSION, int MAX_NUM>
-template <int D, int N, class Entries>
+template <int MAX_DIMENSION, int MAX_NUM> template <int D, int N, class Entries>
 IState* StateFactory<MAX_DIMENSION, MAX_NUM>::make(BasisConfig config, Entries entries) {
     if constexpr (D < MAX_DIMENSION)
-        if (config.dim > D)
-            return make<D + 1, N, Entries>(config, std::forward<Entries>(entries));
+        if (config.dim > D) return make<D + 1, N, Entries>(config, std::forward<Entries>(entries));
     if constexpr (N < MAX_NUM)
-        if (config.num_qudits > N)
-            return make<D, N + 1, Entries>(config, std::forward<Entries>(entries));
+        if (config.num_qudits > N) return make<D, N + 1, Entries>(config, std::forward<Entries>(entries));
     return new State<DitArray<D, N>>(entries);
 }
 
-template <int MAX_DIMENSION, int MAX_NUM>
-void StateFactory<MAX_DIMENSION, MAX_NUM>::refuse(BasisConfig config) {
-    if (config.dim < MIN_QUDIT_DIMENSION)
-        throw BadDimension("dim must be >= 2");
+template <int MAX_DIMENSION, int MAX_NUM> void StateFactory<MAX_DIMENSION, MAX_NUM>::refuse(BasisConfig config) {
+    if (config.dim < MIN_QUDIT_DIMENSION) throw BadDimension("dim must be >= 2");
     if (config.dim > MAX_DIMENSION)
         throw BadDimension("dim must be <= MAX_QUDIT_DIMENSION: " + std::to_string(MAX_DIMENSION));
-    if (config.num_qudits == 0)
-        throw std::invalid_argument("num_qudits must be >= 1");
+    if (config.num_qudits == 0) throw std::invalid_argument("num_qudits must be >= 1");
     throw BadQuditNumber("num_qudits must be <= MAX_QUDIT_NUM: " + std::to_string(MAX_NUM));
 }
 
-template <int MAX_DIMENSION, int MAX_NUM>
-std::unique_ptr<IState>
+template <int MAX_DIMENSION, int MAX_NUM> std::unique_ptr<IState>
 StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
                                                         const std::vector<BasisAmplitudeData>& entries) {
     return make_checked(config, entries);
 }
 
-template <int MAX_DIMENSION, int MAX_NUM>
-std::unique_ptr<IState> StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config,
-                                                                                const EntrySource& entries) {
+template <int MAX_DIMENSION, int MAX_NUM> std::unique_ptr<IState>
+StateFactory<MAX_DIMENSION, MAX_NUM>::make_unique_state(BasisConfig config, const EntrySource& entries) {
     return make_checked(config, entries);
 }
 
 template <int MAX_DIMENSION, int MAX_NUM>
-std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique_ptr<IState>& state,
-                                                                     int index) {
+std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique_ptr<IState>& state, int index) {
     const int last = static_cast<int>(state->num_qudits()) - 1;
     const WithoutQudit rest(*state, index, last);
     state = make_unique_state({state->dimension(), static_cast<std::uint64_t>(last)}, rest);
@@ -99,5 +82,4 @@ std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique
 
 template class StateFactory<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>;
 template IState* Factory::make<MIN_QUDIT_DIMENSION, 1>(BasisConfig, std::vector<BasisAmplitudeData>);
-
 } // namespace vantel::qudit

@@ -1,18 +1,16 @@
 /// What the labels of a list have in common.
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "algorithms/lanes.hpp"
 #include "algorithms/wide_loop.hpp"
 #include "state/entries.hpp"
 #include "state/limits.hpp"
+#include <cstdint>
+#include <vector>
 
 namespace vantel::qudit {
-
-/// A qudit that is left in one level, by a measurement or because no gate has acted on it yet, tells no two
-/// labels apart. What finds labels by their rank leaves such qudits out.
+/// A qudit that is left in one level, by a measurement or because no gate has acted on it yet, tells no two labels
+/// apart. What finds labels by their rank leaves such qudits out.
 struct Survey {
     std::uint64_t some; ///< the bits that are set in the levels of some entry
     std::uint64_t all;  ///< those that are set in all
@@ -20,7 +18,7 @@ struct Survey {
 
     /// @param entries  at least one
     explicit Survey(PackedEntries entries) {
-        const auto labels = wide_loop([entries]() __attribute__((always_inline)) {
+        const auto labels = wide_loop([entries]() VANTEL_INLINED {
             const auto label = [](const PackedAmplitude& entry) {
                 return *reinterpret_cast<const StoredWords*>(&entry);
             };
@@ -48,10 +46,8 @@ struct Survey {
     [[nodiscard]] std::vector<int> varying_qudits(SlotLayout layout, std::uint64_t but) const {
         std::vector<int> qudits;
         for (int qudit = 0; qudit < MAX_QUDIT_NUM; ++qudit)
-            if (((some ^ all) & ~but & layout.field(qudit)) != 0)
-                qudits.push_back(qudit);
+            if (((some ^ all) & ~but & layout.field(qudit)) != 0) qudits.push_back(qudit);
         return qudits;
     }
 };
-
 } // namespace vantel::qudit

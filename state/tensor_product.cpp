@@ -1,22 +1,18 @@
+#include "state/distinct_labels.hpp"
+#include "state/state_factory.hpp"
 #include <algorithm>
 #include <complex>
 #include <cstdint>
 #include <memory>
 #include <span>
 
-#include "state/distinct_labels.hpp"
-#include "state/state_factory.hpp"
-
 namespace vantel::qudit {
-
 namespace {
-
-/// Moves the fields of a packed word of `count` slots to their places in another packing, starting at slot
-/// `offset` there.
+/// Moves the fields of a packed word of `count` slots to their places in another packing, starting at slot `offset`
+/// there.
 std::uint64_t repacked(std::uint64_t word, SlotLayout from, SlotLayout to, int count, int offset) {
     unsigned place = static_cast<unsigned>(offset) * to.bits;
-    if (from.bits == to.bits)
-        return word << place;
+    if (from.bits == to.bits) return word << place;
     std::uint64_t wide = 0;
     for (int slot = 0; slot < count; ++slot, word >>= from.bits, place += to.bits)
         wide |= (word & from.mask()) << place;
@@ -44,10 +40,8 @@ private:
 
 bool is_distinct(const IState& state) {
     const PackedEntries entries = state.packed_amplitudes();
-    if (entries.size() < 2)
-        return true;
-    const unsigned key_bits =
-        SlotLayout::of(state.dimension()).bits * static_cast<unsigned>(state.num_qudits());
+    if (entries.size() < 2) return true;
+    const unsigned key_bits = SlotLayout::of(state.dimension()).bits * static_cast<unsigned>(state.num_qudits());
     return has_distinct_labels(entries, key_bits);
 }
 
@@ -56,12 +50,11 @@ class Products final : public EntrySource {
 public:
     /// Products of distinct labels are distinct, and the factors are shorter lists to look through.
     Products(const IState& a, const IState& b, std::uint64_t dimension, std::size_t size)
-        : EntrySource(size, is_distinct(a) && is_distinct(b)), a_(a.packed_amplitudes()),
-          b_(b.packed_amplitudes()), front_(a, dimension, 0), behind_(b, dimension, a.num_qudits()) {}
+        : EntrySource(size, is_distinct(a) && is_distinct(b)), a_(a.packed_amplitudes()), b_(b.packed_amplitudes()),
+          front_(a, dimension, 0), behind_(b, dimension, a.num_qudits()) {}
 
     void write(std::span<PackedAmplitude> list) const noexcept override {
-        if (list.empty())
-            return;
+        if (list.empty()) return;
         // The second's entries wait, packed, where their products with the last of the first's will stand.
         const std::span<PackedAmplitude> waiting = list.last(b_.size());
         std::transform(b_.begin(), b_.end(), waiting.begin(), behind_);
@@ -79,23 +72,18 @@ private:
     Repacking front_;
     Repacking behind_;
 };
-
 } // namespace
 
-template <int MAX_DIMENSION, int MAX_NUM>
-std::unique_ptr<IState> tensor_product(const IState& a, const IState& b) {
+template <int MAX_DIMENSION, int MAX_NUM> std::unique_ptr<IState> tensor_product(const IState& a, const IState& b) {
     using Factory = StateFactory<MAX_DIMENSION, MAX_NUM>;
     const typename Factory::BasisConfig config{a.dimension() > b.dimension() ? a.dimension() : b.dimension(),
                                                a.num_qudits() + b.num_qudits()};
     // The factory tests both limits too, in this order, but only once the factors have been looked through.
     const std::size_t size = a.packed_amplitudes().size() * b.packed_amplitudes().size();
-    if (size > MAX_STATE_ENTRIES)
-        throw StateSizeExceeded("State size exceeded maximum allowed size");
+    if (size > MAX_STATE_ENTRIES) throw StateSizeExceeded("State size exceeded maximum allowed size");
     Factory::check_config(config);
     return Factory::make_unique_state(config, Products(a, b, config.dim, size));
 }
 
-template std::unique_ptr<IState> tensor_product<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>(const IState& a,
-                                                                                    const IState& b);
-
+template std::unique_ptr<IState> tensor_product<MAX_QUDIT_DIMENSION, MAX_QUDIT_NUM>(const IState& a, const IState& b);
 } // namespace vantel::qudit

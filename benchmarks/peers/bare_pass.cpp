@@ -1,12 +1,9 @@
 /// One pass for each gate over entries of 32 bytes, in which every word is read, changed and written.
+#include "contender.hpp"
 #include <cstdint>
 
-#include "contender.hpp"
-
 namespace peers {
-
 namespace {
-
 struct Entry {
     std::uint64_t values, dimensions;
     double re, im;
@@ -30,18 +27,12 @@ public:
         }
     }
 
-    [[nodiscard]] std::vector<Amplitude> amplitudes() const override {
-        throw std::logic_error("a pass has no result");
-    }
+    [[nodiscard]] std::vector<Amplitude> amplitudes() const override { throw std::logic_error("a pass has no result"); }
 
 private:
     std::vector<Entry> list_;
 };
-
 } // namespace
 
-std::unique_ptr<Contender> bare_pass(const Register& of) {
-    return std::make_unique<BarePass>(of);
-}
-
+std::unique_ptr<Contender> bare_pass(const Register& of) { return std::make_unique<BarePass>(of); }
 } // namespace peers

@@ -1,18 +1,14 @@
-/// What somebody would write: real and imaginary parts of all amplitudes in a list each, and plain loops over
-/// them for the compiler to make vectors of.
+/// What somebody would write: real and imaginary parts of all amplitudes in a list each, and plain loops over them for
+/// the compiler to make vectors of.
+#include "stretches.hpp"
 #include <algorithm>
 
-#include "stretches.hpp"
-
 namespace peers {
-
 namespace {
-
 class ByHand final : public Contender {
 public:
     explicit ByHand(const Register& of) : of_(of), re_(of.size()), im_(of.size()) {
-        for (std::size_t i = 0; i <= of.qudits; ++i)
-            strides_.push_back(of.stride(i));
+        for (std::size_t i = 0; i <= of.qudits; ++i) strides_.push_back(of.stride(i));
     }
 
     void load(const std::vector<Amplitude>& amplitudes) override {
@@ -24,8 +20,7 @@ public:
 
     [[nodiscard]] std::vector<Amplitude> amplitudes() const override {
         std::vector<Amplitude> all;
-        for (std::size_t i = 0; i < re_.size(); ++i)
-            all.emplace_back(re_[i], im_[i]);
+        for (std::size_t i = 0; i < re_.size(); ++i) all.emplace_back(re_[i], im_[i]);
         return all;
     }
 
@@ -41,34 +36,25 @@ public:
             re_[0] = 1;
             return;
         case Act::fourier:
-        case Act::inverse_fourier:
-            return with_dimension(of_.dimension, [&](auto d) { fourier<d>(step); });
-        case Act::cycle:
-            return cycle(step);
-        case Act::clock:
-            return clock(step, step.qudits[0], step.amount);
+        case Act::inverse_fourier: return with_dimension(of_.dimension, [&](auto d) { fourier<d>(step); });
+        case Act::cycle: return cycle(step);
+        case Act::clock: return clock(step, step.qudits[0], step.amount);
         case Act::phase:
             return walk(step, [&](std::size_t at, std::size_t run) {
                 turn(at, run, std::polar(1.0, static_cast<double>(step.amount)));
             });
-        case Act::swap:
-            return swap(step);
-        case Act::sum:
-            return sum(step);
-        case Act::transform:
-            return transform();
+        case Act::swap: return swap(step);
+        case Act::sum: return sum(step);
+        case Act::transform: return transform();
         case Act::probabilities:
             reads_matrix_ = false;
             probabilities_.resize(re_.size());
             for (std::size_t i = 0; i < re_.size(); ++i)
                 probabilities_[i] = static_cast<float>(re_[i] * re_[i] + im_[i] * im_[i]);
             return;
-        case Act::matrix:
-            return matrix(step);
-        case Act::pair:
-            return pair_by_hand();
-        case Act::i_swap:
-            break;
+        case Act::matrix: return matrix(step);
+        case Act::pair: return pair_by_hand();
+        case Act::i_swap: break;
         }
         throw std::logic_error("is not written by hand");
     }
@@ -127,8 +113,7 @@ private:
             turns.push_back(std::polar(1.0, 2 * 3.141592653589793 / static_cast<double>(of_.dimension) *
                                                 static_cast<double>(static_cast<float>(v) * fraction)));
         walk(step, [&](std::size_t at, std::size_t run) {
-            for (std::size_t v = 1; v < of_.dimension; ++v)
-                turn(at + v * strides_[qudit], run, turns[v]);
+            for (std::size_t v = 1; v < of_.dimension; ++v) turn(at + v * strides_[qudit], run, turns[v]);
         });
     }
 
@@ -139,8 +124,7 @@ private:
     }
 
     void raise(std::size_t at, std::size_t run, std::size_t stride) {
-        for (std::size_t v = of_.dimension - 1; v > 0; --v)
-            exchange(at + v * stride, at + (v - 1) * stride, run);
+        for (std::size_t v = of_.dimension - 1; v > 0; --v) exchange(at + v * stride, at + (v - 1) * stride, run);
     }
 
     void cycle(const Step& step) {
@@ -151,8 +135,7 @@ private:
         const std::size_t a = strides_[step.qudits[0]], b = strides_[step.qudits[1]];
         walk(step, [&](std::size_t at, std::size_t run) {
             for (std::size_t v = 0; v < of_.dimension; ++v)
-                for (std::size_t w = 0; w < v; ++w)
-                    exchange(at + v * a + w * b, at + w * a + v * b, run);
+                for (std::size_t w = 0; w < v; ++w) exchange(at + v * a + w * b, at + w * a + v * b, run);
         });
     }
 
@@ -166,8 +149,7 @@ private:
                     double* const from = part->data() + at + c * control;
                     for (std::size_t t = 0; t < d; ++t)
                         std::copy_n(from + t * target, run, row.data() + (t + c) % d * run);
-                    for (std::size_t t = 0; t < d; ++t)
-                        std::copy_n(row.data() + t * run, run, from + t * target);
+                    for (std::size_t t = 0; t < d; ++t) std::copy_n(row.data() + t * run, run, from + t * target);
                 }
         });
     }
@@ -183,11 +165,9 @@ private:
             const std::size_t below = strides_[j], each = all / strides_[j + 1];
             for (std::size_t at = 0; at < all; at += strides_[j + 1])
                 for (std::size_t v = 1; v < of_.dimension; ++v)
-                    for (std::size_t x = 0; x < below; ++x)
-                        turn(at + v * below + x, 1, roots_[x * v * each]);
+                    for (std::size_t x = 0; x < below; ++x) turn(at + v * below + x, 1, roots_[x * v * each]);
         }
-        for (std::size_t i = 0; i < n / 2; ++i)
-            apply({Act::swap, {i, n - 1 - i}, 0, {}});
+        for (std::size_t i = 0; i < n / 2; ++i) apply({Act::swap, {i, n - 1 - i}, 0, {}});
     }
 
     void matrix(const Step& step) {
@@ -196,8 +176,7 @@ private:
         for (const std::size_t qudit : step.qudits) {
             std::vector<std::size_t> more;
             for (std::size_t v = 0; v < of_.dimension; ++v)
-                for (const std::size_t place : places)
-                    more.push_back(place + v * strides_[qudit]);
+                for (const std::size_t place : places) more.push_back(place + v * strides_[qudit]);
             places = more;
             side *= of_.dimension;
         }
@@ -219,8 +198,7 @@ private:
                 }
         });
         for (std::size_t r = 0; r < side; ++r)
-            for (std::size_t c = r + 1; c < side; ++c)
-                matrix_[r * side + c] = std::conj(matrix_[c * side + r]);
+            for (std::size_t c = r + 1; c < side; ++c) matrix_[r * side + c] = std::conj(matrix_[c * side + r]);
     }
 
     Register of_;
@@ -231,11 +209,7 @@ private:
     bool reads_matrix_ = false;
     std::vector<Amplitude> roots_; ///< of 1, for the transform of the whole register
 };
-
 } // namespace
 
-std::unique_ptr<Contender> by_hand(const Register& of) {
-    return std::make_unique<ByHand>(of);
-}
-
+std::unique_ptr<Contender> by_hand(const Register& of) { return std::make_unique<ByHand>(of); }
 } // namespace peers

@@ -11,7 +11,6 @@
 #include <vector>
 
 namespace peers {
-
 using Amplitude = std::complex<double>;
 
 enum class Act {
@@ -44,8 +43,7 @@ struct Register {
 
     [[nodiscard]] std::size_t stride(std::size_t qudit) const {
         std::size_t stride = 1;
-        for (std::size_t i = 0; i < qudit; ++i)
-            stride *= dimension;
+        for (std::size_t i = 0; i < qudit; ++i) stride *= dimension;
         return stride;
     }
     [[nodiscard]] std::size_t size() const { return stride(qudits); }
@@ -84,26 +82,16 @@ void pair_by_hand();
 /// Calls with a dimension that the compiler knows, 2 to 10.
 template <class Call> void with_dimension(std::size_t dimension, Call call) {
     switch (dimension) {
-    case 2:
-        return call(std::integral_constant<std::size_t, 2>());
-    case 3:
-        return call(std::integral_constant<std::size_t, 3>());
-    case 4:
-        return call(std::integral_constant<std::size_t, 4>());
-    case 5:
-        return call(std::integral_constant<std::size_t, 5>());
-    case 6:
-        return call(std::integral_constant<std::size_t, 6>());
-    case 7:
-        return call(std::integral_constant<std::size_t, 7>());
-    case 8:
-        return call(std::integral_constant<std::size_t, 8>());
-    case 9:
-        return call(std::integral_constant<std::size_t, 9>());
-    case 10:
-        return call(std::integral_constant<std::size_t, 10>());
-    default:
-        throw std::invalid_argument("a dimension that no qudit has");
+    case 2: return call(std::integral_constant<std::size_t, 2>());
+    case 3: return call(std::integral_constant<std::size_t, 3>());
+    case 4: return call(std::integral_constant<std::size_t, 4>());
+    case 5: return call(std::integral_constant<std::size_t, 5>());
+    case 6: return call(std::integral_constant<std::size_t, 6>());
+    case 7: return call(std::integral_constant<std::size_t, 7>());
+    case 8: return call(std::integral_constant<std::size_t, 8>());
+    case 9: return call(std::integral_constant<std::size_t, 9>());
+    case 10: return call(std::integral_constant<std::size_t, 10>());
+    default: throw std::invalid_argument("a dimension that no qudit has");
     }
 }
 
@@ -113,5 +101,4 @@ inline Amplitude fourier_factor(std::size_t dimension, std::size_t k, std::size_
     return std::polar(1 / std::sqrt(static_cast<double>(dimension)),
                       (inverse ? turn : -turn) / static_cast<double>(dimension));
 }
-
 } // namespace peers

@@ -1,12 +1,10 @@
 /// The contenders that are C++, for the Python program that holds them beside NumPy in one process.
+#include "contender.hpp"
 #include <pybind11/complex.h>
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
 
-#include "contender.hpp"
-
 namespace {
-
 namespace py = pybind11;
 using peers::Act;
 using peers::Amplitude;
@@ -16,9 +14,7 @@ using peers::Step;
 
 using Array = py::array_t<Amplitude, py::array::c_style | py::array::forcecast>;
 
-Array array(const std::vector<Amplitude>& list) {
-    return Array(static_cast<py::ssize_t>(list.size()), list.data());
-}
+Array array(const std::vector<Amplitude>& list) { return Array(static_cast<py::ssize_t>(list.size()), list.data()); }
 
 const std::pair<const char*, Act> acts[] = {{"anew", Act::anew},
                                             {"fourier", Act::fourier},
@@ -36,10 +32,8 @@ const std::pair<const char*, Act> acts[] = {{"anew", Act::anew},
 
 void run(Contender& contender, const std::vector<Step>& steps, int times) {
     for (; times > 0; --times)
-        for (const Step& step : steps)
-            contender.apply(step);
+        for (const Step& step : steps) contender.apply(step);
 }
-
 } // namespace
 
 PYBIND11_MAKE_OPAQUE(std::vector<Step>)
@@ -47,11 +41,10 @@ PYBIND11_MAKE_OPAQUE(std::vector<Step>)
 PYBIND11_MODULE(vantel_peers, module) {
     py::class_<std::vector<Step>>(module, "Program")
         .def(py::init<>())
-        .def("add", [](std::vector<Step>& steps, const std::string& act, std::vector<std::size_t> qudits,
-                       float amount, std::vector<std::pair<std::size_t, int>> when) {
+        .def("add", [](std::vector<Step>& steps, const std::string& act, std::vector<std::size_t> qudits, float amount,
+                       std::vector<std::pair<std::size_t, int>> when) {
             for (const auto& [name, value] : acts)
-                if (act == name)
-                    return steps.push_back({value, std::move(qudits), amount, std::move(when)});
+                if (act == name) return steps.push_back({value, std::move(qudits), amount, std::move(when)});
             throw std::invalid_argument(act);
         });
 

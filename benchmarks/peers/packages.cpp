@@ -1,5 +1,5 @@
-/// Contenders that Debian packages: matrix products of Eigen, transforms of FFTW, and libquantum, which holds
-/// qubits as a list of basis states like the library, in single precision.
+/// Contenders that Debian packages: matrix products of Eigen, transforms of FFTW, and libquantum, which holds qubits as
+/// a list of basis states like the library, in single precision.
 #include <Eigen/Core>
 #include <fftw3.h>
 #include <map>
@@ -12,9 +12,7 @@ extern "C" {
 #include "contender.hpp"
 
 namespace peers {
-
 namespace {
-
 class Dense : public Contender {
 public:
     explicit Dense(const Register& of) : of_(of), list_(of.size()) {}
@@ -56,8 +54,7 @@ class ByFftw final : public Dense {
 public:
     using Dense::Dense;
     ~ByFftw() override {
-        for (const auto& [key, plan] : plans_)
-            fftw_destroy_plan(plan);
+        for (const auto& [key, plan] : plans_) fftw_destroy_plan(plan);
     }
 
     void apply(const Step& step) override {
@@ -67,8 +64,7 @@ public:
         const int sign = step.act == Act::fourier ? FFTW_FORWARD : FFTW_BACKWARD;
         fftw_execute(plan(static_cast<int>(length), static_cast<int>(stride), sign));
         const double factor = 1 / std::sqrt(static_cast<double>(length));
-        for (Amplitude& amplitude : list_)
-            amplitude *= factor;
+        for (Amplitude& amplitude : list_) amplitude *= factor;
     }
 
 private:
@@ -93,8 +89,7 @@ private:
 class ByLibquantum final : public Contender {
 public:
     explicit ByLibquantum(const Register& of) : of_(of) {
-        if (of.dimension != 2)
-            throw std::invalid_argument("libquantum has qubits only");
+        if (of.dimension != 2) throw std::invalid_argument("libquantum has qubits only");
         list_ = quantum_new_qureg(0, static_cast<int>(of.qudits));
     }
     ~ByLibquantum() override { quantum_delete_qureg(&list_); }
@@ -114,8 +109,7 @@ public:
     }
 
     void apply(const Step& step) override {
-        if (step.act == Act::pair)
-            return pair();
+        if (step.act == Act::pair) return pair();
         quantum_hadamard(static_cast<int>(step.qudits[0]), &list_); // its own inverse
     }
 
@@ -132,27 +126,18 @@ private:
         quantum_hadamard(0, &both);
         quantum_cnot(0, 1, &both);
         const int first = quantum_bmeasure_bitpreserve(0, &both);
-        if (first != quantum_bmeasure_bitpreserve(1, &both))
-            throw std::runtime_error("an entangled pair that differs");
+        if (first != quantum_bmeasure_bitpreserve(1, &both)) throw std::runtime_error("an entangled pair that differs");
         quantum_delete_qureg(&both);
     }
 
     Register of_;
     quantum_reg list_;
 };
-
 } // namespace
 
-std::unique_ptr<Contender> by_eigen(const Register& of) {
-    return std::make_unique<ByEigen>(of);
-}
+std::unique_ptr<Contender> by_eigen(const Register& of) { return std::make_unique<ByEigen>(of); }
 
-std::unique_ptr<Contender> by_fftw(const Register& of) {
-    return std::make_unique<ByFftw>(of);
-}
+std::unique_ptr<Contender> by_fftw(const Register& of) { return std::make_unique<ByFftw>(of); }
 
-std::unique_ptr<Contender> by_libquantum(const Register& of) {
-    return std::make_unique<ByLibquantum>(of);
-}
-
+std::unique_ptr<Contender> by_libquantum(const Register& of) { return std::make_unique<ByLibquantum>(of); }
 } // namespace peers

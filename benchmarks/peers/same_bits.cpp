@@ -1,15 +1,12 @@
-/// Loops by hand under the rules of the library: every sum in the order of the levels, no fused operations,
-/// each sum held against the threshold, a sum that is not a number noticed. Once on two lists of numbers, and
-/// once on entries of 32 bytes with their labels. What they take is what a complete list allows.
+/// Loops by hand under the rules of the library: every sum in the order of the levels, no fused operations, each sum
+/// held against the threshold, a sum that is not a number noticed. Once on two lists of numbers, and once on entries of
+/// 32 bytes with their labels. What they take is what a complete list allows.
+#include "contender.hpp"
 #include <algorithm>
 #include <cstdint>
 
-#include "contender.hpp"
-
 namespace peers {
-
 namespace {
-
 struct Entry {
     std::uint64_t values, dimensions;
     double re, im;
@@ -31,8 +28,7 @@ struct Entries {
     std::vector<Entry> list;
 
     explicit Entries(std::size_t count) : list(count) {
-        for (std::size_t i = 0; i < count; ++i)
-            list[i].values = i;
+        for (std::size_t i = 0; i < count; ++i) list[i].values = i;
     }
     [[nodiscard]] double real(std::size_t i) const { return list[i].re; }
     [[nodiscard]] double imaginary(std::size_t i) const { return list[i].im; }
@@ -45,20 +41,17 @@ public:
     explicit SameBits(const Register& of) : of_(of), list_(of.size()), next_(of.size()) {}
 
     void load(const std::vector<Amplitude>& amplitudes) override {
-        for (std::size_t i = 0; i < amplitudes.size(); ++i)
-            list_.write(i, amplitudes[i].real(), amplitudes[i].imag());
+        for (std::size_t i = 0; i < amplitudes.size(); ++i) list_.write(i, amplitudes[i].real(), amplitudes[i].imag());
     }
 
     [[nodiscard]] std::vector<Amplitude> amplitudes() const override {
         std::vector<Amplitude> all;
-        for (std::size_t i = 0; i < of_.size(); ++i)
-            all.emplace_back(list_.real(i), list_.imaginary(i));
+        for (std::size_t i = 0; i < of_.size(); ++i) all.emplace_back(list_.real(i), list_.imaginary(i));
         return all;
     }
 
     void apply(const Step& step) override {
-        with_dimension(of_.dimension,
-                       [&](auto d) { fourier<d>(step.qudits[0], step.act == Act::inverse_fourier); });
+        with_dimension(of_.dimension, [&](auto d) { fourier<d>(step.qudits[0], step.act == Act::inverse_fourier); });
         std::swap(list_, next_);
     }
 
@@ -73,8 +66,8 @@ private:
             }
         const std::size_t stride = of_.stride(target);
         std::size_t small = 0, odd = 0;
-        // Tiles of groups, so that vectors are full whatever the target is: lists of either kind are read and
-        // written apart from the sums, which are the same for both.
+        // Tiles of groups, so that vectors are full whatever the target is: lists of either kind are read and written
+        // apart from the sums, which are the same for both.
         constexpr std::size_t width = 64;
         double x[d][width], y[d][width], a[d][width], b[d][width];
         std::size_t begins[width];
@@ -110,11 +103,9 @@ private:
                 }
             for (std::size_t i = 0; i < count; ++i)
 #pragma GCC unroll 10
-                for (std::size_t k = 0; k < d; ++k)
-                    next_.write(begins[i] + k * stride, a[k][i], b[k][i]);
+                for (std::size_t k = 0; k < d; ++k) next_.write(begins[i] + k * stride, a[k][i], b[k][i]);
         }
-        if (odd != 0)
-            throw std::runtime_error("products with infinities are formed by other rules");
+        if (odd != 0) throw std::runtime_error("products with infinities are formed by other rules");
         dropped_ += small;
     }
 
@@ -122,15 +113,9 @@ private:
     List list_, next_;
     std::size_t dropped_ = 0;
 };
-
 } // namespace
 
-std::unique_ptr<Contender> same_bits(const Register& of) {
-    return std::make_unique<SameBits<Numbers>>(of);
-}
+std::unique_ptr<Contender> same_bits(const Register& of) { return std::make_unique<SameBits<Numbers>>(of); }
 
-std::unique_ptr<Contender> same_entries(const Register& of) {
-    return std::make_unique<SameBits<Entries>>(of);
-}
-
+std::unique_ptr<Contender> same_entries(const Register& of) { return std::make_unique<SameBits<Entries>>(of); }
 } // namespace peers

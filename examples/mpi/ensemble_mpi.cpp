@@ -6,16 +6,14 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <mpi.h>
 #include <sstream>
 #include <string>
-#include <vector>
-
-#include <mpi.h>
 #include <vantel_circuit_text.hpp>
 #include <vantel_ensemble.hpp>
+#include <vector>
 
 namespace {
-
 using Counts = std::map<std::vector<int>, std::size_t>;
 
 /// The counts of all ranks together, on rank 0. Each is sent as rows of the numbers that were read and how
@@ -32,11 +30,10 @@ Counts together(const Counts& counts, std::size_t values) {
     const int length = static_cast<int>(rows.size());
     std::vector<int> lengths(static_cast<std::size_t>(ranks)), places(lengths.size());
     MPI_Gather(&length, 1, MPI_INT, lengths.data(), 1, MPI_INT, 0, MPI_COMM_WORLD);
-    for (std::size_t i = 1; i < places.size(); ++i)
-        places[i] = places[i - 1] + lengths[i - 1];
+    for (std::size_t i = 1; i < places.size(); ++i) places[i] = places[i - 1] + lengths[i - 1];
     std::vector<long long> all(static_cast<std::size_t>(places.back() + lengths.back()));
-    MPI_Gatherv(rows.data(), length, MPI_LONG_LONG, all.data(), lengths.data(), places.data(), MPI_LONG_LONG,
-                0, MPI_COMM_WORLD);
+    MPI_Gatherv(rows.data(), length, MPI_LONG_LONG, all.data(), lengths.data(), places.data(), MPI_LONG_LONG, 0,
+                MPI_COMM_WORLD);
     Counts sum;
     for (auto row = all.begin(); row != all.end(); row += static_cast<std::ptrdiff_t>(values + 1)) {
         const auto end = row + static_cast<std::ptrdiff_t>(values);
@@ -56,11 +53,9 @@ int run(const char* file, std::size_t shots, std::uint64_t seed) {
     const auto k = static_cast<std::size_t>(rank), n = static_cast<std::size_t>(ranks);
     const vantel::Ensemble part = trials.run(shots * k / n, shots * (k + 1) / n, 1);
     const Counts counts = together(part.counts(), circuit.values().size());
-    if (rank == 0)
-        std::cout << vantel::Ensemble(circuit.values(), counts, trials.repeatable());
+    if (rank == 0) std::cout << vantel::Ensemble(circuit.values(), counts, trials.repeatable());
     return EXIT_SUCCESS;
 }
-
 } // namespace
 
 int main(int argc, char** argv) {

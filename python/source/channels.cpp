@@ -1,27 +1,21 @@
 // Matrices of one's own, states of one's own, and noise.
-#include <pybind11/complex.h>
-#include <pybind11/numpy.h>
-
-#include <algorithm>
-#include <complex>
-#include <vantel_noise.hpp>
-
 #include "objects.hpp"
 #include "tables.hpp"
+#include <algorithm>
+#include <complex>
+#include <pybind11/complex.h>
+#include <pybind11/numpy.h>
+#include <vantel_noise.hpp>
 
 namespace vantel::python {
-
 namespace {
-
 using Elements = py::array_t<std::complex<double>, py::array::c_style | py::array::forcecast>;
 
-std::vector<vantel::Complex> elements_of(const Elements& array) {
-    return {array.data(), array.data() + array.size()};
-}
+std::vector<vantel::Complex> elements_of(const Elements& array) { return {array.data(), array.data() + array.size()}; }
 
 /// The records of a condition, whose qudits stand behind the targets in `members`.
-std::vector<vantel::Condition>
-records_of(py::handle when, const std::vector<std::shared_ptr<Member>>& members, std::size_t targets) {
+std::vector<vantel::Condition> records_of(py::handle when, const std::vector<std::shared_ptr<Member>>& members,
+                                          std::size_t targets) {
     std::vector<vantel::Condition> records;
     if (!when.is_none())
         for (const Condition::Term& term : find<Condition>(when.ptr())->terms)
@@ -57,8 +51,7 @@ template <class Make, class Apply> auto on(py::handle target, Make make, Apply a
 }
 
 template <vantel::WeylChannel (*make)(int, double)> py::tuple weyl(py::handle target, double p, double u) {
-    if (!(u >= 0 && u < 1))
-        throw py::value_error("a random number that is not in [0, 1)");
+    if (!(u >= 0 && u < 1)) throw py::value_error("a random number that is not in [0, 1)");
     const vantel::Weyl drawn = on(
         target, [p](int dimension) { return make(dimension, p); },
         [u](const vantel::WeylChannel& channel, vantel::Qudit& qudit) {
@@ -69,16 +62,12 @@ template <vantel::WeylChannel (*make)(int, double)> py::tuple weyl(py::handle ta
     return py::make_tuple(drawn.shifts, drawn.clocks);
 }
 
-std::size_t apply_kraus(const vantel::KrausChannel& channel, vantel::Qudit& qudit) {
-    return channel.apply(qudit);
-}
-
+std::size_t apply_kraus(const vantel::KrausChannel& channel, vantel::Qudit& qudit) { return channel.apply(qudit); }
 } // namespace
 
 void bind_channels(py::module_& module) {
-    module.def(
-        "unitary", unitary, py::arg("matrix"), py::kw_only(), py::arg("when") = py::none(),
-        R"(Applies a unitary matrix of one's own, taken apart into gates; returns how many rotations and phases.
+    module.def("unitary", unitary, py::arg("matrix"), py::kw_only(), py::arg("when") = py::none(),
+               R"(Applies a unitary matrix of one's own, taken apart into gates; returns how many rotations and phases.
 
 matrix: of shape (P, P), in the order of density_matrix() and numpy.kron; the element in row r and column c is the amplitude
 from combination c to combination r. Raises ValueError for one that is not unitary within 1e-6.
@@ -89,8 +78,7 @@ A helper takes one more place among the ten for the time of the call, unless all
             const QuditArguments qudits(arguments);
             check_table(qudits.combinations, 1);
             if (state.size() != static_cast<py::ssize_t>(qudits.combinations))
-                throw py::value_error("the state must have " + std::to_string(qudits.combinations) +
-                                      " elements");
+                throw py::value_error("the state must have " + std::to_string(qudits.combinations) + " elements");
             const std::vector<vantel::Complex> elements = elements_of(state);
             Work work(qudits.members, {}, 0, static_cast<double>(qudits.combinations));
             work([&] { vantel::prepare(qudits.reversed(), std::span<const vantel::Complex>(elements)); });
@@ -104,8 +92,7 @@ state: P amplitudes of any norm but 0, of any shape, in the order of amplitudes(
         "damp",
         [](py::handle target, double gamma) {
             return on(
-                target, [gamma](int dimension) { return vantel::amplitude_damping(dimension, gamma); },
-                apply_kraus);
+                target, [gamma](int dimension) { return vantel::amplitude_damping(dimension, gamma); }, apply_kraus);
         },
         py::arg("target"), py::arg("gamma"),
         R"(Amplitude damping: level v holds v quanta, each of which is lost with probability gamma.
@@ -130,5 +117,4 @@ Draws from the system's randomness; returns how many were lost. A helper takes p
 
 operators: an array of shape (count, d, d), of at most 100 whose K* K add up to the identity within 1e-6.)");
 }
-
 } // namespace vantel::python

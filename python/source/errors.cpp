@@ -1,11 +1,8 @@
+#include "objects.hpp"
 #include <new>
 
-#include "objects.hpp"
-
 namespace vantel::python {
-
 namespace {
-
 PyObject* error_class = nullptr; // kept as long as the interpreter
 PyObject* status_class = nullptr;
 
@@ -13,12 +10,10 @@ void raise(int status, const char* text) {
     // Where even this fails, for want of memory, Python has that failure instead.
     PyObject* const name = PyObject_CallFunction(status_class, "i", status);
     PyObject* const error = name != nullptr ? PyObject_CallFunction(error_class, "Os", name, text) : nullptr;
-    if (error != nullptr)
-        PyErr_SetObject(error_class, error);
+    if (error != nullptr) PyErr_SetObject(error_class, error);
     Py_XDECREF(error);
     Py_XDECREF(name);
 }
-
 } // namespace
 
 void raise_in_python(std::exception_ptr failure) {
@@ -44,9 +39,7 @@ void bind_errors() {
     error_class = py::object(errors.attr("Error")).release().ptr();
     status_class = py::object(errors.attr("Status")).release().ptr();
     py::register_local_exception_translator([](std::exception_ptr failure) {
-        if (failure)
-            raise_in_python(failure);
+        if (failure) raise_in_python(failure);
     });
 }
-
 } // namespace vantel::python

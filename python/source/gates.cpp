@@ -1,17 +1,14 @@
 // The gates. A gate is called more often than anything else, so that its arguments are taken as the
 // interpreter has them, without the conversions that the rest of the module uses.
+#include "objects.hpp"
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
 #include <span>
 
-#include "objects.hpp"
-
 namespace vantel::python {
-
 namespace {
-
 /// The arguments of one call, by place and by name.
 struct Arguments {
     PyObject* const* values;
@@ -20,33 +17,26 @@ struct Arguments {
 
     /// Puts them in the order of `all`, of which the first `places` can be given by place and `required` must
     /// be given.
-    template <std::size_t N>
-    std::array<PyObject*, N> in_order(const char* function, const std::array<const char*, N>& all,
-                                      std::size_t places, std::size_t required) const {
+    template <std::size_t N> std::array<PyObject*, N> in_order(const char* function,
+                                                               const std::array<const char*, N>& all,
+                                                               std::size_t places, std::size_t required) const {
         std::array<PyObject*, N> found{};
-        const auto refuse = [&](const std::string& text) {
-            throw py::type_error(function + ("(): " + text));
-        };
+        const auto refuse = [&](const std::string& text) { throw py::type_error(function + ("(): " + text)); };
         if (by_place > static_cast<Py_ssize_t>(places))
             refuse(std::to_string(by_place) + " arguments by place, where " + std::to_string(places) +
                    " can be; conditions are given as when=...");
-        for (Py_ssize_t i = 0; i < by_place; ++i)
-            found[static_cast<std::size_t>(i)] = values[i];
+        for (Py_ssize_t i = 0; i < by_place; ++i) found[static_cast<std::size_t>(i)] = values[i];
         const Py_ssize_t named = names != nullptr ? PyTuple_GET_SIZE(names) : 0;
         for (Py_ssize_t i = 0; i < named; ++i) {
             PyObject* const name = PyTuple_GET_ITEM(names, i);
             std::size_t place = 0;
-            while (place < N && PyUnicode_CompareWithASCIIString(name, all[place]) != 0)
-                ++place;
-            if (place == N)
-                refuse("no argument is called '" + py::cast<std::string>(py::handle(name)) + "'");
-            if (found[place] != nullptr)
-                refuse("'" + std::string(all[place]) + "' is given twice");
+            while (place < N && PyUnicode_CompareWithASCIIString(name, all[place]) != 0) ++place;
+            if (place == N) refuse("no argument is called '" + py::cast<std::string>(py::handle(name)) + "'");
+            if (found[place] != nullptr) refuse("'" + std::string(all[place]) + "' is given twice");
             found[place] = values[by_place + i];
         }
         for (std::size_t i = 0; i < required; ++i)
-            if (found[i] == nullptr)
-                refuse("'" + std::string(all[i]) + "' is missing");
+            if (found[i] == nullptr) refuse("'" + std::string(all[i]) + "' is missing");
         return found;
     }
 };
@@ -59,15 +49,13 @@ struct Place {
 
     /// @param when  a condition, None, or null for none.
     Place(std::span<const std::shared_ptr<Member>> given, PyObject* when) : targets(given) {
-        if (when == nullptr || when == Py_None)
-            return;
+        if (when == nullptr || when == Py_None) return;
         const Condition& condition = get<Condition>(when, "when", "vantel.Condition");
         for (const Condition::Term& term : condition.terms) {
             const std::shared_ptr<Member>& control = term.name->member();
             for (const auto& target : targets)
                 if (target == control)
-                    throw vantel::Error(vantel_target_control_overlap,
-                                        "a condition names a target of the gate");
+                    throw vantel::Error(vantel_target_control_overlap, "a condition names a target of the gate");
             controls.push_back(control);
         }
         conditions = controls.size();
@@ -78,15 +66,13 @@ struct Place {
 
     /// Brings all into one joint state and applies the gate there.
     template <class Gate> void apply(PyObject* when, Gate gate) {
-        if (targets.empty() && controls.empty())
-            return; // a phase without conditions
+        if (targets.empty() && controls.empty()) return; // a phase without conditions
         Work work(targets, controls);
         // Only now, for handles can change while qudits are brought together.
         std::vector<vantel::Condition> records;
         for (std::size_t i = 0; i < conditions; ++i) {
             const Condition::Term& term = find<Condition>(when)->terms[i];
-            records.push_back(
-                {controls[i]->qudit.handle(), term.level, static_cast<unsigned char>(term.is_equal)});
+            records.push_back({controls[i]->qudit.handle(), term.level, static_cast<unsigned char>(term.is_equal)});
         }
         work([&] { gate(vantel::Conditions(records)); });
     }
@@ -95,18 +81,15 @@ struct Place {
 /// A finite number. To ask an object for its number can run any code, so that it comes before the qudits are
 /// looked up.
 double get_number(PyObject* object, const char* what) {
-    if (PyBool_Check(object))
-        throw py::type_error(std::string(what) + " must be a number, not bool");
+    if (PyBool_Check(object)) throw py::type_error(std::string(what) + " must be a number, not bool");
     const double number = PyFloat_AsDouble(object);
     if (number == -1 && PyErr_Occurred() != nullptr) {
-        if (PyErr_ExceptionMatches(PyExc_TypeError) == 0)
-            throw py::error_already_set();
+        if (PyErr_ExceptionMatches(PyExc_TypeError) == 0) throw py::error_already_set();
         PyErr_Clear();
         throw py::type_error(std::string(what) + " must be a number, not " + Py_TYPE(object)->tp_name +
                              "; conditions are given as when=...");
     }
-    if (!std::isfinite(number))
-        throw py::value_error(std::string(what) + " must be finite");
+    if (!std::isfinite(number)) throw py::value_error(std::string(what) + " must be finite");
     return number;
 }
 
@@ -119,8 +102,7 @@ const std::shared_ptr<Member>& member_of(PyObject* object, const char* what) {
     return get_qudit(object, what).name->member();
 }
 
-template <void (*gate)(vantel::Qudit&, vantel::Conditions)>
-void plain(const char* name, const Arguments& arguments) {
+template <void (*gate)(vantel::Qudit&, vantel::Conditions)> void plain(const char* name, const Arguments& arguments) {
     const auto [target, when] = arguments.in_order<2>(name, {"target", "when"}, 1, 1);
     const std::array targets{member_of(target, "target")};
     Place(targets, when).apply(when, [&](const vantel::Conditions& all) { gate(targets[0]->qudit, all); });
@@ -132,15 +114,12 @@ void power(const char* name, const Arguments& arguments) {
     const double number = given != nullptr ? get_number(given, "power") : 1;
     const std::array targets{member_of(target, "target")};
     const float exponent = reduced(number, targets[0]->qudit.dimension()); // whose d-th power is the identity
-    Place(targets, when).apply(when, [&](const vantel::Conditions& all) {
-        gate(targets[0]->qudit, exponent, all);
-    });
+    Place(targets, when).apply(when, [&](const vantel::Conditions& all) { gate(targets[0]->qudit, exponent, all); });
 }
 
 std::array<std::shared_ptr<Member>, 2> two_targets(PyObject* first, PyObject* second) {
     std::array targets{member_of(first, "first"), member_of(second, "second")};
-    if (targets[0] == targets[1])
-        throw py::value_error("a qudit cannot be exchanged with itself");
+    if (targets[0] == targets[1]) throw py::value_error("a qudit cannot be exchanged with itself");
     if (targets[0]->qudit.dimension() != targets[1]->qudit.dimension())
         throw vantel::Error(vantel_different_dimensions, "the qudits have different dimensions");
     return targets;
@@ -155,8 +134,7 @@ void swap_levels(const char* name, const Arguments& arguments) {
 }
 
 void i_swap(const char* name, const Arguments& arguments) {
-    const auto [first, second, given, when] =
-        arguments.in_order<4>(name, {"first", "second", "power", "when"}, 3, 2);
+    const auto [first, second, given, when] = arguments.in_order<4>(name, {"first", "second", "power", "when"}, 3, 2);
     const float exponent = reduced(given != nullptr ? get_number(given, "power") : 1, 4);
     const auto targets = two_targets(first, second);
     Place(targets, when).apply(when, [&](const vantel::Conditions& all) {
@@ -177,11 +155,9 @@ template <auto gate, std::size_t N>
 void sum_of(const char* name, const Arguments& arguments, const std::array<const char*, N + 1>& names) {
     const auto given = arguments.in_order<N + 1>(name, names, N, N);
     std::vector<std::shared_ptr<Member>> qudits;
-    for (std::size_t i = 0; i < N; ++i)
-        qudits.push_back(member_of(given[i], names[i]));
+    for (std::size_t i = 0; i < N; ++i) qudits.push_back(member_of(given[i], names[i]));
     for (std::size_t i = 0; i + 1 < N; ++i)
-        if (qudits[i] == qudits.back())
-            throw vantel::Error(vantel_target_control_overlap, "a control is the target");
+        if (qudits[i] == qudits.back()) throw vantel::Error(vantel_target_control_overlap, "a control is the target");
     const Members all_qudits = qudits;
     Place place(all_qudits.last(1), given[N]);
     place.joins(all_qudits.first(N - 1));
@@ -246,11 +222,9 @@ void on_register(const py::args& arguments, bool one_dimension,
                 throw vantel::Error(vantel_different_dimensions, "the qudits have different dimensions");
     Work work(qudits.members);
     std::vector<std::reference_wrapper<vantel::Qudit>> list;
-    for (const auto& member : qudits.members)
-        list.push_back(member->qudit);
+    for (const auto& member : qudits.members) list.push_back(member->qudit);
     work([&] { act(list); });
 }
-
 } // namespace
 
 void bind_gates(py::module_& module) {
@@ -273,9 +247,8 @@ void bind_gates(py::module_& module) {
                                                      "Level v goes to v - 1 mod d: cycle() with -power."),
         method<"clock", power<vantel::clock<float>>>("clock($module, target, power=1.0, *, when=None)\n--\n\n"
                                                      "Level v is multiplied by exp(2 pi i v power / d)."),
-        method<"phase_rotate", phase_rotate>(
-            "phase_rotate($module, angle, *, when)\n--\n\n"
-            "Multiplies by exp(i angle), in radians, where the condition holds."),
+        method<"phase_rotate", phase_rotate>("phase_rotate($module, angle, *, when)\n--\n\n"
+                                             "Multiplies by exp(i angle), in radians, where the condition holds."),
         method<"swap_levels", swap_levels>("swap_levels($module, first, second, *, when=None)\n--\n\n"
                                            "Exchanges the levels of two qudits of one dimension."),
         method<"i_swap", i_swap>("i_swap($module, first, second, power=1.0, *, when=None)\n--\n\n"
@@ -283,25 +256,19 @@ void bind_gates(py::module_& module) {
                                  "(q, p); equal ones stay."),
         method<"add", add>("add($module, target, steps, *, when=None)\n--\n\n"
                            "Level v goes to v + steps mod d, for any integer."),
-        method<"sum", sum<vantel::sum>>(
-            "sum($module, control, target, *, when=None)\n--\n\n"
-            "SUM: levels (c, t) go to (c, t + c mod d), with d the target's dimension."),
-        method<"inverse_sum", sum<vantel::inverse_sum>>(
-            "inverse_sum($module, control, target, *, when=None)\n--\n\n"
-            "Levels (c, t) go to (c, t - c mod d)."),
-        method<"toffoli", toffoli>(
-            "toffoli($module, a, b, target, *, when=None)\n--\n\n"
-            "Levels (a, b, t) go to (a, b, t + a b mod d), with d the target's dimension."),
+        method<"sum", sum<vantel::sum>>("sum($module, control, target, *, when=None)\n--\n\n"
+                                        "SUM: levels (c, t) go to (c, t + c mod d), with d the target's dimension."),
+        method<"inverse_sum", sum<vantel::inverse_sum>>("inverse_sum($module, control, target, *, when=None)\n--\n\n"
+                                                        "Levels (c, t) go to (c, t - c mod d)."),
+        method<"toffoli", toffoli>("toffoli($module, a, b, target, *, when=None)\n--\n\n"
+                                   "Levels (a, b, t) go to (a, b, t + a b mod d), with d the target's dimension."),
         PyMethodDef{},
     };
-    if (PyModule_AddFunctions(module.ptr(), table.data()) != 0)
-        throw py::error_already_set();
+    if (PyModule_AddFunctions(module.ptr(), table.data()) != 0) throw py::error_already_set();
 
     module.def(
         "fourier_transform",
-        [](const py::args& qudits) {
-            on_register(qudits, true, [](auto list) { vantel::fourier_transform(list); });
-        },
+        [](const py::args& qudits) { on_register(qudits, true, [](auto list) { vantel::fourier_transform(list); }); },
         R"(The Fourier transform over a register of qudits of one dimension, the first the lowest digit.
 
 With P the number of combinations, |x> goes to the sum over y of exp(2 pi i x y / P) / sqrt(P) times |y>.)");
@@ -313,9 +280,7 @@ With P the number of combinations, |x> goes to the sum over y of exp(2 pi i x y 
         "The inverse of fourier_transform().");
     module.def(
         "prepare_ghz",
-        [](const py::args& qudits) {
-            on_register(qudits, false, [](auto list) { vantel::prepare_ghz(list); });
-        },
+        [](const py::args& qudits) { on_register(qudits, false, [](auto list) { vantel::prepare_ghz(list); }); },
         "Takes qudits from level 0 to the sum over k of |k, k mod d2, k mod d3, ...> / sqrt(d1).");
     module.def(
         "prepare_bell",
@@ -332,5 +297,4 @@ With P the number of combinations, |x> goes to the sum over y of exp(2 pi i x y 
 
 It is the sum over k of exp(2 pi i k phase / d1) |k, k + offset mod d2> / sqrt(d1).)");
 }
-
 } // namespace vantel::python

@@ -1,7 +1,5 @@
 #include "joint_state.hpp"
-
 #include <Python.h>
-
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
@@ -12,9 +10,7 @@
 #include <utility>
 
 namespace vantel::python {
-
 namespace {
-
 constexpr std::size_t most_qudits = 10;
 
 // Below this the call is over before another thread has the lock.
@@ -40,8 +36,7 @@ void free_now(Member& member) {
 /// follows.
 bool exchange_with_last(std::vector<std::shared_ptr<Member>>& members, std::shared_ptr<Member>& leaving) {
     std::shared_ptr<Member>& last = members.back();
-    if (last->qudit.dimension() != leaving->qudit.dimension())
-        return false;
+    if (last->qudit.dimension() != leaving->qudit.dimension()) return false;
     vantel::swap_levels(leaving->qudit, last->qudit);
     swap(leaving->qudit, last->qudit);
     std::swap(leaving, last);
@@ -67,7 +62,6 @@ std::string too_many(std::size_t live, std::size_t all) {
                 "one that joined last go first";
     return text;
 }
-
 } // namespace
 
 std::shared_ptr<Member> make_member(int dimension) {
@@ -79,8 +73,7 @@ std::shared_ptr<Member> make_member(int dimension) {
 }
 
 void JointState::let_go() noexcept {
-    if (busy)
-        return; // the thread that computes will
+    if (busy) return; // the thread that computes will
     try {
         let_go_or_throw();
     } catch (const std::exception&) {
@@ -92,31 +85,25 @@ void JointState::let_go_or_throw() {
     if (std::ranges::all_of(members, [](const auto& member) { return member->dropped; })) {
         if (over_limit) {
             std::vector<std::reference_wrapper<vantel::Qudit>> all;
-            for (const auto& member : members)
-                all.push_back(member->qudit);
+            for (const auto& member : members) all.push_back(member->qudit);
             try {
                 (void)vantel::measure(all);
             } catch (const std::exception&) {
                 // Without randomness or memory the state cannot be made small enough to go. It stays,
                 // unnamed.
-                for (const auto& member : members)
-                    (void)member->qudit.release();
+                for (const auto& member : members) (void)member->qudit.release();
             }
         }
         const auto last_breath = std::move(members);
-        for (auto member = last_breath.rbegin(); member != last_breath.rend(); ++member)
-            free_now(**member);
+        for (auto member = last_breath.rbegin(); member != last_breath.rend(); ++member) free_now(**member);
         return;
     }
-    if (over_limit)
-        return;
+    if (over_limit) return;
     for (bool went = true; went;) {
         went = false;
         for (std::size_t i = members.size(); i-- > 0 && !went;) {
-            if (!members[i]->dropped || !is_definite(*members[i]))
-                continue;
-            if (i + 1 < members.size() && !exchange_with_last(members, members[i]))
-                continue;
+            if (!members[i]->dropped || !is_definite(*members[i])) continue;
+            if (i + 1 < members.size() && !exchange_with_last(members, members[i])) continue;
             combinations /= members.back()->qudit.dimension();
             free_now(*members.back());
             members.pop_back();
@@ -138,45 +125,38 @@ JointState& Work::joined(Members members, Members others, int more_places) {
             if (member->dropped) // by another thread, while this one waited
                 throw std::invalid_argument(closed_text);
             busy |= member->joint->busy;
-            if (std::ranges::find(states, member->joint) == states.end())
-                states.push_back(member->joint);
+            if (std::ranges::find(states, member->joint) == states.end()) states.push_back(member->joint);
         });
         return !busy;
     };
-    while (!collect())
-        wait_for_idle();
+    while (!collect()) wait_for_idle();
 
     const auto places = [&] {
         std::size_t all = static_cast<std::size_t>(more_places);
-        for (const auto& state : states)
-            all += state->members.size();
+        for (const auto& state : states) all += state->members.size();
         return all;
     };
     if (places() > most_qudits)
-        for (const auto& state : states)
-            state->let_go();
+        for (const auto& state : states) state->let_go();
     if (const std::size_t all = places(); all > most_qudits) {
         std::size_t live = static_cast<std::size_t>(more_places);
         for (const auto& state : states)
-            live += static_cast<std::size_t>(std::ranges::count(
-                state->members, false, [](const auto& member) { return member->dropped; }));
+            live += static_cast<std::size_t>(
+                std::ranges::count(state->members, false, [](const auto& member) { return member->dropped; }));
         throw vantel::Error(vantel_bad_qudit_number, too_many(live, all).c_str());
     }
     // The smaller ones stand behind, so that a helper that was made for a while is last and can go first.
-    std::ranges::stable_sort(states, std::ranges::greater{},
-                             [](const auto& state) { return state->members.size(); });
+    std::ranges::stable_sort(states, std::ranges::greater{}, [](const auto& state) { return state->members.size(); });
     JointState& into = *states.front();
     for (std::size_t i = 1; i < states.size(); ++i) {
         JointState& from = *states[i];
         vantel::join(into.members.back()->qudit, from.members.front()->qudit);
-        for (const auto& member : from.members)
-            into.members.push_back(member);
+        for (const auto& member : from.members) into.members.push_back(member);
         into.combinations *= from.combinations;
         into.over_limit |= from.over_limit;
         // The list goes with its state, after the members have their new one.
         const auto moved = std::exchange(from.members, {});
-        for (const auto& member : moved)
-            member->joint = states.front();
+        for (const auto& member : moved) member->joint = states.front();
     }
     return into;
 }
@@ -210,5 +190,4 @@ Work::~Work() {
         std::ranges::any_of(joint_->members, [](const auto& member) { return member->dropped; }))
         joint_->let_go();
 }
-
 } // namespace vantel::python

@@ -9,12 +9,10 @@
 #include <initializer_list>
 #include <memory>
 #include <span>
+#include <vantel.hpp>
 #include <vector>
 
-#include <vantel.hpp>
-
 namespace vantel::python {
-
 struct JointState;
 
 inline constexpr const char* closed_text = "this qudit was closed";
@@ -82,5 +80,4 @@ private:
     void* released_ = nullptr; // the thread's state, as long as the lock is released
     bool over_limit_ = false;
 };
-
 } // namespace vantel::python

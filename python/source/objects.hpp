@@ -2,17 +2,14 @@
 // objects of other types, objects that were never initialised and qudits that were closed all raise.
 #pragma once
 
-#include <pybind11/pybind11.h>
-
+#include "joint_state.hpp"
 #include <memory>
+#include <pybind11/pybind11.h>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "joint_state.hpp"
-
 namespace vantel::python {
-
 namespace py = pybind11;
 
 /// What a Python program calls a qudit by; when the last one goes, the qudit does.
@@ -24,8 +21,7 @@ public:
     Name& operator=(const Name&) = delete;
 
     void close() noexcept {
-        if (member_->dropped)
-            return;
+        if (member_->dropped) return;
         member_->dropped = true;
         const std::shared_ptr<JointState> joint = member_->joint; // alive while it empties itself
         joint->let_go();
@@ -35,8 +31,7 @@ public:
 
     /// @throws std::invalid_argument  if the qudit was closed.
     [[nodiscard]] const std::shared_ptr<Member>& member() const {
-        if (closed())
-            throw std::invalid_argument(closed_text);
+        if (closed()) throw std::invalid_argument(closed_text);
         return member_;
     }
 
@@ -72,8 +67,7 @@ template <class Object> void seal() {
 /// The C++ object behind one of Python's; null if that is of another class.
 /// @throws py::type_error  for an object whose initialisation was passed by.
 template <class Object> Object* find(PyObject* object) {
-    if (Py_TYPE(object) != class_of<Object>)
-        return nullptr;
+    if (Py_TYPE(object) != class_of<Object>) return nullptr;
     auto inside = reinterpret_cast<py::detail::instance*>(object)->get_value_and_holder();
     if (!inside.holder_constructed())
         throw py::type_error(std::string(Py_TYPE(object)->tp_name) + " that was not initialised");
@@ -84,8 +78,7 @@ template <class Object> Object* find(PyObject* object) {
 template <class Object> Object& get(py::handle object, const char* what, const char* name) {
     Object* const found = find<Object>(object.ptr());
     if (found == nullptr)
-        throw py::type_error(std::string(what) + " must be a " + name + ", not " +
-                             Py_TYPE(object.ptr())->tp_name);
+        throw py::type_error(std::string(what) + " must be a " + name + ", not " + Py_TYPE(object.ptr())->tp_name);
     return *found;
 }
 
@@ -96,17 +89,13 @@ inline Qudit& get_qudit(py::handle object, const char* what = "a qudit") {
 /// A whole number; True and False are none.
 inline long get_integer(py::handle object, const char* what) {
     if (PyBool_Check(object.ptr()) || PyIndex_Check(object.ptr()) == 0)
-        throw py::type_error(std::string(what) + " must be an integer, not " +
-                             Py_TYPE(object.ptr())->tp_name);
+        throw py::type_error(std::string(what) + " must be an integer, not " + Py_TYPE(object.ptr())->tp_name);
     const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
-    if (!index)
-        throw py::error_already_set();
+    if (!index) throw py::error_already_set();
     int overflow = 0;
     const long value = PyLong_AsLongAndOverflow(index.ptr(), &overflow);
-    if (value == -1 && overflow == 0 && PyErr_Occurred() != nullptr)
-        throw py::error_already_set();
-    if (overflow != 0)
-        throw py::value_error(std::string(what) + " is out of range");
+    if (value == -1 && overflow == 0 && PyErr_Occurred() != nullptr) throw py::error_already_set();
+    if (overflow != 0) throw py::value_error(std::string(what) + " is out of range");
     return value;
 }
 
@@ -135,5 +124,4 @@ void bind_pictures(py::module_& module);
 
 /// Sets Python's exception for the C++ exception that is being handled.
 void raise_in_python(std::exception_ptr failure);
-
 } // namespace vantel::python

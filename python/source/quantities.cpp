@@ -1,18 +1,14 @@
 // What is computed of a state without measuring it.
-#include <pybind11/complex.h>
-#include <pybind11/numpy.h>
-
-#include <algorithm>
-#include <complex>
-#include <vantel_quantities.hpp>
-
 #include "objects.hpp"
 #include "tables.hpp"
+#include <algorithm>
+#include <complex>
+#include <pybind11/complex.h>
+#include <pybind11/numpy.h>
+#include <vantel_quantities.hpp>
 
 namespace vantel::python {
-
 namespace {
-
 using ComplexArray = py::array_t<std::complex<double>, py::array::c_style | py::array::forcecast>;
 
 /// Computes `quantity` of the listed qudits, whose density matrix must not be too large.
@@ -30,27 +26,23 @@ py::array_t<double> array_of(const std::vector<double>& numbers) {
 
 std::vector<std::complex<double>> elements_of(const ComplexArray& array) {
     std::vector<std::complex<double>> elements(array.data(), array.data() + array.size());
-    if (!std::ranges::all_of(elements,
-                             [](auto z) { return std::isfinite(z.real()) && std::isfinite(z.imag()); }))
+    if (!std::ranges::all_of(elements, [](auto z) { return std::isfinite(z.real()) && std::isfinite(z.imag()); }))
         throw py::value_error("an element is not finite");
     return elements;
 }
 
 /// The members of a side of a bipartition: one qudit, or some.
 py::args side(py::handle qudits) {
-    if (find<Qudit>(qudits.ptr()) != nullptr)
-        return py::make_tuple(qudits);
+    if (find<Qudit>(qudits.ptr()) != nullptr) return py::make_tuple(qudits);
     return py::args(py::tuple(py::reinterpret_borrow<py::object>(qudits)));
 }
-
 } // namespace
 
 void bind_quantities(py::module_& module) {
     module.def(
         "amplitudes",
         [](const py::args& qudits) {
-            const auto found =
-                of(qudits, [](const vantel::QuditList& list) { return vantel::amplitudes(list); });
+            const auto found = of(qudits, [](const vantel::QuditList& list) { return vantel::amplitudes(list); });
             py::array_t<std::complex<double>> result(QuditArguments(qudits).dimensions);
             std::ranges::copy(found, result.mutable_data());
             return result;
@@ -79,8 +71,7 @@ that of qudits that are entangled with others.)");
                 throw py::value_error("the matrix must have the shape (" + std::to_string(side) + ", " +
                                       std::to_string(side) + ")");
             const auto elements = elements_of(matrix);
-            return of(qudits,
-                      [&](const vantel::QuditList& list) { return vantel::expectation(list, elements); });
+            return of(qudits, [&](const vantel::QuditList& list) { return vantel::expectation(list, elements); });
         },
         py::arg("matrix"),
         R"(The expectation value tr(rho A), a complex number; real but for rounding if A is Hermitian.
@@ -90,8 +81,8 @@ matrix: A, of shape (P, P), in the order of density_matrix() and numpy.kron.)");
         "fidelity",
         [](const ComplexArray& state, const py::args& qudits) {
             if (state.size() != static_cast<py::ssize_t>(QuditArguments(qudits).combinations))
-                throw py::value_error("the state must have " +
-                                      std::to_string(QuditArguments(qudits).combinations) + " elements");
+                throw py::value_error("the state must have " + std::to_string(QuditArguments(qudits).combinations) +
+                                      " elements");
             const auto elements = elements_of(state);
             return of(qudits, [&](const vantel::QuditList& list) {
                 return vantel::fidelity(list, std::span<const vantel::Complex>(elements));
@@ -115,5 +106,4 @@ state: psi, P elements of any norm but 0, in the order of amplitudes(), of any s
 
 left, right: a qudit, or a sequence of them. Raises ValueError if both sides together are not in a pure state.)");
 }
-
 } // namespace vantel::python

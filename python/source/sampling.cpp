@@ -1,23 +1,18 @@
 // Shots: what many measurements of equal states would find.
-#include <pybind11/numpy.h>
-
+#include "objects.hpp"
+#include "tables.hpp"
 #include <algorithm>
+#include <pybind11/numpy.h>
 #include <random>
 #include <vantel_sampling.hpp>
 
-#include "objects.hpp"
-#include "tables.hpp"
-
 namespace vantel::python {
-
 namespace {
-
 /// A generator that starts from a seed, or without one from the system's randomness.
 std::mt19937_64 generator_of(py::handle seed) {
     if (!seed.is_none()) {
         const long number = get_integer(seed, "seed");
-        if (number < 0)
-            throw py::value_error("seed must not be negative");
+        if (number < 0) throw py::value_error("seed must not be negative");
         return std::mt19937_64(static_cast<std::uint64_t>(number));
     }
     std::random_device system;
@@ -27,8 +22,7 @@ std::mt19937_64 generator_of(py::handle seed) {
 
 std::size_t shots_of(py::handle shots) {
     const long number = get_integer(shots, "shots");
-    if (number < 0)
-        throw py::value_error("shots must not be negative");
+    if (number < 0) throw py::value_error("shots must not be negative");
     return static_cast<std::size_t>(number);
 }
 
@@ -37,8 +31,7 @@ vantel::OutcomeSampler sampler_of(const QuditArguments& qudits) {
     check_table(qudits.combinations, 1);
     Work work(qudits.members, {}, 0, static_cast<double>(qudits.combinations));
     std::vector<std::reference_wrapper<vantel::Qudit>> list;
-    for (const auto& member : qudits.members)
-        list.push_back(member->qudit);
+    for (const auto& member : qudits.members) list.push_back(member->qudit);
     return work([&] { return vantel::OutcomeSampler(list); });
 }
 
@@ -50,8 +43,7 @@ template <class Part> void in_parts(std::size_t shots, Part part) {
             py::gil_scoped_release unlocked;
             part(done, std::min(at_once, shots - done));
         }
-        if (PyErr_CheckSignals() != 0)
-            throw py::error_already_set();
+        if (PyErr_CheckSignals() != 0) throw py::error_already_set();
     }
 }
 
@@ -78,21 +70,18 @@ py::object counts(const py::args& arguments, py::handle shots, py::handle seed) 
     const vantel::OutcomeSampler sampler = sampler_of(QuditArguments(arguments));
     std::vector<std::size_t> tally(sampler.size());
     in_parts(count, [&](std::size_t, std::size_t more) {
-        for (std::size_t shot = 0; shot < more; ++shot)
-            ++tally[sampler(generator)];
+        for (std::size_t shot = 0; shot < more; ++shot) ++tally[sampler(generator)];
     });
     py::object counter = py::module_::import("collections").attr("Counter")();
     for (std::size_t row = 0; row < tally.size(); ++row)
         if (tally[row] > 0) {
             const auto levels = sampler.levels(row);
             py::tuple key(levels.size());
-            for (std::size_t i = 0; i < levels.size(); ++i)
-                key[i] = levels[i];
+            for (std::size_t i = 0; i < levels.size(); ++i) key[i] = levels[i];
             counter[key] = tally[row];
         }
     return counter;
 }
-
 } // namespace
 
 void bind_sampling(py::module_& module) {
@@ -107,5 +96,4 @@ randomness.)");
 
 Returns a collections.Counter with tuples of levels as keys: of the shots that sample() draws with the same seed.)");
 }
-
 } // namespace vantel::python

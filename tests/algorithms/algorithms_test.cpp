@@ -1,11 +1,3 @@
-#include <algorithm>
-#include <bit>
-#include <limits>
-#include <random>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "algorithms/complex_product.hpp"
 #include "algorithms/gathered_bits.hpp"
 #include "algorithms/key_index.hpp"
@@ -13,16 +5,20 @@
 #include "algorithms/scratch.hpp"
 #include "algorithms/two_ended_partition.hpp"
 #include "state/reduction.hpp"
+#include <algorithm>
+#include <bit>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <vector>
 
 namespace vantel::testing {
 namespace {
-
 TEST(KeyIndex, NumbersKeysAsTheyAreFirstSeenHoweverManyCome) {
     HashedKeyIndex index(1);
     for (int again = 0; again < 2; ++again) {
         std::mt19937_64 keys(1);
-        for (std::size_t i = 0; i < 5000; ++i)
-            ASSERT_EQ(index.find_or_add(keys()), i);
+        for (std::size_t i = 0; i < 5000; ++i) ASSERT_EQ(index.find_or_add(keys()), i);
     }
 }
 
@@ -35,8 +31,7 @@ TEST(GatheredBits, AreThoseOfTheMaskInTheirOrder) {
         std::uint64_t key = 0;
         unsigned bits = 0;
         for (unsigned bit = 0; bit < 64; ++bit)
-            if ((mask >> bit & 1) != 0)
-                key |= (word >> bit & 1) << bits++;
+            if ((mask >> bit & 1) != 0) key |= (word >> bit & 1) << bits++;
         ASSERT_EQ(gather.bits(), bits);
         ASSERT_EQ(gather(word), key);
         ASSERT_EQ(gather.cheapest([&](auto cheapest) { return cheapest(word); }), key);
@@ -47,8 +42,7 @@ TEST(RadixSort, IsStableAboveTheLowBits) {
     std::mt19937_64 words(1);
     for (const unsigned low_bit : {0U, 12U, 40U}) {
         std::vector<std::uint64_t> items(3000);
-        for (std::uint64_t& item : items)
-            item = words() & 0xFFFFFFF0FFFU; // with digits in which none differ
+        for (std::uint64_t& item : items) item = words() & 0xFFFFFFF0FFFU; // with digits in which none differ
         std::vector<std::uint64_t> sorted = items;
         std::vector<std::uint64_t> scratch(items.size());
         std::stable_sort(sorted.begin(), sorted.end(),
@@ -62,21 +56,17 @@ TEST(TwoEndedPartition, FillsEachHoleWithTheKeptItemNearestTheTail) {
     std::mt19937_64 random(1);
     for (std::size_t size = 0; size < 300; ++size) {
         std::vector<int> list(size);
-        for (int& item : list)
-            item = static_cast<int>(random() % 1000);
+        for (int& item : list) item = static_cast<int>(random() % 1000);
         std::vector<int> literal = list;
         const int share = static_cast<int>(size % 5) * 250;
         const auto keep = [=](int item) { return item < share; };
         std::size_t end = literal.size();
         for (std::size_t i = 0; i < end; ++i) {
-            while (i < end && !keep(literal[i]))
-                literal[i] = literal[--end];
+            while (i < end && !keep(literal[i])) literal[i] = literal[--end];
         }
         const std::span<int> span(list);
         ASSERT_EQ(partition_two_ended(span, judged_by(span, keep)), end);
-        ASSERT_TRUE(
-            std::equal(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(end), literal.begin()))
-            << size;
+        ASSERT_TRUE(std::equal(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(end), literal.begin())) << size;
     }
 }
 
@@ -92,21 +82,19 @@ TEST(Scratch, TakesFromTheSpareStretchAndThenElsewhere) {
 }
 
 TEST(Factor, GivesTheBitsOfTheStandardProduct) {
-    constexpr double inf = std::numeric_limits<double>::infinity(),
-                     nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double inf = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
     const double parts[] = {0.0, -0.0, 1.0, -0.3, 1e308, inf, -inf, nan};
     for (const double a : parts)
         for (const double b : parts)
             for (const double c : parts)
                 for (const double d : parts) {
-                    const std::complex<double> expected =
-                        std::complex<double>(a, b) * std::complex<double>(c, d);
+                    const std::complex<double> expected = std::complex<double>(a, b) * std::complex<double>(c, d);
                     const Parts product = Factor(std::complex<double>(c, d))(Parts{a, b});
                     for (const auto& [one, other] :
                          {std::pair(product[0], expected.real()), std::pair(product[1], expected.imag())})
-                        ASSERT_TRUE(std::isnan(one) ? std::isnan(other)
-                                                    : std::bit_cast<std::uint64_t>(one) ==
-                                                          std::bit_cast<std::uint64_t>(other));
+                        ASSERT_TRUE(std::isnan(one)
+                                        ? std::isnan(other)
+                                        : std::bit_cast<std::uint64_t>(one) == std::bit_cast<std::uint64_t>(other));
                 }
 }
 
@@ -127,15 +115,12 @@ TEST(Reduction, LeavesTheOrderThatIsWrittenFromTheSums) {
         qudit::ReducedOrder order(written, 1, holes.data());
         for (std::uint64_t label = 0; label < sums.size(); ++label)
             order.add(label, Parts{sums[label].second, 0}, sums[label].first);
-        for (std::size_t i = 0; i < list.size(); ++i)
-            ASSERT_EQ(written[i].values, list[i].values) << times;
+        for (std::size_t i = 0; i < list.size(); ++i) ASSERT_EQ(written[i].values, list[i].values) << times;
         for (std::size_t first = 0; run != 0 && first <= list.size(); ++first)
             qudit::UniformOrder(list.size(), run, first)
-                .take(list.size() - first, [&](std::size_t i, std::size_t place) {
-                    ASSERT_EQ(list[place].values, first + i) << times;
-                });
+                .take(list.size() - first,
+                      [&](std::size_t i, std::size_t place) { ASSERT_EQ(list[place].values, first + i) << times; });
     }
 }
-
 } // namespace
 } // namespace vantel::testing

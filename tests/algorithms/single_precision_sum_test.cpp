@@ -1,20 +1,15 @@
 #include "algorithms/single_precision_sum.hpp"
-
 #include <cmath>
 #include <functional>
+#include <gtest/gtest.h>
 #include <limits>
 #include <random>
 
-#include <gtest/gtest.h>
-
 namespace vantel::qudit {
 namespace {
-
 using Weights = std::array<double, SinglePrecisionSum::block>;
 
-float literally(float sum, double weight) {
-    return static_cast<float>(static_cast<double>(sum) + weight);
-}
+float literally(float sum, double weight) { return static_cast<float>(static_cast<double>(sum) + weight); }
 
 /// Adds blocks of what `draw` makes of the sum so far. @return how many could be added at once
 int blocks_at_once(int blocks, const std::function<double(float sum)>& draw) {
@@ -30,8 +25,7 @@ int blocks_at_once(int blocks, const std::function<double(float sum)>& draw) {
         if (sum.add(weights))
             ++at_once;
         else
-            for (const double weight : weights)
-                sum.add(weight);
+            for (const double weight : weights) sum.add(weight);
         EXPECT_EQ(std::bit_cast<std::uint32_t>(sum.value()), std::bit_cast<std::uint32_t>(literal)) << i;
     }
     return at_once;
@@ -72,6 +66,5 @@ TEST_F(SinglePrecision, GoesOnToInfinityAndNaN) {
         for (const double fill : {0.3, 0x1p+120})
             blocks_at_once(200, [&](float) { return once_in(1000) ? odd : fill * uniform(); });
 }
-
 } // namespace
 } // namespace vantel::qudit

@@ -1,20 +1,16 @@
 // Circuits: what a run calls, what text and drawings say, and what is refused where.
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <sstream>
-
 #include <vantel_circuit_drawing.hpp>
 #include <vantel_circuit_text.hpp>
 #include <vantel_quantities.hpp>
 
 namespace {
-
-const std::string gates =
-    "qudit a 3\nqudit b 3\nqudit c 2\nhadamard a\ncycle b 0.3 if a != 1\nclock a 0.25\n"
-    "inverse_hadamard c if b == 2 && a == 0\nsum a b\nshift a\ni_swap a b -0.7 if c == 1\n"
-    "phase_rotate 0.1 if a == 1 && c == 0\nswap_levels b a\nadd b -2\ninverse_sum c a\n"
-    "unitary c a 0 0 1 0 0 0 1 0 0 0 0 0 0 1 0 0 0 0 0 0 0 0 0 (0,1) 0 0 0 0 1 0 0 0 0 1 0 0\n";
+const std::string gates = "qudit a 3\nqudit b 3\nqudit c 2\nhadamard a\ncycle b 0.3 if a != 1\nclock a 0.25\n"
+                          "inverse_hadamard c if b == 2 && a == 0\nsum a b\nshift a\ni_swap a b -0.7 if c == 1\n"
+                          "phase_rotate 0.1 if a == 1 && c == 0\nswap_levels b a\nadd b -2\ninverse_sum c a\n"
+                          "unitary c a 0 0 1 0 0 0 1 0 0 0 0 0 0 1 0 0 0 0 0 0 0 0 0 (0,1) 0 0 0 0 1 0 0 0 0 1 0 0\n";
 
 TEST(CircuitRun, HasTheBitsOfTheCallsAndItsTextAndInverse) {
     const vantel::Circuit circuit = vantel::read_circuit("# all gates\r\n\n" + gates);
@@ -36,8 +32,7 @@ TEST(CircuitRun, HasTheBitsOfTheCallsAndItsTextAndInverse) {
     add(q[1], -2);
     inverse_sum(q[2], q[0]);
     vantel::unitary({q[2], q[0]}, circuit.steps().back().matrix);
-    const auto expected = vantel::reduced_density_matrix(q),
-               found = vantel::reduced_density_matrix(run.qudits);
+    const auto expected = vantel::reduced_density_matrix(q), found = vantel::reduced_density_matrix(run.qudits);
     const std::size_t bytes = expected.side() * expected.side() * sizeof(float);
     EXPECT_EQ(std::memcmp(expected.real(), found.real(), bytes), 0);
     EXPECT_EQ(std::memcmp(expected.imaginary(), found.imaginary(), bytes), 0);
@@ -55,8 +50,7 @@ TEST(CircuitRun, AsksWhatItHasRead) {
     teleport.hadamard(here).sum(here, there).inverse_sum(message, here).inverse_hadamard(message);
     const auto phase = teleport.measure({message, here}, {"phase", "offset"});
     const auto offset = teleport.value("offset");
-    for (const int k : {1, 2})
-        teleport.add(there, -k, offset == k).clock(there, -k, phase != 0 && phase == k);
+    for (const int k : {1, 2}) teleport.add(there, -k, offset == k).clock(there, -k, phase != 0 && phase == k);
     EXPECT_EQ(teleport.project({there == 1, phase == 5}, "never").place, 2U);
     EXPECT_EQ(teleport.reset(there, "level", phase == 5).place, 3U);
 
@@ -64,8 +58,7 @@ TEST(CircuitRun, AsksWhatItHasRead) {
     larger.append(teleport, {{2}, {1}, {3}});
     auto qudits = vantel::make_register(larger.dimensions());
     for (int round = 0; round < 9; ++round) {
-        for (auto& qudit : qudits)
-            (void)vantel::reset(qudit);
+        for (auto& qudit : qudits) (void)vantel::reset(qudit);
         vantel::prepare(qudits[2], {1, vantel::Complex(0, 2), 3});
         const auto readings = larger.run(qudits);
         EXPECT_NEAR(vantel::fidelity(qudits[3], {1, vantel::Complex(0, 2), 3}), 1, 1e-5);
@@ -90,8 +83,7 @@ TEST(CircuitText, TellsWhereItIsWrong) {
         {"unitary a (0;1)", "column 13: a sign that has no meaning here"},
         {"qudit if 3", "column 7: a name expected, not 'if'"},
     }};
-    for (const auto& [line, refusal] : wrong)
-        try {
+    for (const auto& [line, refusal] : wrong) try {
             (void)vantel::read_circuit("qudit a 2\nqudit b 2\n" + line);
             ADD_FAILURE() << line;
         } catch (const vantel::CircuitTextError& failure) {
@@ -100,10 +92,9 @@ TEST(CircuitText, TellsWhereItIsWrong) {
 }
 
 TEST(CircuitDrawing, IsAligned) {
-    const auto circuit =
-        vantel::read_circuit("qudit a 3\nqudit bob 10\nqudit c 2\nvalue m\nsum a c\nhadamard bob\n"
-                             "measure a -> m\nadd bob -2 if m == 1 && a != 2\nhadamard c\n"
-                             "phase_rotate 3 if a == 0 && c == 1\n");
+    const auto circuit = vantel::read_circuit("qudit a 3\nqudit bob 10\nqudit c 2\nvalue m\nsum a c\nhadamard bob\n"
+                                              "measure a -> m\nadd bob -2 if m == 1 && a != 2\nhadamard c\n"
+                                              "phase_rotate 3 if a == 0 && c == 1\n");
     const std::string box = "a (3):    ─┤c├──┤M→m├───○2────────●0──────\n"
                             "            │           │         │\n"
                             "bob (10): ──┼───┤H├────┤-2 m=1├───┼───────\n"
@@ -114,10 +105,8 @@ TEST(CircuitDrawing, IsAligned) {
     EXPECT_EQ(ascii.substr(ascii.rfind('c')), "c (2):    -[+]--[H]--------------(1 e^3i)--\n");
     const std::string svg = vantel::draw_svg(circuit);
     std::size_t circles = 0;
-    for (std::size_t at = 0; (at = svg.find("<circle", at)) != std::string::npos; ++at)
-        ++circles;
+    for (std::size_t at = 0; (at = svg.find("<circle", at)) != std::string::npos; ++at) ++circles;
     EXPECT_EQ(circles, 3U);
     EXPECT_NE(svg.find(">M→m</text>"), std::string::npos);
 }
-
 } // namespace

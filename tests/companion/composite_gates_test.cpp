@@ -1,18 +1,15 @@
 // Each composite gate is held against its whole matrix, phases included. The gate acts on one half of
 // maximally entangled pairs; the pure state that results holds every element of the matrix once.
-#include <gtest/gtest.h>
-
 #include <complex>
 #include <functional>
+#include <gtest/gtest.h>
 #include <numbers>
 #include <numeric>
 #include <string>
+#include <vantel.hpp>
 #include <vector>
 
-#include <vantel.hpp>
-
 namespace {
-
 using vantel::Qudit;
 using Levels = std::vector<int>;
 using Qudits = std::vector<Qudit>;
@@ -28,8 +25,7 @@ struct Gate {
     [[nodiscard]] std::complex<double> element(const Levels& out, Levels in) const {
         if (image != nullptr) {
             image(in);
-            for (std::size_t i = 0; i < in.size(); ++i)
-                in[i] = (in[i] + 10 * dimensions[i]) % dimensions[i];
+            for (std::size_t i = 0; i < in.size(); ++i) in[i] = (in[i] + 10 * dimensions[i]) % dimensions[i];
             return out == in;
         }
         const auto number = [this](const Levels& digits) {
@@ -37,14 +33,11 @@ struct Gate {
                                    [this](double high, int digit) { return dimensions[0] * high + digit; });
         };
         const double side = std::pow(dimensions[0], static_cast<double>(in.size()));
-        return std::polar(1.0 / std::sqrt(side),
-                          fourier_sign * 2 * std::numbers::pi * number(in) * number(out) / side);
+        return std::polar(1.0 / std::sqrt(side), fourier_sign * 2 * std::numbers::pi * number(in) * number(out) / side);
     }
 };
 
-void PrintTo(const Gate& gate, std::ostream* out) {
-    *out << gate.name;
-}
+void PrintTo(const Gate& gate, std::ostream* out) { *out << gate.name; }
 
 /// The levels of row `row`, the first qudit varying fastest.
 Levels levels_of(std::size_t row, const Levels& dimensions) {
@@ -61,8 +54,7 @@ template <class Matrix> void expect_state(const Matrix& matrix, const std::vecto
     ASSERT_EQ(matrix.side(), a.size());
     for (std::size_t row = 0; row < a.size(); ++row)
         for (std::size_t column = 0; column < a.size(); ++column)
-            ASSERT_NEAR(std::abs(std::complex<double>(matrix(row, column)) - a[row] * std::conj(a[column])),
-                        0.0, 1e-6)
+            ASSERT_NEAR(std::abs(std::complex<double>(matrix(row, column)) - a[row] * std::conj(a[column])), 0.0, 1e-6)
                 << row << ' ' << column;
 }
 
@@ -76,8 +68,7 @@ TEST_P(CompositeGate, IsItsMatrix) {
         Qudit& qudit = work.emplace_back(dimension);
         Qudit& partner = partners.emplace_back(dimension);
         vantel::hadamard(partner);
-        for (int level = 1; level < dimension; ++level)
-            vantel::add(qudit, level, partner == level);
+        for (int level = 1; level < dimension; ++level) vantel::add(qudit, level, partner == level);
     }
     gate.apply(work);
 
@@ -88,15 +79,12 @@ TEST_P(CompositeGate, IsItsMatrix) {
 
     std::vector<std::complex<double>> amplitudes;
     for (std::size_t row = 0; row < side * side; ++row)
-        amplitudes.push_back(
-            gate.element(levels_of(row % side, dimensions), levels_of(row / side, dimensions)) /
-            std::sqrt(static_cast<double>(side)));
+        amplitudes.push_back(gate.element(levels_of(row % side, dimensions), levels_of(row / side, dimensions)) /
+                             std::sqrt(static_cast<double>(side)));
     expect_state(state, amplitudes);
 }
 
-void added(Levels& v) {
-    v[1] += v[0];
-}
+void added(Levels& v) { v[1] += v[0]; }
 
 const Gate gates[] = {
     {"sum_2_2", {2, 2}, [](auto& q) { sum(q[0], q[1]); }, added},
@@ -108,10 +96,7 @@ const Gate gates[] = {
     {"add_three", {5}, [](auto& q) { add(q[0], 3); }, [](auto& v) { v[0] += 3; }},
     {"add_minus_two", {7}, [](auto& q) { add(q[0], -2); }, [](auto& v) { v[0] -= 2; }},
     {"negate", {5}, [](auto& q) { negate(q[0]); }, [](auto& v) { v[0] = -v[0]; }},
-    {"swap_by_sums",
-     {4, 4},
-     [](auto& q) { swap_by_sums(q[0], q[1]); },
-     [](auto& v) { std::swap(v[0], v[1]); }},
+    {"swap_by_sums", {4, 4}, [](auto& q) { swap_by_sums(q[0], q[1]); }, [](auto& v) { std::swap(v[0], v[1]); }},
     {"fourier_qubits", {2, 2, 2}, [](auto& q) { fourier_transform(q); }, nullptr, 1},
     {"fourier_qutrits", {3, 3}, [](auto& q) { fourier_transform(q); }, nullptr, 1},
     {"inverse_fourier", {3, 3}, [](auto& q) { inverse_fourier_transform(q); }, nullptr, -1},
@@ -122,12 +107,10 @@ INSTANTIATE_TEST_SUITE_P(All, CompositeGate, testing::ValuesIn(gates),
 
 TEST(Preparation, OfAGhzStateOfMixedDimensions) {
     Qudits qudits;
-    for (const int dimension : {3, 5, 2})
-        qudits.emplace_back(dimension);
+    for (const int dimension : {3, 5, 2}) qudits.emplace_back(dimension);
     vantel::prepare_ghz(qudits);
     std::vector<std::complex<double>> amplitudes(30);
-    for (const std::size_t row : {0U, 1U + 3U + 15U, 2U + 6U})
-        amplitudes[row] = std::sqrt(1.0 / 3);
+    for (const std::size_t row : {0U, 1U + 3U + 15U, 2U + 6U}) amplitudes[row] = std::sqrt(1.0 / 3);
     expect_state(vantel::reduced_density_matrix(qudits), amplitudes);
 }
 
@@ -140,5 +123,4 @@ TEST(Preparation, OfABellStateWithPhaseAndOffset) {
             std::polar(std::sqrt(1.0 / 3), 2 * std::numbers::pi * 2 * k / 3);
     expect_state(vantel::reduced_density_matrix(first, second), amplitudes);
 }
-
 } // namespace

@@ -1,12 +1,10 @@
 // Noise: which operator is drawn, what it does to a state, and many runs of a circuit.
 #include <gtest/gtest.h>
-
 #include <vantel_circuit_text.hpp>
 #include <vantel_ensemble.hpp>
 #include <vantel_quantities.hpp>
 
 namespace {
-
 using vantel::Complex;
 
 TEST(WeylNoise, DrawsEachErrorByItsShare) {
@@ -16,8 +14,7 @@ TEST(WeylNoise, DrawsEachErrorByItsShare) {
     EXPECT_EQ(dephasing.draw(0.599), vantel::Weyl{});
     for (int error = 1; error < 9; ++error)
         EXPECT_EQ(depolarising.draw(0.575 + 0.05 * error), (vantel::Weyl{error % 3, error / 3}));
-    for (int error = 1; error < 5; ++error)
-        EXPECT_EQ(dephasing.draw(0.55 + 0.1 * error), (vantel::Weyl{0, error}));
+    for (int error = 1; error < 5; ++error) EXPECT_EQ(dephasing.draw(0.55 + 0.1 * error), (vantel::Weyl{0, error}));
     EXPECT_EQ(vantel::dephasing(2, 0).draw(1 - 0x1p-53), vantel::Weyl{});
     EXPECT_THROW(vantel::WeylChannel(2, {0.5, 0.25, 0.25, 0.25}), std::invalid_argument);
     EXPECT_THROW((void)vantel::depolarising(2, 1.5), std::invalid_argument);
@@ -37,8 +34,7 @@ TEST(KrausNoise, LeavesTheStateOfTheOperatorThatItTells) {
             const auto& matrix = channel.operators().at(channel.apply(target));
             for (std::size_t i = 0; i < after.size(); ++i) {
                 after[i] = 0;
-                for (std::size_t v = 0; v < d; ++v)
-                    after[i] += matrix[i % d * d + v] * before[i / d * d + v];
+                for (std::size_t v = 0; v < d; ++v) after[i] += matrix[i % d * d + v] * before[i / d * d + v];
             }
             ASSERT_NEAR(vantel::fidelity({target, spectator}, after), 1, 1e-5);
         }
@@ -76,16 +72,14 @@ TEST(Ensemble, HasTheSameCountsWithAnyNumberOfThreads) {
 
 TEST(Ensemble, IsTheSumOfItsParts) {
     // A table that all shots share, with parts inside and across its blocks, and a state for each shot.
-    for (const auto& [noise, shots, border] :
-         {std::tuple("", std::size_t{200000}, std::size_t{70000}),
-          std::tuple("dephase a 0.5\n", std::size_t{500}, std::size_t{123})}) {
-        const auto circuit = vantel::read_circuit("qudit a 3\ncycle a 0.5\n" + std::string(noise) +
-                                                  "hadamard a\nmeasure a -> m\n");
+    for (const auto& [noise, shots, border] : {std::tuple("", std::size_t{200000}, std::size_t{70000}),
+                                               std::tuple("dephase a 0.5\n", std::size_t{500}, std::size_t{123})}) {
+        const auto circuit =
+            vantel::read_circuit("qudit a 3\ncycle a 0.5\n" + std::string(noise) + "hadamard a\nmeasure a -> m\n");
         const vantel::Trials trials(circuit, 9);
         auto counts = trials.run(0, border, 2).counts();
         const auto rest = trials.run(border, shots, 3);
-        for (const auto& [numbers, found] : rest.counts())
-            counts[numbers] += found;
+        for (const auto& [numbers, found] : rest.counts()) counts[numbers] += found;
         EXPECT_EQ(counts, vantel::ensemble(circuit, shots, 1, 9).counts());
         EXPECT_EQ(trials.run(5, 5).shots(), 0U);
     }
@@ -96,19 +90,17 @@ TEST(Ensemble, SaysWhereItCannotBeRepeated) {
     const std::string pair = "qudit other 2\nqudit a 3\nqudit b 3\nhadamard a\nsum a b\nmeasure a -> m\n";
     const auto last = vantel::ensemble(vantel::read_circuit(pair + "measure b -> n\n"), 300, 2, 1);
     EXPECT_TRUE(last.repeatable());
-    for (const std::string midway : {"shift b if a == 1\n", "shift b if m == 1\n", "reset b -> r\n",
-                                     "damp b 0.5\n", "measure b -> m\n", "project -> p if b == 1\n"}) {
-        const auto runs =
-            vantel::ensemble(vantel::read_circuit(pair + midway + "measure b -> n\n"), 300, 2, 1);
+    for (const std::string midway : {"shift b if a == 1\n", "shift b if m == 1\n", "reset b -> r\n", "damp b 0.5\n",
+                                     "measure b -> m\n", "project -> p if b == 1\n"}) {
+        const auto runs = vantel::ensemble(vantel::read_circuit(pair + midway + "measure b -> n\n"), 300, 2, 1);
         EXPECT_FALSE(runs.repeatable()) << midway;
         if (midway[0] == 's') {
             EXPECT_EQ(runs.count({1, 0}) + runs.count({0, 0}) + runs.count({2, 2}), 300U) << midway;
         }
     }
     EXPECT_EQ(last.count({0, 0}) + last.count({1, 1}) + last.count({2, 2}), 300U);
-    EXPECT_EQ(testing::PrintToString(
-                  vantel::ensemble(vantel::read_circuit("qudit a 2\ncycle a\nreset a -> long\n"), 12)),
-              "long shots\n   1 12\ncannot be repeated: the circuit collapses its state midway\n");
+    EXPECT_EQ(
+        testing::PrintToString(vantel::ensemble(vantel::read_circuit("qudit a 2\ncycle a\nreset a -> long\n"), 12)),
+        "long shots\n   1 12\ncannot be repeated: the circuit collapses its state midway\n");
 }
-
 } // namespace

@@ -1,6 +1,5 @@
 // What is computed of a state, against numbers known in closed form.
 #include <gtest/gtest.h>
-
 #include <vantel_quantities.hpp>
 
 TEST(Quantity, OfPartsOfAGhzState) {

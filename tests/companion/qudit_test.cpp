@@ -1,18 +1,15 @@
 // What owns, what fails and what is returned.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
+#include <gtest/gtest.h>
 #include <memory>
 #include <type_traits>
+#include <vantel.hpp>
 #include <vector>
 
-#include <vantel.hpp>
-
 namespace {
-
 using vantel::Qudit;
 
 static_assert(!std::is_copy_constructible_v<Qudit> && std::is_nothrow_move_constructible_v<Qudit> &&
@@ -66,8 +63,7 @@ TEST(QuditObject, CanLeaveAStateOverTheLimit) {
         vantel::join(q[0], q[6]);
         vantel::sum(q[0], q[5]);
         for (std::size_t i = 0; i < 6; ++i)
-            if (status_of_failure([&] { vantel::hadamard(q[i], q[6] == 0); }) != (i < 5 ? 0 : 9))
-                std::_Exit(1);
+            if (status_of_failure([&] { vantel::hadamard(q[i], q[6] == 0); }) != (i < 5 ? 0 : 9)) std::_Exit(1);
         q.pop_back();
         q.pop_back(); // measured, and of one level from now on
         std::_Exit(status_of_failure([&] {
@@ -88,18 +84,10 @@ TEST(ConditionList, CanBeWrittenInEachForm) {
         Qudit target(5);
         vantel::join(a, target);
         switch (form) {
-        case 0:
-            vantel::cycle(target, a == 1 && b != 1);
-            break;
-        case 1:
-            vantel::cycle(target, {a == 1, b != 1});
-            break;
-        case 2:
-            vantel::cycle(target, collected);
-            break;
-        default:
-            vantel::cycle(target, {a == 1, b != 0});
-            break;
+        case 0: vantel::cycle(target, a == 1 && b != 1); break;
+        case 1: vantel::cycle(target, {a == 1, b != 1}); break;
+        case 2: vantel::cycle(target, collected); break;
+        default: vantel::cycle(target, {a == 1, b != 0}); break;
         }
         EXPECT_EQ(vantel::measure(target), form < 3 ? 1 : 0) << form;
     }
@@ -126,14 +114,12 @@ TEST(Failure, ArrivesAsOneClassWhicheverWayItCame) {
     auto many = vantel::make_register(11, 2);
     EXPECT_EQ(status_of_failure([&] { (void)vantel::probabilities(many); }), vantel_bad_qudit_number);
     EXPECT_EQ(status_of_failure([&] {
-                  for (auto& qudit : many)
-                      vantel::hadamard(two, qudit == 0);
+                  for (auto& qudit : many) vantel::hadamard(two, qudit == 0);
               }),
               vantel_bad_qudit_number);
 
     auto large = vantel::make_register(6, 10);
-    for (auto& qudit : large)
-        vantel::hadamard(qudit);
+    for (auto& qudit : large) vantel::hadamard(qudit);
     EXPECT_EQ(status_of_failure([&] { (void)vantel::measure(large); }), vantel_state_size_exceeded);
 }
 
@@ -186,8 +172,7 @@ TEST(JointState, StaysSoundWhenTheLastComerLeaves) {
     auto pair = vantel::make_register(2, 3); // nobody has left it yet
     vantel::cycle(pair[0]);
     vantel::shift(pair[1]);
-    for (int round = 0; round < 3; ++round)
-        EXPECT_TRUE(vantel::project(pair[0] == 1 && pair[1] == 2)) << round;
+    for (int round = 0; round < 3; ++round) EXPECT_TRUE(vantel::project(pair[0] == 1 && pair[1] == 2)) << round;
 }
 
 TEST(Readout, OfAnEmptyJointStateHasNoRows) {
@@ -205,5 +190,4 @@ TEST(Readout, TakesReferencesInAnyOrder) {
     EXPECT_EQ(vantel::measure(list), (std::vector{1, 0}));
     EXPECT_EQ(vantel::reduced_density_matrix(list)(1, 1), 1.0);
 }
-
 } // namespace

@@ -1,10 +1,8 @@
 // Shots: what a generator that counts gives by hand, and how often many give what.
 #include <gtest/gtest.h>
-
 #include <vantel_sampling.hpp>
 
 namespace {
-
 std::string refusal_of(auto body) try {
     body();
     return {};
@@ -61,12 +59,10 @@ TEST(Sampling, OfMoreQuditsThanOneTableHasRowsFor) {
         ++last.at(static_cast<std::size_t>(levels[8]));
     }
     // Hoeffding: off by t or more at most 2 exp(-2 t^2 / 3000) of the time; ten levels together 1e-9.
-    for (std::size_t level = 0; level < 10; ++level)
-        EXPECT_NEAR(last[level], 270 + (level == 3 ? 300 : 0), 189);
+    for (std::size_t level = 0; level < 10; ++level) EXPECT_NEAR(last[level], 270 + (level == 3 ? 300 : 0), 189);
     const auto found = vantel::counts(q, 3000, same);
     std::size_t all_three = 0;
-    for (const auto& levels : shots)
-        all_three += levels == std::vector<int>(9, 3);
+    for (const auto& levels : shots) all_three += levels == std::vector<int>(9, 3);
     EXPECT_EQ(found(3, 3, 3, 3, 3, 3, 3, 3, 3), all_three);
 
     const auto after = vantel::reduced_density_matrix(q[8], q[0]);
@@ -76,5 +72,4 @@ TEST(Sampling, OfMoreQuditsThanOneTableHasRowsFor) {
     vantel::join(q[0], tenth);
     EXPECT_NE(refusal_of([&] { (void)vantel::sample(q, 1, generator); }).find("helper"), std::string::npos);
 }
-
 } // namespace

@@ -1,13 +1,10 @@
 // Matrices as gates: held against the matrices, and what is refused.
 #include <gtest/gtest.h>
-
 #include <random>
-
 #include <vantel_quantities.hpp>
 #include <vantel_unitary.hpp>
 
 namespace {
-
 using vantel::Complex;
 
 /// Columns of random numbers, each made orthogonal to those before it, twice against rounding.
@@ -15,12 +12,10 @@ std::vector<Complex> random_unitary(std::size_t side) {
     std::mt19937 random(static_cast<unsigned>(side));
     std::normal_distribution<> part;
     std::vector<Complex> matrix(side * side);
-    for (Complex& element : matrix)
-        element = {part(random), part(random)};
+    for (Complex& element : matrix) element = {part(random), part(random)};
     const auto product = [&](std::size_t a, std::size_t b) {
         Complex sum = 0;
-        for (std::size_t row = 0; row < side; ++row)
-            sum += std::conj(matrix[row * side + a]) * matrix[row * side + b];
+        for (std::size_t row = 0; row < side; ++row) sum += std::conj(matrix[row * side + a]) * matrix[row * side + b];
         return sum;
     };
     for (std::size_t column = 0; column < side; ++column) {
@@ -30,8 +25,7 @@ std::vector<Complex> random_unitary(std::size_t side) {
                 matrix[row * side + column] -= part_of * matrix[row * side + i % column];
         }
         const double norm = std::sqrt(product(column, column).real());
-        for (std::size_t row = 0; row < side; ++row)
-            matrix[row * side + column] /= norm;
+        for (std::size_t row = 0; row < side; ++row) matrix[row * side + column] /= norm;
     }
     return matrix;
 }
@@ -59,9 +53,9 @@ TEST(UnitaryMatrix, IsItsMatrixWithinAMillionth) {
             phase += after[i] * std::conj(matrix[i % side * side + i / side]);
         phase /= std::abs(phase);
         for (std::size_t i = 0; i < after.size(); ++i)
-            ASSERT_NEAR(std::abs(after[i] / phase * std::sqrt(static_cast<double>(side)) -
-                                 matrix[i % side * side + i / side]),
-                        0, 1e-6)
+            ASSERT_NEAR(
+                std::abs(after[i] / phase * std::sqrt(static_cast<double>(side)) - matrix[i % side * side + i / side]),
+                0, 1e-6)
                 << side << ' ' << i;
         steps.inverse().apply(work);
         EXPECT_NEAR(vantel::fidelity(all, before), 1, 1e-6);
@@ -72,15 +66,13 @@ TEST(UnitaryMatrix, ActsWhereItsConditionsHold) {
     vantel::Qudit a(4), b(3);
     vantel::hadamard(b);
     std::vector<double> matrix(144); // (1, 0) and (0, 1) change places, the other ten stay
-    for (const std::size_t row : {0U, 2U, 3U, 5U, 6U, 7U, 8U, 9U, 10U, 11U})
-        matrix[row * 12 + row] = 1;
+    for (const std::size_t row : {0U, 2U, 3U, 5U, 6U, 7U, 8U, 9U, 10U, 11U}) matrix[row * 12 + row] = 1;
     matrix[1 * 12 + 4] = matrix[4 * 12 + 1] = 1;
     const std::size_t gates = vantel::unitary({a, b}, matrix);
     EXPECT_LT(gates, 20U); // one rotation and at most two phases
     vantel::unitary(a, {0, 0, 0, 1, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0}, b == 2);
     const auto table = vantel::probabilities(a, b);
-    for (const auto& [x, y] : {std::array{0, 0}, {1, 0}, {1, 2}})
-        EXPECT_NEAR(table(x, y), 1.0 / 3, 1e-6) << x << y;
+    for (const auto& [x, y] : {std::array{0, 0}, {1, 0}, {1, 2}}) EXPECT_NEAR(table(x, y), 1.0 / 3, 1e-6) << x << y;
     EXPECT_THROW(vantel::unitary(a, random_unitary(4), a == 1), vantel::Error);
     EXPECT_THROW(vantel::unitary({b, b}, random_unitary(9)), std::invalid_argument);
 }
@@ -110,5 +102,4 @@ TEST(PreparedState, HasItsAmplitudesAndBeginsInLevelZero) {
     EXPECT_NEAR(vantel::fidelity({a, b}, state), 1, 1e-6);
     EXPECT_THROW(vantel::prepare(a, {1, 0, 1}), std::domain_error);
 }
-
 } // namespace

@@ -23,21 +23,18 @@
 // A list is its length and its handles; conditions are their number and, each, a handle and a comparison. A
 // call is left out where it would end the process or the model would take too long.
 #include "tests/fuzz/calls.hpp"
-
-#include <array>
-#include <limits>
-#include <random>
-#include <set>
-
 #include "interface/quantum_property.hpp"
 #include "reference/literal_library.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
+#include <array>
+#include <limits>
+#include <random>
+#include <set>
 
 namespace vantel::testing {
 namespace {
-
 using namespace reference;
 using qudit::IState;
 using testing::Entries;
@@ -62,14 +59,11 @@ constexpr std::array fractions{1.0F, 0.5F, 0.0F,  -0.0F,      -1.0F, 0.25F,    2
 constexpr std::array entry_counts{0, 1, 2, 5, 12, 17, 33, 60, 150, 300, 520, 700, 1100, 1500, 2000, 2600};
 using wide = std::numeric_limits<double>;
 constexpr double t = 0x1p-23;
-constexpr std::array special_parts{
-    0.0,   -0.0,  wide::infinity(),      -wide::infinity(),      wide::quiet_NaN(),
-    t,     -t,    0x1.0000000000001p-23, -0x1.0000000000001p-23, 1e-8,
-    1e300, 5e-324};
+constexpr std::array special_parts{0.0,   -0.0,  wide::infinity(),      -wide::infinity(),      wide::quiet_NaN(),
+                                   t,     -t,    0x1.0000000000001p-23, -0x1.0000000000001p-23, 1e-8,
+                                   1e300, 5e-324};
 
-template <class Items> auto& pick(Items& items, std::size_t byte) {
-    return items[byte % std::size(items)];
-}
+template <class Items> auto& pick(Items& items, std::size_t byte) { return items[byte % std::size(items)]; }
 
 class TwoWorlds {
     struct Live {
@@ -101,8 +95,7 @@ public:
             IState& state = *live.handle->shared_state->state;
             if (state.packed_amplitudes().size() > max_entries) { // freed like this, it would end the process
                 Ints all;
-                for (int i = 0; i < static_cast<int>(state.num_qudits()); ++i)
-                    all.push_back(i);
+                for (int i = 0; i < static_cast<int>(state.num_qudits()); ++i) all.push_back(i);
                 state.measure(all);
             }
             vantel_free_quantum_property(live.handle);
@@ -128,8 +121,7 @@ private:
     // Arguments, each of which says itself.
 
     template <class... Parts> void say(const Parts&... parts) const {
-        if (trace_ != nullptr)
-            ((*trace_ << parts), ...) << std::flush;
+        if (trace_ != nullptr) ((*trace_ << parts), ...) << std::flush;
     }
 
     std::uint8_t byte() { return next_ < bytes_.size() ? bytes_[next_++] : std::uint8_t{0}; }
@@ -141,8 +133,7 @@ private:
         const std::uint8_t b = byte();
         std::vector<const Live*> near;
         for (const Live& live : live_)
-            if (model_.same_joint_state(live.id, other.id))
-                near.push_back(&live);
+            if (model_.same_joint_state(live.id, other.id)) near.push_back(&live);
         return say_handle(b < 192 ? *pick(near, b) : pick(live_, b));
     }
 
@@ -153,8 +144,7 @@ private:
 
     float fraction() {
         const int b = byte();
-        const float f =
-            b < 128 ? pick(fractions, static_cast<std::size_t>(b)) : static_cast<float>(b - 192) / 16.0F;
+        const float f = b < 128 ? pick(fractions, static_cast<std::size_t>(b)) : static_cast<float>(b - 192) / 16.0F;
         say(" ", f);
         return f;
     }
@@ -192,8 +182,7 @@ private:
             const LiteralState& state = model_.state(live.id);
             const int index = model_.index(live.id);
             const auto levels = static_cast<double>(state.qudit_dimension(index));
-            if (!drawn.model.empty() && drawn.combinations * levels > most)
-                break;
+            if (!drawn.model.empty() && drawn.combinations * levels > most) break;
             drawn.combinations *= levels;
             drawn.handles.push_back(live.handle);
             drawn.model.push_back(live.id);
@@ -222,12 +211,10 @@ private:
         for (const HandleId id : list) {
             const LiteralState& state = model_.state(id);
             dimension = std::max(dimension, static_cast<double>(state.dimension()));
-            if (too_large || !related.insert(&state).second)
-                continue;
+            if (too_large || !related.insert(&state).second) continue;
             entries *= static_cast<double>(state.basis_amplitudes().size());
             too_large = related.size() > 1 && entries > max_entries;
-            if (related.size() > 1)
-                merging += too_large ? entries : construction(entries);
+            if (related.size() > 1) merging += too_large ? entries : construction(entries);
         }
         return can_pay(merging + (too_large ? 0 : entries * work(entries, dimension)));
     }
@@ -248,8 +235,7 @@ private:
     static double construction(double entries) { return entries * entries / 8; }
 
     static HandleList with(HandleList list, const Conditions& conditions) {
-        for (const HandleControl& control : conditions.model)
-            list.push_back(control.property);
+        for (const HandleControl& control : conditions.model) list.push_back(control.property);
         return list;
     }
 
@@ -275,32 +261,26 @@ private:
     }
 
     static void require(bool holds, const std::string& text) {
-        if (!holds)
-            throw Mismatch{text};
+        if (!holds) throw Mismatch{text};
     }
 
     void compare() {
         for (std::size_t i = 0; i < live_.size(); ++i) {
             const auto& [handle, id] = live_[i];
             const std::string name = "q" + std::to_string(id);
-            require(handle->index == model_.index(id), "index of " + name + ": " +
-                                                           std::to_string(handle->index) + ", not " +
-                                                           std::to_string(model_.index(id)));
+            require(handle->index == model_.index(id), "index of " + name + ": " + std::to_string(handle->index) +
+                                                           ", not " + std::to_string(model_.index(id)));
             std::size_t first = 0;
-            while (live_[first].handle->shared_state != handle->shared_state)
-                ++first;
+            while (live_[first].handle->shared_state != handle->shared_state) ++first;
             std::size_t literal_first = 0;
-            while (!model_.same_joint_state(live_[literal_first].id, id))
-                ++literal_first;
+            while (!model_.same_joint_state(live_[literal_first].id, id)) ++literal_first;
             require(first == literal_first, "joint state of " + name);
-            if (first == i)
-                compare_joint_state(*handle->shared_state, id, "joint state of " + name);
+            if (first == i) compare_joint_state(*handle->shared_state, id, "joint state of " + name);
         }
         say("\n");
     }
 
-    void compare_joint_state(const QuantumProperty::SharedState& shared, HandleId id,
-                             const std::string& name) {
+    void compare_joint_state(const QuantumProperty::SharedState& shared, HandleId id, const std::string& name) {
         const LiteralState& literal = model_.state(id);
         budget_ -= static_cast<double>(literal.basis_amplitudes().size());
         require(shared.state->num_qudits() == literal.num_qudits(), name + ": number of qudits");
@@ -321,8 +301,7 @@ private:
     // The calls.
 
     void call(int which) {
-        if (live_.empty() && which > 2 && which != 15)
-            which = 1;
+        if (live_.empty() && which > 2 && which != 15) which = 1;
         return which == 0    ? static_cast<void>(vantel_version())
                : which == 1  ? make()
                : which == 2  ? free()
@@ -344,8 +323,7 @@ private:
 
     bool crowded(std::size_t more) {
         constexpr std::size_t most_handles = 14;
-        if (live_.size() + more <= most_handles)
-            return false;
+        if (live_.size() + more <= most_handles) return false;
         say(" (left out)");
         return true;
     }
@@ -354,8 +332,7 @@ private:
         const unsigned b = byte() % 16;
         const int dimension = b < 9 ? static_cast<int>(b) + 2 : odd_dimensions[b - 9];
         say("make ", dimension);
-        if (crowded(1))
-            return;
+        if (crowded(1)) return;
         HandleId id = no_handle;
         const Outcome expected = model_.make_quantum_property(dimension, id);
         QuantumProperty* handle = nullptr;
@@ -365,8 +342,7 @@ private:
             return status;
         });
         require((handle != nullptr) == (id != no_handle), "handle that was made");
-        if (handle != nullptr)
-            live_.push_back({handle, id});
+        if (handle != nullptr) live_.push_back({handle, id});
     }
 
     void free() {
@@ -378,15 +354,12 @@ private:
         const Live live = pick(live_, b);
         say(" q", live.id);
         const auto entries = static_cast<double>(model_.state(live.id).basis_amplitudes().size());
-        if (model_.release_ends_process(live.id) || !can_pay(construction(entries)))
-            return say(" (left out)");
+        if (model_.release_ends_process(live.id) || !can_pay(construction(entries))) return say(" (left out)");
         live_.erase(live_.begin() + static_cast<std::ptrdiff_t>(b % live_.size()));
-        expect(model_.free_quantum_property(live.id),
-               [&] { return vantel_free_quantum_property(live.handle); });
+        expect(model_.free_quantum_property(live.id), [&] { return vantel_free_quantum_property(live.handle); });
     }
 
-    void plain(const char* name, PlainGate gate,
-               Outcome (Library::*literal)(HandleId, const HandleControls&)) {
+    void plain(const char* name, PlainGate gate, Outcome (Library::*literal)(HandleId, const HandleControls&)) {
         say(name);
         const Live target = handle();
         const Conditions c = conditions(&target);
@@ -395,15 +368,14 @@ private:
                    [&] { return gate(target.handle, c.data(), c.records.size()); });
     }
 
-    void power(const char* name, PowerGate gate,
-               Outcome (Library::*literal)(HandleId, float, const HandleControls&), bool transforms) {
+    void power(const char* name, PowerGate gate, Outcome (Library::*literal)(HandleId, float, const HandleControls&),
+               bool transforms) {
         say(name);
         const Live target = handle();
         const float f = fraction();
         const Conditions c = conditions(&target);
         const auto in_model = [&](Library& model) { return (model.*literal)(target.id, f, c.model); };
-        if (admits(with({target.id}, c),
-                   [&](double, double d) { return transforms && f != 1.0F ? d * d : 1; }) &&
+        if (admits(with({target.id}, c), [&](double, double d) { return transforms && f != 1.0F ? d * d : 1; }) &&
             !ends_process(in_model))
             expect(in_model(model_), [&] { return gate(target.handle, f, c.data(), c.records.size()); });
     }
@@ -423,8 +395,7 @@ private:
         const Live b = handle_beside(a);
         const float f = fractional ? fraction() : 1.0F;
         const Conditions c = conditions(&a);
-        if (!admits(with({a.id, b.id}, c), [](double, double) { return 3; }))
-            return;
+        if (!admits(with({a.id, b.id}, c), [](double, double) { return 3; })) return;
         if (fractional)
             expect(model_.i_swap(a.id, b.id, f, c.model),
                    [&] { return vantel_i_swap(a.handle, b.handle, f, c.data(), c.records.size()); });
@@ -437,8 +408,7 @@ private:
         say("measure");
         List l = list(1e9);
         const std::uint32_t word = byte();
-        if (!admits(l.model, [&](double n, double) { return std::min(n, l.combinations); }))
-            return;
+        if (!admits(l.model, [&](double n, double) { return std::min(n, l.combinations); })) return;
         Ints expected(l.model.size(), untouched);
         Ints levels = expected;
         const RandomSource source(word);
@@ -451,8 +421,7 @@ private:
         say("stochastic_projection");
         const Conditions c = conditions();
         const std::uint32_t word = byte();
-        if (!admits(with({}, c), [](double n, double) { return n; }))
-            return;
+        if (!admits(with({}, c), [](double n, double) { return n; })) return;
         int expected = untouched;
         int result = untouched;
         const RandomSource source(word);
@@ -464,19 +433,15 @@ private:
     void probabilities() {
         say("probabilities");
         List l = list(2000);
-        if (!admits(l.model, [&](double, double) { return 4 * l.combinations; }))
-            return;
+        if (!admits(l.model, [&](double, double) { return 4 * l.combinations; })) return;
         Library::Records expected;
         const Outcome outcome = model_.probabilities(l.model, expected);
         const std::size_t rows = std::max<std::size_t>(expected.size(), 1); // one that a failure leaves
-        if (expected.empty())
-            expected.emplace_back(Ints(l.model.size(), untouched), untouched);
+        if (expected.empty()) expected.emplace_back(Ints(l.model.size(), untouched), untouched);
         Ints levels(rows * l.model.size(), untouched);
         std::vector<ProbabilityRecord> records;
-        for (std::size_t i = 0; i < rows; ++i)
-            records.push_back({untouched, levels.data() + i * l.model.size()});
-        expect(outcome,
-               [&] { return vantel_probabilities(l.handles.data(), l.handles.size(), records.data()); });
+        for (std::size_t i = 0; i < rows; ++i) records.push_back({untouched, levels.data() + i * l.model.size()});
+        expect(outcome, [&] { return vantel_probabilities(l.handles.data(), l.handles.size(), records.data()); });
         for (std::size_t i = 0; i < rows; ++i)
             require(std::equal(expected[i].first.begin(), expected[i].first.end(), records[i].qudit_values) &&
                         same_bits(records[i].probability, expected[i].second),
@@ -491,16 +456,13 @@ private:
         const int b = byte() % 16;
         const std::size_t size = b < 4 ? sizes[static_cast<std::size_t>(b)] : right;
         say(" into ", size);
-        if (!admits(l.model,
-                    [&](double n, double) { return n * std::min(n, l.combinations * l.combinations); }))
+        if (!admits(l.model, [&](double n, double) { return n * std::min(n, l.combinations * l.combinations); }))
             return;
-        std::vector<float> real(right + 1, untouched), imaginary(real), expected_real(real),
-            expected_imaginary(real);
-        const Outcome outcome =
-            model_.reduced_density_matrix(l.model, size, expected_real, expected_imaginary);
+        std::vector<float> real(right + 1, untouched), imaginary(real), expected_real(real), expected_imaginary(real);
+        const Outcome outcome = model_.reduced_density_matrix(l.model, size, expected_real, expected_imaginary);
         expect(outcome, [&] {
-            return vantel_reduced_density_matrix(l.handles.data(), l.handles.size(), real.data(),
-                                                 imaginary.data(), size);
+            return vantel_reduced_density_matrix(l.handles.data(), l.handles.size(), real.data(), imaginary.data(),
+                                                 size);
         });
         expected_real.resize(right + 1, untouched);
         expected_imaginary.resize(right + 1, untouched);
@@ -522,16 +484,13 @@ private:
         const bool full = (flags & 16) != 0;
         std::mt19937 dice(byte());
         say("joint state of ", qudits, " qudits, ", count, " entries, build ", build, ", flags ", flags);
-        if (crowded(qudits) || !can_pay(construction(count)))
-            return;
+        if (crowded(qudits) || !can_pay(construction(count))) return;
         const auto roll = [&](std::uint64_t sides) { return dice() % sides; };
         Levels dimensions;
-        for (std::size_t i = 0; i < qudits; ++i)
-            dimensions.push_back(full ? build : 2 + roll(build - 1));
+        for (std::size_t i = 0; i < qudits; ++i) dimensions.push_back(full ? build : 2 + roll(build - 1));
         Levels ends = beyond_own_dimension ? Levels(qudits, build) : dimensions;
         Levels label;
-        for (const std::uint64_t end : ends)
-            label.push_back(roll(end));
+        for (const std::uint64_t end : ends) label.push_back(roll(end));
         const auto part = [&] {
             return special && roll(8) == 0 ? pick(special_parts, dice())
                                            : std::uniform_real_distribution<>(-1.0, 1.0)(dice);
@@ -539,8 +498,7 @@ private:
         std::vector<Term> terms;
         for (int k = 0; k < count; ++k) {
             for (std::size_t i = 0;
-                 i < qudits && (!successive || (label[i] + 1) % ends[i] == 0 || i == 0 || label[i - 1] == 0);
-                 ++i)
+                 i < qudits && (!successive || (label[i] + 1) % ends[i] == 0 || i == 0 || label[i - 1] == 0); ++i)
                 label[i] = successive ? (label[i] + 1) % ends[i] : roll(ends[i]);
             const double real = part();
             terms.push_back({label, {real, part()}});
@@ -595,8 +553,7 @@ private:
         double work = static_cast<double>(state.basis_amplitudes().size());
         for (std::size_t i = 0; i < targets.size(); ++i)
             work *= std::pow(static_cast<double>(state.dimension()), gate < 2 ? 2 : gate < 4 ? 1 : 0);
-        if (!can_pay(work))
-            return;
+        if (!can_pay(work)) return;
         both(live, [&](auto& s, bool) {
             return gate == 0   ? s.shift(targets, f, controls)
                    : gate == 1 ? s.cycle(targets, f, controls)
@@ -620,8 +577,7 @@ private:
         const auto entries = static_cast<double>(state.basis_amplitudes().size());
         say(" readout ", readout, " of");
         const Ints listed = indices(qudits, qudits + (readout < 2 && word % 16 == 0 ? 1 : 0));
-        if (!can_pay(entries * entries * (readout == 2 ? entries / 4 : 1)))
-            return;
+        if (!can_pay(entries * entries * (readout == 2 ? entries / 4 : 1))) return;
         std::vector<qudit::QuditsProbability> rows[2];
         std::vector<qudit::DensityMatrixEntry> elements[2];
         Ints levels[2];
@@ -638,8 +594,7 @@ private:
         });
         require(std::equal(rows[0].begin(), rows[0].end(), rows[1].begin(), rows[1].end(),
                            [](const auto& a, const auto& b) {
-                               return a.qudit_values == b.qudit_values &&
-                                      same_bits(a.probability, b.probability);
+                               return a.qudit_values == b.qudit_values && same_bits(a.probability, b.probability);
                            }),
                 "probabilities");
         require(std::equal(elements[0].begin(), elements[0].end(), elements[1].begin(), elements[1].end(),
@@ -660,11 +615,9 @@ private:
     Library model_;
     std::vector<Live> live_;
 };
-
 } // namespace
 
 Run run_calls(std::span<const std::uint8_t> bytes, double budget, std::ostream* trace) {
     return TwoWorlds(bytes, budget, trace).run();
 }
-
 } // namespace vantel::testing

@@ -6,7 +6,6 @@
 #include <string>
 
 namespace vantel::testing {
-
 struct Run {
     int calls = 0;        ///< how many were made
     std::string mismatch; ///< empty where the library and the model agreed
@@ -18,5 +17,4 @@ struct Run {
 ///                would take more
 /// @param trace   receives each call in readable form before it is made; may be null
 Run run_calls(std::span<const std::uint8_t> bytes, double budget, std::ostream* trace);
-
 } // namespace vantel::testing

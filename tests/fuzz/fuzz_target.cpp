@@ -1,7 +1,6 @@
+#include "tests/fuzz/calls.hpp"
 #include <cstdlib>
 #include <iostream>
-
-#include "tests/fuzz/calls.hpp"
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name that libFuzzer calls
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -7,6 +7,8 @@
 //
 // Files are gone through with the library's loops in both their forms where the processor has both, and
 // numbered sequences in one form or the other by turns.
+#include "algorithms/wide_loop.hpp"
+#include "tests/fuzz/calls.hpp"
 #include <fstream>
 #include <initializer_list>
 #include <iostream>
@@ -14,25 +16,19 @@
 #include <random>
 #include <vector>
 
-#include "algorithms/wide_loop.hpp"
-#include "tests/fuzz/calls.hpp"
-
 namespace {
-
 using Bytes = std::vector<std::uint8_t>;
 
 Bytes contents(const char* file) {
     std::ifstream in(file, std::ios::binary);
-    if (!in)
-        throw std::runtime_error(std::string("cannot read ") + file);
+    if (!in) throw std::runtime_error(std::string("cannot read ") + file);
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
 Bytes random_bytes(unsigned number) {
     std::mt19937 dice(number);
     Bytes bytes(500 + dice() % 500);
-    for (std::uint8_t& byte : bytes)
-        byte = static_cast<std::uint8_t>(dice());
+    for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(dice());
     return bytes;
 }
 
@@ -43,8 +39,7 @@ Bytes series_bytes(unsigned number) {
     const auto roll = [&](unsigned sides) { return static_cast<std::uint8_t>(dice() % sides); };
     Bytes bytes;
     const auto add = [&](std::initializer_list<int> more) {
-        for (const int byte : more)
-            bytes.push_back(static_cast<std::uint8_t>(byte));
+        for (const int byte : more) bytes.push_back(static_cast<std::uint8_t>(byte));
     };
     constexpr int none = 0, two = 6; // conditions
     constexpr int never = 121;       // a condition that does not hold
@@ -54,33 +49,27 @@ Bytes series_bytes(unsigned number) {
     const auto another = [&] { return 256 - handles - 256 % handles + one(); };
     const auto make = [&] {
         add({1, roll(8) == 0 ? roll(9) : roll(2)});
-        if (++handles, roll(8) != 0)
-            add({3, handles - 1, none});
+        if (++handles, roll(8) != 0) add({3, handles - 1, none});
     };
     const auto level = [&] { return roll(4) == 0 ? 64 + roll(2) : never; };
     const auto relate = [&] { add({8, two, one(), never, another(), never, roll(14)}); };
     const auto project = [&] { add({12, two, one(), level(), another(), level(), roll(200)}); };
-    for (int i = 2 + roll(2); i > 0; --i)
-        make();
+    for (int i = 2 + roll(2); i > 0; --i) make();
     for (int i = 1 + roll(3); i > 0; --i) {
         relate();
         project();
     }
     for (int round = 0; round < 10; ++round) {
         make();
-        if (roll(3) == 0)
-            add({7, one(), 197, none});
-        if (roll(3) == 0)
-            roll(2) == 0 ? relate() : project();
-        if (roll(4) == 0 && handles-- > 2)
-            add({2, one()});
+        if (roll(3) == 0) add({7, one(), 197, none});
+        if (roll(3) == 0) roll(2) == 0 ? relate() : project();
+        if (roll(4) == 0 && handles-- > 2) add({2, one()});
         // A list of up to three with the new handle first, or arguments of any kind.
         const int which = roll(2) == 0 ? 14 : 3 + roll(12);
         if (which > 12)
             add({which, 2 + roll(3), handles - 1, another(), another(), 8});
         else
-            add({which, which == 8 || which == 12 ? two : handles - 1, another(), another(), another(),
-                 another()});
+            add({which, which == 8 || which == 12 ? two : handles - 1, another(), another(), another(), another()});
     }
     return bytes;
 }
@@ -92,10 +81,8 @@ int calls = 0;
 bool agrees(const std::string& name, const Bytes& bytes, double budget, bool trace) {
     const vantel::testing::Run run = vantel::testing::run_calls(bytes, budget, trace ? &std::cout : nullptr);
     calls += run.calls;
-    if (run.mismatch.empty())
-        return true;
-    if (!trace)
-        vantel::testing::run_calls(bytes, budget, &std::cout);
+    if (run.mismatch.empty()) return true;
+    if (!trace) vantel::testing::run_calls(bytes, budget, &std::cout);
     std::cout << name << (wide ? ", wide" : ", plain") << " loops: " << run.mismatch << '\n';
     return false;
 }
@@ -107,13 +94,10 @@ bool processor_is_wide() {
     return false;
 #endif
 }
-
 } // namespace
 
 // Instead of the library's own.
-bool vantel::has_wide_vectors() noexcept {
-    return wide;
-}
+bool vantel::has_wide_vectors() noexcept { return wide; }
 
 int main(int count, char** arguments) {
     const std::vector<std::string> words(arguments + 1, arguments + count);
@@ -122,16 +106,15 @@ int main(int count, char** arguments) {
     if (words.size() == 3 && (series || words[0] == "--random")) {
         for (unsigned i = static_cast<unsigned>(std::stoul(words[1])); i < std::stoul(words[2]); ++i) {
             wide = processor_is_wide() && i % 2 != 0;
-            all_agree &= agrees("sequence " + std::to_string(i), series ? series_bytes(i) : random_bytes(i),
-                                5e5, false);
+            all_agree &=
+                agrees("sequence " + std::to_string(i), series ? series_bytes(i) : random_bytes(i), 5e5, false);
         }
     } else {
         const bool trace = !words.empty() && words[0] == "--trace";
         for (std::size_t i = trace ? 1 : 0; i < words.size(); ++i)
             for (wide = processor_is_wide();; wide = false) {
                 all_agree &= agrees(words[i], contents(words[i].c_str()), 1e9, trace);
-                if (!wide)
-                    break;
+                if (!wide) break;
             }
     }
     std::cout << calls << " calls\n";

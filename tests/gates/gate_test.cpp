@@ -1,12 +1,10 @@
+#include "reference/literal_state.hpp"
+#include "tests/support/states.hpp"
 #include <limits>
 #include <numbers>
 
-#include "reference/literal_state.hpp"
-#include "tests/support/states.hpp"
-
 namespace vantel::testing {
 namespace {
-
 using namespace qudit;
 using Controls = std::vector<Predicate>;
 
@@ -15,8 +13,7 @@ TEST(Gates, GiveWorkedValuesInEveryBit) {
     const auto expect = [](const Levels& dimensions, const Levels& levels, auto act,
                            const std::vector<Term>& expected) {
         const auto state = state_of(dimensions, {{levels, 1.0}});
-        reference::LiteralState literal({dimensions[0], levels.size()},
-                                        entries_of(dimensions, {{levels, 1.0}}));
+        reference::LiteralState literal({dimensions[0], levels.size()}, entries_of(dimensions, {{levels, 1.0}}));
         act(*state);
         act(literal);
         EXPECT_TRUE(same_entries(state->basis_amplitudes(), entries_of(dimensions, expected)));
@@ -49,29 +46,24 @@ Entries list_of(Kind kind) {
     std::vector<Term> terms;
     for (std::uint64_t i = 0; i < 72; ++i) {
         const std::uint64_t rank = 31 * i % 72; // in no order
-        if ((kind == some && (rank % 7 < 3 || rank > 35)) || (kind == few && i > 2))
-            continue;
+        if ((kind == some && (rank % 7 < 3 || rank > 35)) || (kind == few && i > 2)) continue;
         const double x = kind == equal ? 0.25 : std::sin(static_cast<double>(i));
         terms.push_back({{rank % 2, rank / 2 % 3, rank / 6 % 3, rank / 18},
                          kind == special && i % 3 == 0 ? odd[i / 3 % std::size(odd)] : Complex(x, 1 - x)});
     }
-    if (kind == some)
-        terms.push_back({{1, 2, 2, 3}, 0.5}); // alone with its highest level
-    if (kind == last)
-        terms.pop_back();
+    if (kind == some) terms.push_back({{1, 2, 2, 3}, 0.5}); // alone with its highest level
+    if (kind == last) terms.pop_back();
     // Both make an odd number, so that the last entry has no neighbour.
     Entries entries = entries_of({2, 3, 3, 4}, terms);
     for (Entry& entry : entries) {
         // A step makes one of two labels.
-        if (kind == repeated || kind == beyond)
-            entry.dits[1].value += entry.dits[1].value == 2 ? 1 : 0;
+        if (kind == repeated || kind == beyond) entry.dits[1].value += entry.dits[1].value == 2 ? 1 : 0;
         if (kind == one_level || kind == beyond_one)
             entry.dits.push_back({kind == beyond_one && entry.dits[3].value == 1 ? 1U : 0U, 1});
     }
     if (kind >= first || kind == few) {
         const std::size_t odd_one = kind == first ? 0 : kind == middle ? 20 : entries.size() - 1;
-        for (const std::size_t qudit : {0U, 1U})
-            entries[odd_one].dits[qudit].dimension = 4;
+        for (const std::size_t qudit : {0U, 1U}) entries[odd_one].dits[qudit].dimension = 4;
     }
     return entries;
 }
@@ -91,17 +83,15 @@ TEST(Gates, TreatListsOfEveryKindAsTheLiteralModelDoes) {
         const Entries entries = list_of(static_cast<Kind>(kind));
         for (int gate = 0; gate < gates; ++gate)
             for (int target = 0; target < static_cast<int>(entries.front().dits.size()); ++target)
-                for (const Controls& controls : {Controls{}, Controls{{(target + 1) % 4, 1, true}},
-                                                 Controls{{(target + 3) % 4, 0, false}}}) {
+                for (const Controls& controls :
+                     {Controls{}, Controls{{(target + 1) % 4, 1, true}}, Controls{{(target + 3) % 4, 0, false}}}) {
                     const Factory::BasisConfig config{4, entries.front().dits.size()};
                     const auto state = Factory::make_unique_state(config, entries);
                     reference::LiteralState literal({config.dim, config.num_qudits}, entries);
                     const auto act_on = [&](auto& either) {
                         return thrown_by([&] {
-                            if (kind == repeated)
-                                either.cycle({1}, {});
-                            for (int times = gate == 3 ? 1 : 2; times > 0;
-                                 --times) // a second swap hides a half one
+                            if (kind == repeated) either.cycle({1}, {});
+                            for (int times = gate == 3 ? 1 : 2; times > 0; --times) // a second swap hides a half one
                                 act(either, gate, target, controls);
                         });
                     };
@@ -126,6 +116,5 @@ TEST(Merge, TakesTheFirstProductOfARepeatedLabel) {
             << size;
     }
 }
-
 } // namespace
 } // namespace vantel::testing

@@ -1,32 +1,25 @@
+#include "tests/support/allocations.hpp"
+#include "tests/support/random_source.hpp"
 #include <functional>
+#include <gtest/gtest.h>
 #include <limits>
 #include <numeric>
 #include <string>
 #include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
 #include <vantel_guarded.h>
-
-#include "tests/support/allocations.hpp"
-#include "tests/support/random_source.hpp"
+#include <vector>
 
 // The shared library as a host sees it that no exception may enter.
 namespace vantel::testing {
 namespace {
-
 using Records = std::vector<PredicateRecord>;
 
-QuantumProperty* made(int dimension) {
-    return vantel_guarded_make_quantum_property(dimension, nullptr);
-}
+QuantumProperty* made(int dimension) { return vantel_guarded_make_quantum_property(dimension, nullptr); }
 int measured(std::vector<QuantumProperty*> qudits, std::vector<int>& levels) {
     levels.assign(qudits.size(), -7);
     return vantel_guarded_measure(qudits.data(), qudits.size(), levels.data());
 }
-int project(const Records& when, int& answer) {
-    return vantel_guarded_project(when.data(), when.size(), &answer);
-}
+int project(const Records& when, int& answer) { return vantel_guarded_project(when.data(), when.size(), &answer); }
 
 /// Three separate qudits, the last two with conditions on them, and buffers for the first two.
 struct World {
@@ -37,8 +30,7 @@ struct World {
     std::vector<float> real = std::vector<float>(144, -7), imaginary = real;
 
     World() {
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            rows[i].qudit_values = &levels[2 * i];
+        for (std::size_t i = 0; i < rows.size(); ++i) rows[i].qudit_values = &levels[2 * i];
         vantel_guarded_hadamard(q[0], nullptr, 0);
         q.reserve(4);
     }
@@ -47,8 +39,7 @@ struct World {
         return both && real.front() == -7 && real.back() == -7 && rows[0].probability == -7;
     }
     ~World() {
-        for (QuantumProperty* const qudit : q)
-            EXPECT_EQ(vantel_guarded_free_quantum_property(qudit), vantel_ok);
+        for (QuantumProperty* const qudit : q) EXPECT_EQ(vantel_guarded_free_quantum_property(qudit), vantel_ok);
     }
 };
 
@@ -57,8 +48,7 @@ const std::vector<Call> calls{
     [](World& w) {
         int status = -7;
         w.q.push_back(vantel_guarded_make_quantum_property(5, &status));
-        if (status != vantel_ok)
-            w.q.pop_back();
+        if (status != vantel_ok) w.q.pop_back();
         return status;
     },
     [](World& w) { return vantel_guarded_join(w.q[0], w.q[1]); },
@@ -80,8 +70,7 @@ const std::vector<Call> calls{
     [](World& w) { // the first of three that are joined
         vantel_guarded_phase_rotate(w.when.data(), 2, 0);
         const int status = vantel_guarded_free_quantum_property(w.q[1]);
-        if (status == vantel_ok)
-            w.q.erase(w.q.begin() + 1);
+        if (status == vantel_ok) w.q.erase(w.q.begin() + 1);
         return status;
     },
 };
@@ -98,8 +87,7 @@ TEST_P(EachCall, TellsOfEveryAllocationThatFailsAndCanBeRepeated) {
             fail_allocations_after(allowed, how);
             const int status = call(world);
             asked = stop_failing();
-            if (status == vantel_ok)
-                continue;
+            if (status == vantel_ok) continue;
             ASSERT_EQ(status, vantel_guarded_out_of_memory);
             EXPECT_TRUE(std::string(vantel_guarded_last_failure()).ends_with(": memory is exhausted"));
             EXPECT_TRUE(world.is_untouched());
@@ -129,8 +117,7 @@ TEST(Guarded, StateOverTheLimitGivesNothingBackUntilItIsMeasured) {
         EXPECT_EQ(vantel_guarded_free_quantum_property(qudit), vantel_state_size_exceeded);
     std::vector<int> levels;
     EXPECT_EQ(measured({q[0]}, levels), vantel_ok);
-    for (QuantumProperty* const qudit : q)
-        EXPECT_EQ(vantel_guarded_free_quantum_property(qudit), vantel_ok);
+    for (QuantumProperty* const qudit : q) EXPECT_EQ(vantel_guarded_free_quantum_property(qudit), vantel_ok);
 }
 
 TEST(Guarded, ProjectionsAndReleasesInAnyOrderSpoilNoHandle) {
@@ -138,13 +125,11 @@ TEST(Guarded, ProjectionsAndReleasesInAnyOrderSpoilNoHandle) {
         // The level of a, copied into b and c, which every merge and release must leave where it is.
         QuantumProperty *a = made(3), *b = made(5), *c = made(4), *guest = made(2);
         ASSERT_EQ(vantel_guarded_join(guest, a), vantel_ok);
-        for (int i = 0; i < level; ++i)
-            ASSERT_EQ(vantel_guarded_cycle(a, 1, nullptr, 0), vantel_ok);
+        for (int i = 0; i < level; ++i) ASSERT_EQ(vantel_guarded_cycle(a, 1, nullptr, 0), vantel_ok);
         for (const auto& [from, to] : {std::pair(a, b), {b, c}})
             for (int k = 1; k < 3; ++k) {
                 const PredicateRecord is_k{from, k, 1};
-                for (int i = 0; i < k; ++i)
-                    ASSERT_EQ(vantel_guarded_cycle(to, 1, &is_k, 1), vantel_ok);
+                for (int i = 0; i < k; ++i) ASSERT_EQ(vantel_guarded_cycle(to, 1, &is_k, 1), vantel_ok);
             }
         int answer = -7;
         for (int i = 0; i < 3; ++i) {
@@ -194,8 +179,7 @@ TEST(Guarded, ElevenQuditsAreRefusedByAll) {
         EXPECT_EQ(calls[i](world), vantel_bad_qudit_number) << vantel_guarded_last_failure();
     int answer = -7; // a projection needs one place more
     EXPECT_EQ(project({{crowd[0], 0, 1}}, answer), vantel_bad_qudit_number);
-    for (QuantumProperty* const qudit : crowd)
-        EXPECT_EQ(vantel_guarded_free_quantum_property(qudit), vantel_ok);
+    for (QuantumProperty* const qudit : crowd) EXPECT_EQ(vantel_guarded_free_quantum_property(qudit), vantel_ok);
 }
 
 TEST(Guarded, WhatWouldCrashIsRefused) {
@@ -214,9 +198,8 @@ TEST(Guarded, WhatWouldCrashIsRefused) {
     w.rows.back().qudit_values = nullptr;
     EXPECT_EQ(vantel_guarded_probabilities(w.q.data(), 2, w.rows.data()), vantel_guarded_bad_argument);
     for (const std::size_t size : {143U, 145U})
-        EXPECT_EQ(
-            vantel_guarded_reduced_density_matrix(w.q.data(), 2, w.real.data(), w.imaginary.data(), size),
-            size < 144 ? vantel_output_too_small : vantel_output_size_mismatch);
+        EXPECT_EQ(vantel_guarded_reduced_density_matrix(w.q.data(), 2, w.real.data(), w.imaginary.data(), size),
+                  size < 144 ? vantel_output_too_small : vantel_output_size_mismatch);
     const std::vector<QuantumProperty*> many(16, w.q[0]); // 4^16 combinations, whose square wraps to 0
     EXPECT_EQ(vantel_guarded_reduced_density_matrix(const_cast<QuantumProperty**>(many.data()), many.size(),
                                                     w.real.data(), w.imaginary.data(), 0),
@@ -237,8 +220,7 @@ TEST(Guarded, NoRandomnessAndNothingToReadAreStatuses) {
     }
     vantel_guarded_clock(w.q[0], std::numeric_limits<float>::quiet_NaN(), nullptr, 0);
     vantel_guarded_hadamard(w.q[0], nullptr, 0); // drops what is no number
-    for (std::size_t i = 10; i < 15; ++i)
-        EXPECT_EQ(calls[i](w), vantel_guarded_empty_state) << i;
+    for (std::size_t i = 10; i < 15; ++i) EXPECT_EQ(calls[i](w), vantel_guarded_empty_state) << i;
     EXPECT_TRUE(w.is_untouched());
 }
 
@@ -252,6 +234,5 @@ TEST(Guarded, EachThreadHasItsOwnText) {
     EXPECT_STREQ(vantel_guarded_last_failure(), "vantel_guarded_join: a handle is null");
     EXPECT_STREQ(vantel_guarded_version(), "1.0.0");
 }
-
 } // namespace
 } // namespace vantel::testing

@@ -1,20 +1,17 @@
-#include <array>
-#include <chrono>
-#include <locale>
-#include <new>
-#include <stdexcept>
-
-#include <gtest/gtest.h>
-#include <vantel_exceptions.hpp>
-
 #include "interface/quantum_property.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/states.hpp"
+#include <array>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <locale>
+#include <new>
+#include <stdexcept>
+#include <vantel_exceptions.hpp>
 
 // What passes out of the shared library and what does not, as any C++ host sees it.
 namespace vantel::testing {
 namespace {
-
 using Records = const PredicateRecord*;
 using List = std::vector<QuantumProperty*>;
 constexpr int untouched = -7;
@@ -29,8 +26,7 @@ struct Buffers {
         levels.fill(untouched);
         real.fill(untouched);
         imaginary.fill(untouched);
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            rows[i] = {untouched, &levels[3 * i]};
+        for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = {untouched, &levels[3 * i]};
     }
     [[nodiscard]] bool are_untouched() const {
         const Buffers fresh;
@@ -47,8 +43,7 @@ struct Relation {
     std::size_t n = 3;
 
     explicit Relation(const std::vector<int>& dimensions = {2, 2, 2}) {
-        for (const int dimension : dimensions)
-            l.push_back(owned.emplace_back(qudit_of(dimension)).get());
+        for (const int dimension : dimensions) l.push_back(owned.emplace_back(qudit_of(dimension)).get());
         r = any_level(l);
     }
     /// Gives one of them company in its joint state, in all levels or in one. @return the last comer
@@ -56,8 +51,7 @@ struct Relation {
         for (; count > 0; --count) {
             owned.push_back(qudit_of(dimension));
             merge({l[i], owned.back().get()});
-            if (spread)
-                vantel_hadamard(owned.back().get(), nullptr, 0);
+            if (spread) vantel_hadamard(owned.back().get(), nullptr, 0);
         }
         return owned.back().get();
     }
@@ -78,21 +72,17 @@ struct Function {
     bool joins_one = false;      ///< takes one more place in the joint state
 };
 
-void PrintTo(const Function& function, std::ostream* out) {
-    *out << function.name;
-}
+void PrintTo(const Function& function, std::ostream* out) { *out << function.name; }
 
 const std::string over = "State size exceeded maximum allowed size";
 const std::vector<int> gate{vantel_target_control_overlap, vantel_state_size_exceeded};
 const std::vector<int> readout{vantel_bad_dimension, vantel_bad_qudit_number};
-const std::vector<int> exchange{vantel_target_control_overlap, vantel_different_dimensions,
-                                vantel_bad_qudit_number, vantel_state_size_exceeded};
+const std::vector<int> exchange{vantel_target_control_overlap, vantel_different_dimensions, vantel_bad_qudit_number,
+                                vantel_state_size_exceeded};
 
 template <auto form> constexpr Make plain = [](auto& q, auto&) { return form(q.l[0], &q.r[1], q.n - 1); };
-template <auto form>
-constexpr Make whole = [](auto& q, auto&) { return form(q.l[0], 1.0F, &q.r[1], q.n - 1); };
-template <auto form>
-constexpr Make part = [](auto& q, auto&) { return form(q.l[0], 0.5F, &q.r[1], q.n - 1); };
+template <auto form> constexpr Make whole = [](auto& q, auto&) { return form(q.l[0], 1.0F, &q.r[1], q.n - 1); };
+template <auto form> constexpr Make part = [](auto& q, auto&) { return form(q.l[0], 0.5F, &q.r[1], q.n - 1); };
 constexpr Make rotate = [](auto& q, auto&) { return vantel_phase_rotate(q.r.data(), q.n, 1.0F); };
 constexpr Make swap = [](auto& q, auto&) { return vantel_swap(q.l[0], q.l[1], &q.r[2], q.n - 2); };
 constexpr Make i_swap = [](auto& q, auto&) { return vantel_i_swap(q.l[0], q.l[1], 1.0F, &q.r[2], q.n - 2); };
@@ -100,9 +90,7 @@ constexpr Make measure = [](auto& q, auto& b) { return vantel_measure(q.l.data()
 constexpr Make projection = [](auto& q, auto& b) {
     return vantel_stochastic_projection(q.r.data(), q.n, b.levels.data());
 };
-constexpr Make probabilities = [](auto& q, auto& b) {
-    return vantel_probabilities(q.l.data(), q.n, b.rows.data());
-};
+constexpr Make probabilities = [](auto& q, auto& b) { return vantel_probabilities(q.l.data(), q.n, b.rows.data()); };
 constexpr Make density_matrix = [](auto& q, auto& b) {
     return vantel_reduced_density_matrix(q.l.data(), q.n, b.real.data(), b.imaginary.data(), 64);
 };
@@ -118,8 +106,8 @@ const Function functions[] = {
     {"clock_in_part", part<vantel_clock>, gate, "Fractional Clock operation has overlapped"},
     {"phase_rotate", rotate, gate, "", "", over},
     {"swap", swap, exchange, "Swap operation has overlapping", "Targets of swap", over},
-    {"i_swap", i_swap, exchange, "Fractional i-swap operation has overlapping",
-     "Targets of fractional-i-swap", "State size exceeds maximum allowed size"},
+    {"i_swap", i_swap, exchange, "Fractional i-swap operation has overlapping", "Targets of fractional-i-swap",
+     "State size exceeds maximum allowed size"},
     {"measure", measure, readout},
     {"projection", projection, readout, "", "", over, true},
     {"probabilities", probabilities, readout},
@@ -150,8 +138,8 @@ const Failing failures[] = {
     {"too many qudits", vantel_bad_qudit_number,
      failure<qudit::BadQuditNumber>("num_qudits must be <= MAX_QUDIT_NUM: 10"), true,
      [](Relation& q, auto& function) { q.join(0, function.joins_one ? 7 : 8, 2, false); }},
-    {"too large, and of too many qudits", vantel_state_size_exceeded,
-     failure<qudit::StateSizeExceeded>(over.c_str()), true,
+    {"too large, and of too many qudits", vantel_state_size_exceeded, failure<qudit::StateSizeExceeded>(over.c_str()),
+     true,
      [](Relation& q, auto&) {
          q.join(0, 3, 10, true);
          q.join(2, 7, 2, true);
@@ -171,8 +159,7 @@ protected:
         const Diagnostics diagnostics;
         int status = -1;
         Passed passed = thrown_by([&] { status = GetParam().call(q, buffers); });
-        if (passing.second.empty())
-            passed.second.clear();
+        if (passing.second.empty()) passed.second.clear();
         EXPECT_EQ(status, is_handled ? code : -1);
         EXPECT_EQ(diagnostics.text(), is_handled ? passing.second + "\n" : "");
         EXPECT_EQ(passed, is_handled ? Passed() : passing);
@@ -188,8 +175,7 @@ TEST_P(Boundary, TurnsWhatItHandlesIntoACodeAndLetsTheRestPass) {
         SCOPED_TRACE(failing.name);
         Passed passing = failing.passing;
         if (failing.words != nullptr) {
-            if ((GetParam().*failing.words).empty())
-                continue;
+            if ((GetParam().*failing.words).empty()) continue;
             passing.second = GetParam().*failing.words + failing.rest;
         }
         q = Relation();
@@ -198,19 +184,16 @@ TEST_P(Boundary, TurnsWhatItHandlesIntoACodeAndLetsTheRestPass) {
         EXPECT_EQ(q.are_together(0, 1), failing.stands);
         EXPECT_FALSE(q.are_together(0, 2));
     }
-    if (GetParam().dimensions.empty())
-        return;
+    if (GetParam().dimensions.empty()) return;
     q = Relation({2, 3, 2});
     q.r[2].property = q.l[1];
-    expect(failures[0].code,
-           failure<qudit::TargetControlOverlap>((GetParam().overlap + failures[0].rest).c_str()));
+    expect(failures[0].code, failure<qudit::TargetControlOverlap>((GetParam().overlap + failures[0].rest).c_str()));
 }
 
 TEST_P(Boundary, ReportsAStateOverTheLimitWhereItIsGuarded) {
     merge(q.l);
     List others;
-    for (int i = 0; i < 6; ++i)
-        others.push_back(q.join(0, 1, 7, false));
+    for (int i = 0; i < 6; ++i) others.push_back(q.join(0, 1, 7, false));
     const Diagnostics diagnostics;
     for (QuantumProperty* const other : others)
         EXPECT_EQ(vantel_hadamard(other, nullptr, 0), other == others.back() ? 9 : 0);
@@ -261,8 +244,7 @@ TEST(Tables, ThatOverflowAreReportedAtOnceAndWrittenNowhere) {
     struct Grouped : std::numpunct<char> {
         std::string do_grouping() const override { return "\3"; }
     };
-    const std::locale own =
-        std::locale::global(std::locale(std::locale(), new Grouped)); // not for these texts
+    const std::locale own = std::locale::global(std::locale(std::locale(), new Grouped)); // not for these texts
     expect("permutations.size(): 2147483648 != output_size: -2147483648");
     std::locale::global(own);
 }
@@ -295,8 +277,7 @@ TEST(Version, StandsBehindItsPointerAtTheMomentOfReturn) {
         // The text is gone already, so each byte is read before anything else is called.
         const volatile char* const text = vantel_version();
         char read[6];
-        for (int j = 0; j < 6; ++j)
-            read[j] = text[j];
+        for (int j = 0; j < 6; ++j) read[j] = text[j];
         EXPECT_STREQ(read, "1.0.0");
     }
 }
@@ -306,6 +287,5 @@ TEST(StreamOperators, ArePartOfTheLibrary) {
     stream << qudit::Dit{7, 9} << std::vector<qudit::Dit>{{1, 3}, {0, 2}} << std::vector<qudit::Dit>{};
     EXPECT_EQ(stream.str(), "[v:7,d:9]|[v:1,d:3][v:0,d:2]>|>");
 }
-
 } // namespace
 } // namespace vantel::testing

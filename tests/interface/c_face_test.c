@@ -1,19 +1,18 @@
 /* The installed header and the shared library, as a C program sees them. */
-#include <vantel.h>
-
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <vantel.h>
 
 static int failures = 0;
 
-#define CHECK(condition)                                                                                     \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            printf("%s:%d: %s\n", __FILE__, __LINE__, #condition);                                           \
-            ++failures;                                                                                      \
-        }                                                                                                    \
+#define CHECK(condition)                                                                                               \
+    do {                                                                                                               \
+        if (!(condition)) {                                                                                            \
+            printf("%s:%d: %s\n", __FILE__, __LINE__, #condition);                                                     \
+            ++failures;                                                                                                \
+        }                                                                                                              \
     } while (0)
 
 static QuantumProperty* make(int dimension) {
@@ -58,8 +57,7 @@ int main(void) {
     CHECK(vantel_phase_rotate(&condition, 1, 1.5707964F) == vantel_ok);
     CHECK(vantel_reduced_density_matrix(list, 2, real_parts, imaginary_parts, 36) == vantel_ok);
     CHECK(fabsf(real_parts[0] - 0.5F) < 1e-6F && fabsf(real_parts[3 * 6 + 3] - 0.5F) < 1e-6F);
-    CHECK(fabsf(imaginary_parts[3 * 6 + 0] - 0.5F) < 1e-6F &&
-          fabsf(imaginary_parts[0 * 6 + 3] + 0.5F) < 1e-6F);
+    CHECK(fabsf(imaginary_parts[3 * 6 + 0] - 0.5F) < 1e-6F && fabsf(imaginary_parts[0 * 6 + 3] + 0.5F) < 1e-6F);
     CHECK(real_parts[36] == -7.0F);
 
     CHECK(vantel_hadamard(a, &condition, 1) == vantel_target_control_overlap);

@@ -3,11 +3,4 @@
 #include <vantel.hpp>
 #include <vantel_exceptions.hpp>
 #include <vantel_guarded.h>
-
-#include <vantel.h>
-#include <vantel.hpp>
-#include <vantel_exceptions.hpp>
-#include <vantel_guarded.h>
-int main() {
-    return vantel_ok;
-}
+int main() { return vantel_ok; }

@@ -2,7 +2,6 @@
    read out right. Takes a gigabyte or two for a second. */
 #include <math.h>
 #include <stdio.h>
-
 #include <vantel.h>
 
 enum { tens = 7, qudits = 9 };
@@ -24,15 +23,12 @@ int main(void) {
     float imaginary[4];
     int wrong = last != vantel_state_size_exceeded;
     wrong += vantel_reduced_density_matrix(&all[tens], 1, real, imaginary, 4) != vantel_ok;
-    for (int i = 0; i < 4; ++i)
-        wrong += !(fabsf(real[i] - 0.5F) < 1e-5F && fabsf(imaginary[i]) < 1e-5F);
+    for (int i = 0; i < 4; ++i) wrong += !(fabsf(real[i] - 0.5F) < 1e-5F && fabsf(imaginary[i]) < 1e-5F);
 
     int levels[qudits];
     wrong += vantel_measure(all, qudits, levels) != vantel_ok; /* or a handle could not be freed */
-    for (int i = 0; i < qudits; ++i)
-        wrong += vantel_free_quantum_property(all[i]) != vantel_ok;
+    for (int i = 0; i < qudits; ++i) wrong += vantel_free_quantum_property(all[i]) != vantel_ok;
     if (wrong != 0)
-        printf("%d answers are wrong; the matrix begins with %g %g\n", wrong, (double)real[0],
-               (double)real[1]);
+        printf("%d answers are wrong; the matrix begins with %g %g\n", wrong, (double)real[0], (double)real[1]);
     return wrong != 0;
 }

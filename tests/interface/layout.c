@@ -3,7 +3,7 @@
 
 /* Prints what a program that was compiled against the header has fixed in itself. */
 #define RECORD(record) printf("%s size %zu alignment %zu\n", #record, sizeof(record), _Alignof(record))
-#define FIELD(record, field)                                                                                 \
+#define FIELD(record, field)                                                                                           \
     printf("%s.%s at %zu size %zu\n", #record, #field, offsetof(record, field), sizeof(((record*)0)->field))
 #define CODE(code) printf("%s %d\n", #code, code)
 

@@ -1,18 +1,16 @@
+#include "interface/quantum_property.hpp"
+#include "interface/vantel.h"
 #include <bit>
 #include <cstdint>
 #include <iostream>
 #include <vector>
-
-#include "interface/quantum_property.hpp"
-#include "interface/vantel.h"
 
 // Prints every bit of one circuit's results. The kept text is the same for every compiler and flag;
 // amplitudes have no symmetry, so that no exchange or change of order goes unseen.
 int main() {
     int status = 0;
     std::vector<QuantumProperty*> q;
-    for (const int dimension : {2, 3, 5, 3, 2})
-        q.push_back(vantel_make_quantum_property(dimension, &status));
+    for (const int dimension : {2, 3, 5, 3, 2}) q.push_back(vantel_make_quantum_property(dimension, &status));
     std::vector<PredicateRecord> when{{q[1], 1, 1}, {q[0], 0, 0}};
     vantel_hadamard(q[0], nullptr, 0);
     vantel_shift(q[1], 0.3F, nullptr, 0);
@@ -35,11 +33,9 @@ int main() {
     QuantumProperty* listed[]{q[3], q[4]};
     vantel_probabilities(listed, 2, table.data());
     vantel_reduced_density_matrix(listed, 2, real_parts.data(), imaginary_parts.data(), 36);
-    for (const ProbabilityRecord& record : table)
-        std::cout << std::bit_cast<std::uint32_t>(record.probability) << '\n';
+    for (const ProbabilityRecord& record : table) std::cout << std::bit_cast<std::uint32_t>(record.probability) << '\n';
     for (std::size_t i = 0; i < 36; ++i)
         std::cout << std::bit_cast<std::uint32_t>(real_parts[i]) << ' '
                   << std::bit_cast<std::uint32_t>(imaginary_parts[i]) << '\n';
-    for (QuantumProperty* const property : q)
-        vantel_free_quantum_property(property);
+    for (QuantumProperty* const property : q) vantel_free_quantum_property(property);
 }

@@ -1,27 +1,24 @@
-#include <csignal>
-#include <new>
-#include <sstream>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "interface/quantum_property.hpp"
 #include "property/operations.hpp"
 #include "tests/support/allocations.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
+#include <csignal>
+#include <new>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
 
 // Each allocation of each call fails in its turn, alone and with all after it.
 namespace vantel::testing {
 namespace {
-
 constexpr int untouched = -7;
 
 /// Qudits, conditions on the second and the third of them, and a caller's buffers.
 struct World {
     explicit World(const std::vector<int>& dimensions) {
-        for (const int dimension : dimensions)
-            q.push_back(qudit_of(dimension));
+        for (const int dimension : dimensions) q.push_back(qudit_of(dimension));
         vantel_hadamard(q[0].get(), nullptr, 0);
         vantel_cycle(q[1].get(), 1.0F, nullptr, 0);
         vantel_hadamard(q[2].get(), nullptr, 0);
@@ -30,8 +27,7 @@ struct World {
     QuantumProperty& operator[](std::size_t i) const { return *q[i]; }
 
     World& merge_all() {
-        for (const Handle& handle : q)
-            merge({q[0].get(), handle.get()});
+        for (const Handle& handle : q) merge({q[0].get(), handle.get()});
         return *this;
     }
 
@@ -43,8 +39,7 @@ struct World {
             side *= q[i]->shared_state->state->qudit_dimension(q[i]->index);
         }
         levels.assign(side * list.size(), untouched);
-        for (std::size_t i = 0; i < side; ++i)
-            rows.push_back({untouched, &levels[i * list.size()]});
+        for (std::size_t i = 0; i < side; ++i) rows.push_back({untouched, &levels[i * list.size()]});
         real.assign(side < 400 ? side * side : 0, untouched);
         imaginary = real;
         return *this;
@@ -58,17 +53,12 @@ struct World {
     std::vector<float> real, imaginary;
 };
 
-World separate() {
-    return World({4, 3, 4});
-}
-World joint() {
-    return std::move(separate().merge_all());
-}
+World separate() { return World({4, 3, 4}); }
+World joint() { return std::move(separate().merge_all()); }
 /// 1458 entries whose labels lie close together.
 World large() {
     World world({9, 9, 9, 2});
-    for (const std::size_t i : {1U, 3U})
-        vantel_hadamard(&world[i], nullptr, 0);
+    for (const std::size_t i : {1U, 3U}) vantel_hadamard(&world[i], nullptr, 0);
     return std::move(world.merge_all());
 }
 /// The same with labels far apart.
@@ -108,16 +98,12 @@ std::string told(const World& world) {
         text << "\nindex " << handle->index << " among";
         for (std::size_t i = 0; i < shared.properties.size(); ++i)
             for (std::size_t j = 0; j < world.q.size() && !shared.is_stale(i); ++j)
-                if (shared.properties[i] == world.q[j].get())
-                    text << ' ' << j;
+                if (shared.properties[i] == world.q[j].get()) text << ' ' << j;
         if (shared.properties[0] == handle.get())
-            for (const Entry& entry : shared.state->basis_amplitudes())
-                text << '\n' << entry.dits << entry.amplitude;
+            for (const Entry& entry : shared.state->basis_amplitudes()) text << '\n' << entry.dits << entry.amplitude;
     }
-    for (const ProbabilityRecord& row : world.rows)
-        text << '\n' << row.probability;
-    for (const int level : world.levels)
-        text << ' ' << level;
+    for (const ProbabilityRecord& row : world.rows) text << '\n' << row.probability;
+    for (const int level : world.levels) text << ' ' << level;
     for (const auto& parts : {world.real, world.imaginary})
         text.write(reinterpret_cast<const char*>(parts.data()),
                    static_cast<std::streamsize>(parts.size() * sizeof(float)));
@@ -142,13 +128,10 @@ template <std::size_t A, std::size_t B> int merges(World& w) {
     tensor_state(w[A], w[B]);
     return 0;
 }
-template <Step... Steps> int in_turn(World& w) {
-    return (Steps(w) | ...);
-}
+template <Step... Steps> int in_turn(World& w) { return (Steps(w) | ...); }
 template <std::size_t Conditions> int projection_broken_off(World& w) {
     QuantumProperty ancilla = make_quantum_property(2);
-    for (std::size_t i = 0; i < Conditions; ++i)
-        tensor_state(ancilla, *w.conditions[i].property);
+    for (std::size_t i = 0; i < Conditions; ++i) tensor_state(ancilla, *w.conditions[i].property);
     return 0;
 }
 
@@ -156,9 +139,7 @@ constexpr Step hadamard = [](auto& w) { return vantel_hadamard(&w[0], w.conditio
 constexpr Step shift = [](auto& w) { return vantel_shift(&w[0], 0.5F, w.conditions.data(), 2); };
 constexpr Step half_clock = [](auto& w) { return vantel_clock(&w[0], 0.5F, w.conditions.data(), 2); };
 constexpr Step i_swap = [](auto& w) { return vantel_i_swap(&w[0], &w[2], 0.5F, w.conditions.data(), 1); };
-constexpr Step measure = [](auto& w) {
-    return vantel_measure(w.list.data(), w.list.size(), w.levels.data());
-};
+constexpr Step measure = [](auto& w) { return vantel_measure(w.list.data(), w.list.size(), w.levels.data()); };
 constexpr Step probabilities = [](auto& w) {
     return vantel_probabilities(w.list.data(), w.list.size(), w.rows.data());
 };
@@ -180,8 +161,8 @@ const Situation situations[] = {
     {"version", separate, [](World&) { return vantel_version() == nullptr ? -1 : 0; }},
     {"make", separate, [](World&) { return qudit_of(5) ? 0 : -1; }},
     {"hadamard", separate, hadamard, related},
-    {"inverse_hadamard", separate,
-     [](auto& w) { return vantel_inverse_hadamard(&w[0], w.conditions.data(), 2); }, related},
+    {"inverse_hadamard", separate, [](auto& w) { return vantel_inverse_hadamard(&w[0], w.conditions.data(), 2); },
+     related},
     {"hadamard_after_many_guests", after_many_guests, hadamard, related},
     {"hadamard_large", large, hadamard},
     {"hadamard_scattered", scattered, hadamard},
@@ -193,8 +174,7 @@ const Situation situations[] = {
      separate,
      [](auto& w) { return vantel_phase_rotate(w.conditions.data(), 2, 0.5F); },
      {merges<1, 2>}},
-    {"swap", separate, [](auto& w) { return vantel_swap(&w[0], &w[2], w.conditions.data(), 1); },
-     exchange_related},
+    {"swap", separate, [](auto& w) { return vantel_swap(&w[0], &w[2], w.conditions.data(), 1); }, exchange_related},
     {"i_swap", separate, i_swap, exchange_related},
     {"i_swap_large", large, i_swap},
     {"i_swap_scattered", scattered, i_swap},
@@ -227,8 +207,7 @@ class AllocationFailure : public ::testing::TestWithParam<Situation> {
 protected:
     AllocationFailure() {
         standing.push_back(told(begin()));
-        for (const Step stage : situation.stages)
-            standing.push_back(told_after(stage));
+        for (const Step stage : situation.stages) standing.push_back(told_after(stage));
         done = told_after(situation.call);
     }
 
@@ -258,12 +237,9 @@ protected:
             made.was_last = stop_failing() <= allowed;
             const std::string left = told(world);
             for (std::size_t i = 0; passed_out && i < standing.size(); ++i)
-                if (left == standing[i])
-                    made.outcome = static_cast<int>(i);
-            if (status == 0 && left == done)
-                made.outcome = finished;
-            if (passed_out && situation.call(world) != 0)
-                made.outcome = unusable;
+                if (left == standing[i]) made.outcome = static_cast<int>(i);
+            if (status == 0 && left == done) made.outcome = finished;
+            if (passed_out && situation.call(world) != 0) made.outcome = unusable;
         }
         return live_allocations() == before ? made : Attempt{leaked, made.was_last};
     }
@@ -278,8 +254,7 @@ protected:
         }
         int status = 0;
         waitpid(child, &status, 0);
-        if (WIFSIGNALED(status))
-            return {WTERMSIG(status) == SIGABRT ? ended : not_told, false};
+        if (WIFSIGNALED(status)) return {WTERMSIG(status) == SIGABRT ? ended : not_told, false};
         return {WEXITSTATUS(status) & 127, (WEXITSTATUS(status) & 128) != 0};
     }
 
@@ -324,6 +299,5 @@ TEST(Status, IsWrittenBeforeAnAllocationCanFail) {
     stop_failing();
     EXPECT_EQ(status, vantel_ok);
 }
-
 } // namespace
 } // namespace vantel::testing

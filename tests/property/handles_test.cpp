@@ -1,13 +1,11 @@
-#include <optional>
-
 #include "interface/quantum_property.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
+#include <optional>
 
 namespace vantel::testing {
 namespace {
-
 using List = std::vector<QuantumProperty*>;
 
 List handles_beside(const Handle& handle) {
@@ -15,9 +13,7 @@ List handles_beside(const Handle& handle) {
     return {list.begin(), list.end()};
 }
 
-Entries entries_behind(const Handle& handle) {
-    return handle->shared_state->state->basis_amplitudes();
-}
+Entries entries_behind(const Handle& handle) { return handle->shared_state->state->basis_amplitudes(); }
 
 TEST(Release, OfManyGuestsLeavesALongListThatMergesInFrontAndBehind) {
     const Handle host = qudit_of(2), front = qudit_of(3);
@@ -32,8 +28,7 @@ TEST(Release, OfManyGuestsLeavesALongListThatMergesInFrontAndBehind) {
     Handle last = qudit_of(2);
     merge({host.get(), last.get()});
     EXPECT_EQ(host->shared_state->properties.size(), 15U);
-    for (std::size_t i = 0; i < 15; ++i)
-        EXPECT_EQ(host->shared_state->is_stale(i), 2 <= i && i < 14) << i;
+    for (std::size_t i = 0; i < 15; ++i) EXPECT_EQ(host->shared_state->is_stale(i), 2 <= i && i < 14) << i;
     last.reset();
     EXPECT_TRUE(host->shared_state->is_stale(14));
 }
@@ -61,14 +56,12 @@ TEST(Projection, CanLeaveAnIndexBeyondTheQuditsWhichIsNeverWrittenThrough) {
     merge({p.get(), q.get()});
     const PredicateRecord zero{p.get(), 0, 1};
     int result = -1;
-    for (int i = 0; i < 2; ++i)
-        ASSERT_EQ(vantel_stochastic_projection(&zero, 1, &result), 0);
+    for (int i = 0; i < 2; ++i) ASSERT_EQ(vantel_stochastic_projection(&zero, 1, &result), 0);
     EXPECT_EQ((std::vector<int>{p->index, q->index}), (std::vector<int>{0, 2}));
     List list{q.get()};
     EXPECT_EQ(thrown_by([&] { vantel_measure(list.data(), 1, &result); }),
               failure<std::out_of_range>("qudit index out of range"));
-    expect_end([&] { vantel_cycle(q.get(), 1.0F, nullptr, 0); },
-               "^DitArray::operator\\+: v >= dimension\\(\\)\n");
+    expect_end([&] { vantel_cycle(q.get(), 1.0F, nullptr, 0); }, "^DitArray::operator\\+: v >= dimension\\(\\)\n");
     vantel_hadamard(q.get(), nullptr, 0);
     q.reset();
     EXPECT_EQ(p->shared_state->state->num_qudits(), 1U);
@@ -83,8 +76,7 @@ struct Place {
 TEST(StalePosition, IsNoHandleThatLivesAtItsAddressLater) {
     Place place;
     QuantumProperty* gone = place.build();
-    Handle a = qudit_of(2), b = qudit_of(2), d = qudit_of(2), x = qudit_of(2), y = qudit_of(2),
-           z = qudit_of(2);
+    Handle a = qudit_of(2), b = qudit_of(2), d = qudit_of(2), x = qudit_of(2), y = qudit_of(2), z = qudit_of(2);
     merge({a.get(), b.get(), gone});
     gone->~QuantumProperty();
     QuantumProperty* const later = place.build();
@@ -110,6 +102,5 @@ TEST(StalePosition, IsNoHandleThatLivesAtItsAddressLater) {
     EXPECT_EQ(handles_beside(x), before);
     EXPECT_EQ(std::count(x->shared_state->stale.begin(), x->shared_state->stale.end(), 1), twins);
 }
-
 } // namespace
 } // namespace vantel::testing

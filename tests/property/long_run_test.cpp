@@ -1,24 +1,19 @@
-#include <array>
-#include <cmath>
-
 #include "interface/quantum_property.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/states.hpp"
+#include <array>
+#include <cmath>
 
 // What shows only over many calls: the shares of outcomes, and what rounding does to the norm.
 namespace vantel::testing {
 namespace {
-
 constexpr double u = 0x1p-53; // one rounding, of double precision
 
-Entries entries_behind(const Handle& handle) {
-    return handle->shared_state->state->basis_amplitudes();
-}
+Entries entries_behind(const Handle& handle) { return handle->shared_state->state->basis_amplitudes(); }
 
 double norm_of(const Entries& entries) {
     double sum = 0.0;
-    for (const Entry& entry : entries)
-        sum += std::norm(entry.amplitude);
+    for (const Entry& entry : entries) sum += std::norm(entry.amplitude);
     return std::sqrt(sum);
 }
 
@@ -43,12 +38,11 @@ constexpr double phase = 5 * u;
 constexpr float angle = 0.7F;
 
 const Pair pairs[] = {
-    {"cycle_and_shift",
-     [](auto q, auto c, float s) { (s > 0 ? vantel_cycle : vantel_shift)(q[1], 1.0F, c, 1); }, 2, 0.0},
+    {"cycle_and_shift", [](auto q, auto c, float s) { (s > 0 ? vantel_cycle : vantel_shift)(q[1], 1.0F, c, 1); }, 2,
+     0.0},
     {"swap", [](auto q, auto, float) { vantel_swap(q[1], q[2], nullptr, 0); }, 2, 0.0},
-    {"hadamard",
-     [](auto q, auto, float s) { (s > 0 ? vantel_hadamard : vantel_inverse_hadamard)(q[1], nullptr, 0); }, 2,
-     2 * transform},
+    {"hadamard", [](auto q, auto, float s) { (s > 0 ? vantel_hadamard : vantel_inverse_hadamard)(q[1], nullptr, 0); },
+     2, 2 * transform},
     {"fractional_cycle_and_shift",
      [](auto q, auto c, float s) { (s > 0 ? vantel_cycle : vantel_shift)(q[1], 0.3F, c, 1); }, 6,
      4 * transform + 2 * phase},
@@ -169,8 +163,7 @@ TEST_P(Shares, AreThoseOfTheStateButForOneFalseAlarmInABillion) {
     const double limit = std::log(50 / 1e-9);
     const int draws = VANTEL_LONG_RUN / 50;
     std::vector<int> counts(GetParam().shares.size());
-    for (int i = 0; i < draws; ++i)
-        ++counts.at(static_cast<std::size_t>(GetParam().outcome()));
+    for (int i = 0; i < draws; ++i) ++counts.at(static_cast<std::size_t>(GetParam().outcome()));
     for (std::size_t i = 0; i < counts.size(); ++i) {
         const double p = GetParam().shares[i];
         const double q = static_cast<double>(counts[i]) / draws;
@@ -181,6 +174,5 @@ TEST_P(Shares, AreThoseOfTheStateButForOneFalseAlarmInABillion) {
 
 INSTANTIATE_TEST_SUITE_P(Experiments, Shares, ::testing::ValuesIn(experiments),
                          [](const auto& tested) { return tested.param.name; });
-
 } // namespace
 } // namespace vantel::testing

@@ -1,13 +1,11 @@
-#include <random>
-
 #include "algorithms/first_words.hpp"
 #include "readout/density_matrix.hpp"
 #include "tests/support/random_source.hpp"
 #include "tests/support/states.hpp"
+#include <random>
 
 namespace vantel::testing {
 namespace {
-
 using Ints = std::vector<int>;
 
 TEST(Measure, OpensTheDeviceOnceAndTakesOneWord) {
@@ -75,8 +73,7 @@ TEST(DensityMatrix, KeepsTheSignOfAProductThatIsANegativeZero) {
         const auto state = state_of({dimension}, {{{0}, {-0.5, 0.0}}, {{1}, {0.0, -1.0}}});
         std::vector<Complex> elements(dimension * dimension);
         qudit::DensityMatrix(*state, {0}, qudit::ValuePermutations({dimension}))
-            .for_each(elements.size(),
-                      [&](std::size_t place, const Complex& element) { elements[place] = element; });
+            .for_each(elements.size(), [&](std::size_t place, const Complex& element) { elements[place] = element; });
         EXPECT_TRUE(same_bits(elements[1], {-0.0, -0.5})) << dimension;
     }
 }
@@ -85,10 +82,8 @@ TEST(FirstWords, AreThoseOfTheEngine) {
     std::mt19937 seeds(1);
     for (const std::uint32_t seed : {0U, 1U, ~0U, static_cast<std::uint32_t>(seeds())}) {
         std::mt19937 engine(seed);
-        for (const std::uint32_t word : first_words<200>(seed))
-            ASSERT_EQ(word, engine()) << seed;
+        for (const std::uint32_t word : first_words<200>(seed)) ASSERT_EQ(word, engine()) << seed;
     }
 }
-
 } // namespace
 } // namespace vantel::testing

@@ -1,19 +1,15 @@
 #include "state/dit_array.hpp"
-
-#include <limits>
-
 #include "tests/support/states.hpp"
+#include <limits>
 
 namespace vantel::qudit {
 namespace {
-
 template <int D, int N> void check_packing(unsigned bits) {
     SCOPED_TRACE("D " + std::to_string(D) + ", N " + std::to_string(N));
     DitArray<D, N> label;
     EXPECT_EQ(sizeof label, 16U);
     EXPECT_EQ(label.dits(), std::vector<Dit>(N, {0, 1}));
-    for (int i = 0; i < N; ++i)
-        label[i] = Dit{D - 1, D};
+    for (int i = 0; i < N; ++i) label[i] = Dit{D - 1, D};
     const auto full = label;
     for (int i = 0; i < N; ++i) {
         const std::uint64_t top = std::uint64_t{D - 1} << (bits * static_cast<unsigned>(i));
@@ -29,8 +25,7 @@ template <int D, int N> void check_packing(unsigned bits) {
     EXPECT_EQ(full.values[0] >> (bits * N - 1) >> 1, 0U);
     EXPECT_THROW(static_cast<void>(full.at(N)), std::out_of_range);
     // An index that is no qudit's reaches some place of the same two words.
-    for (const int index :
-         {N, 63, 64, 100, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+    for (const int index : {N, 63, 64, 100, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         EXPECT_LT(full[index].value, D) << index;
         EXPECT_LE(full[index].dimension, D) << index;
         EXPECT_LT(SlotLayout::of(D).position(index) + bits, 65U) << index;
@@ -56,16 +51,8 @@ TEST(Label, IsWrittenThroughFromASlotOfAnother) {
 TEST(LabelDiagnostics, PrintAndEndTheProcessPastAnyHandler) {
     using testing::expect_end;
     DitArray<5, 3> label;
-    expect_end(
-        [&] {
-            label[1] = Dit{5, 5};
-        },
-        "DitArray::operator=: v\\.value \\(5\\) >= MAX_DIMENSION \\(5\\)\n");
-    expect_end(
-        [&] {
-            label[1] = Dit{7, 9};
-        },
-        "^DitArray::operator=: v\\.value \\(7\\) >= MAX_DIMENSION \\(5\\)\n");
+    expect_end([&] { label[1] = Dit{5, 5}; }, "DitArray::operator=: v\\.value \\(5\\) >= MAX_DIMENSION \\(5\\)\n");
+    expect_end([&] { label[1] = Dit{7, 9}; }, "^DitArray::operator=: v\\.value \\(7\\) >= MAX_DIMENSION \\(5\\)\n");
     expect_end(
         [] {
             make_basis_amplitude<5, 1>({{0, 2}, {5, 5}}, 1.0);
@@ -74,6 +61,5 @@ TEST(LabelDiagnostics, PrintAndEndTheProcessPastAnyHandler) {
     expect_end([&] { label[1] = Dit{0, 6}; }, "^DitArray::operator=: v\\.dimension > MAX_DIMENSION\n");
     expect_end([&] { static_cast<void>(label[1] + 1); }, "^DitArray::operator\\+: v >= dimension\\(\\)\n");
 }
-
 } // namespace
 } // namespace vantel::qudit

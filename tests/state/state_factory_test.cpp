@@ -1,22 +1,18 @@
+#include "state/state.hpp"
+#include "tests/support/states.hpp"
 #include <chrono>
 #include <limits>
 #include <random>
 
-#include "state/state.hpp"
-#include "tests/support/states.hpp"
-
 namespace vantel::testing {
 namespace {
-
 using namespace qudit;
 
 const auto exceeded = failure<StateSizeExceeded>("State size exceeded maximum allowed size");
 
 TEST(Factory, RefusesSizeFirstThenDimensionThenCount) {
     const auto made = [](std::uint64_t dim, std::uint64_t qudits, std::size_t entries) {
-        return thrown_by([=] {
-            Factory::make_unique_state({dim, qudits}, Entries(entries, Entry{{}, 1.0}));
-        });
+        return thrown_by([=] { Factory::make_unique_state({dim, qudits}, Entries(entries, Entry{{}, 1.0})); });
     };
     const auto low = failure<BadDimension>("dim must be >= 2");
     const auto high = failure<BadDimension>("dim must be <= MAX_QUDIT_DIMENSION: 10");
@@ -32,8 +28,7 @@ TEST(Factory, RefusesSizeFirstThenDimensionThenCount) {
 TEST(Limit, IsOfAHundredThousandEntriesWhereverAListCanGrow) {
     const auto spread = [](std::uint64_t dimension, int over, std::size_t qudits) {
         auto state = state_of(Levels(qudits, dimension), {{Levels(qudits, 0), 1.0}});
-        for (int i = 0; i < over; ++i)
-            state->hadamard({i}, {});
+        for (int i = 0; i < over; ++i) state->hadamard({i}, {});
         return state;
     };
     const auto thousand = spread(10, 3, 3);
@@ -52,8 +47,7 @@ TEST(Limit, IsOfAHundredThousandEntriesWhereverAListCanGrow) {
 
 TEST(Construction, TellsLabelsApartByTheirLevelsAloneAndDropsExactZerosAfterwards) {
     const auto state = Factory::make_unique_state(
-        {5, 3},
-        Entries{{{{1, 2}}, 0.5}, {{{2, 3}}, {-0.0, 0.0}}, {{{1, 3}, {0, 4}}, 0.25}, {{{2, 3}}, 0.75}});
+        {5, 3}, Entries{{{{1, 2}}, 0.5}, {{{2, 3}}, {-0.0, 0.0}}, {{{1, 3}, {0, 4}}, 0.25}, {{{2, 3}}, 0.75}});
     ASSERT_EQ(state->basis_amplitudes().size(), 1U);
     EXPECT_EQ(state->basis_amplitudes()[0].dits, (std::vector<Dit>{{1, 2}, {0, 1}, {0, 1}}));
 }
@@ -76,11 +70,9 @@ TEST(Reduction, LeavesTheToldEntriesInTheToldOrder) {
             list.push_back(make_basis_amplitude<10, 1>(entry.dits, entry.amplitude));
         State<DitArray<10, 1>>::reduce(list);
         Entries left;
-        for (const auto& [label, amplitude] : list)
-            left.push_back({label.dits(), amplitude});
+        for (const auto& [label, amplitude] : list) left.push_back({label.dits(), amplitude});
         EXPECT_TRUE(same_entries(left, entries_of({10}, after)));
     }
 }
-
 } // namespace
 } // namespace vantel::testing

@@ -1,14 +1,12 @@
 #pragma once
 
+#include "interface/vantel.h"
 #include <iostream>
 #include <memory>
 #include <sstream>
 #include <vector>
 
-#include "interface/vantel.h"
-
 namespace vantel::testing {
-
 struct Free {
     void operator()(QuantumProperty* property) const { vantel_free_quantum_property(property); }
 };
@@ -22,8 +20,7 @@ inline Handle qudit_of(int dimension) {
 /// Conditions that hold for any level, so that a call with them merges and selects all.
 inline std::vector<PredicateRecord> any_level(const std::vector<QuantumProperty*>& properties) {
     std::vector<PredicateRecord> records(properties.size());
-    for (std::size_t i = 0; i < records.size(); ++i)
-        records[i] = {properties[i], -1, 0};
+    for (std::size_t i = 0; i < records.size(); ++i) records[i] = {properties[i], -1, 0};
     return records;
 }
 
@@ -45,5 +42,4 @@ private:
     std::ostringstream text_;
     std::streambuf* before_;
 };
-
 } // namespace vantel::testing

@@ -1,5 +1,4 @@
 #include "tests/support/random_source.hpp"
-
 #include <array>
 #include <cerrno>
 #include <cstdarg>
@@ -13,14 +12,12 @@
 // The device is a pipe that holds copies of the word, so that what was taken shows in what is left. Each
 // thread has its own.
 namespace {
-
 constexpr int copies = 8;
 thread_local bool replaced = false;
 thread_local vantel::testing::RandomSource::Fault fault_at_device{};
 thread_local std::array<int, 2> ends{-1, -1};
 thread_local std::array<int, copies> handed_out{};
 thread_local int opened_so_far = 0;
-
 } // namespace
 
 // The standard library's random device calls this one, since the program's own symbols come first.
@@ -39,13 +36,11 @@ extern "C" __attribute__((visibility("default"))) int open(const char* path, int
 }
 
 namespace vantel::testing {
-
 RandomSource::RandomSource(std::uint32_t word, Fault fault) {
     std::array<std::uint32_t, copies> words{};
     words.fill(word);
     const std::size_t size = fault == Fault::none ? sizeof words : 0;
-    if (pipe(ends.data()) != 0 || write(ends[1], words.data(), size) != static_cast<ssize_t>(size))
-        std::abort();
+    if (pipe(ends.data()) != 0 || write(ends[1], words.data(), size) != static_cast<ssize_t>(size)) std::abort();
     close(ends[1]);
     opened_so_far = 0;
     fault_at_device = fault;
@@ -57,9 +52,7 @@ RandomSource::~RandomSource() {
     close(ends[0]);
 }
 
-int RandomSource::opened() const {
-    return opened_so_far;
-}
+int RandomSource::opened() const { return opened_so_far; }
 
 int RandomSource::left_open() const {
     int open_still = 0;
@@ -73,5 +66,4 @@ int RandomSource::words_taken() const {
     ioctl(ends[0], FIONREAD, &bytes);
     return copies - bytes / static_cast<int>(sizeof(std::uint32_t));
 }
-
 } // namespace vantel::testing

@@ -3,7 +3,6 @@
 #include <cstdint>
 
 namespace vantel::testing {
-
 /// Stands before /dev/urandom while it lives, so that the drawn word is chosen. One at a time in each thread.
 class RandomSource {
 public:
@@ -18,5 +17,4 @@ public:
     [[nodiscard]] int left_open() const;
     [[nodiscard]] int words_taken() const;
 };
-
 } // namespace vantel::testing

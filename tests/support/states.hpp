@@ -1,11 +1,13 @@
 #pragma once
 
+#include "state/state_factory.hpp"
 #include <bit>
 #include <cmath>
 #include <complex>
 #include <csignal>
 #include <cstdint>
 #include <functional>
+#include <gtest/gtest.h>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -14,12 +16,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "state/state_factory.hpp"
-
 namespace vantel::testing {
-
 using Factory = qudit::StateFactory<10, 10>;
 using Entry = qudit::BasisAmplitudeData;
 using Entries = std::vector<Entry>;
@@ -28,8 +25,7 @@ using Complex = std::complex<double>;
 
 /// One NaN is as good as another; of every other number each bit counts, the sign of a zero too.
 inline bool same_bits(double a, double b) {
-    return (std::isnan(a) && std::isnan(b)) ||
-           std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+    return (std::isnan(a) && std::isnan(b)) || std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 inline bool same_bits(const Complex& a, const Complex& b) {
     return same_bits(a.real(), b.real()) && same_bits(a.imag(), b.imag());
@@ -41,8 +37,8 @@ inline ::testing::AssertionResult same_entries(const Entries& actual, const Entr
     for (std::size_t i = 0; i < actual.size(); ++i)
         if (actual[i].dits != expected[i].dits || !same_bits(actual[i].amplitude, expected[i].amplitude)) {
             std::ostringstream text;
-            text << std::hexfloat << "entry " << i << ": " << actual[i].dits << actual[i].amplitude
-                 << ", not " << expected[i].dits << expected[i].amplitude;
+            text << std::hexfloat << "entry " << i << ": " << actual[i].dits << actual[i].amplitude << ", not "
+                 << expected[i].dits << expected[i].amplitude;
             return ::testing::AssertionFailure() << text.str();
         }
     return ::testing::AssertionSuccess();
@@ -65,9 +61,8 @@ inline Entries entries_of(const Levels& dimensions, const std::vector<Term>& ter
 }
 
 inline std::unique_ptr<qudit::IState> state_of(const Levels& dimensions, const std::vector<Term>& terms) {
-    return Factory::make_unique_state(
-        {*std::max_element(dimensions.begin(), dimensions.end()), dimensions.size()},
-        entries_of(dimensions, terms));
+    return Factory::make_unique_state({*std::max_element(dimensions.begin(), dimensions.end()), dimensions.size()},
+                                      entries_of(dimensions, terms));
 }
 
 /// What a call let pass: the class and the text of its exception, or nothing.
@@ -80,9 +75,7 @@ inline Passed thrown_by(const std::function<void()>& call) {
     }
     return {};
 }
-template <class Failure> Passed failure(const char* text) {
-    return {typeid(Failure).name(), text};
-}
+template <class Failure> Passed failure(const char* text) { return {typeid(Failure).name(), text}; }
 
 /// Expects that the process ends, with the text on standard output, and that no handler gets a chance.
 inline void expect_end(const std::function<void()>& act, const char* text) {
@@ -98,5 +91,4 @@ inline void expect_end(const std::function<void()>& act, const char* text) {
         },
         ::testing::KilledBySignal(SIGABRT), text);
 }
-
 } // namespace vantel::testing

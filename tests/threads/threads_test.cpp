@@ -1,15 +1,13 @@
+#include "tests/support/handles.hpp"
+#include "tests/support/random_source.hpp"
+#include "tests/support/states.hpp"
 #include <barrier>
 #include <random>
 #include <thread>
 
-#include "tests/support/handles.hpp"
-#include "tests/support/random_source.hpp"
-#include "tests/support/states.hpp"
-
 // Separate joint states on separate threads. It says most when it is built with the thread sanitizer.
 namespace vantel::testing {
 namespace {
-
 /// All that a random run of calls reports, bit for bit.
 std::vector<int> results_of(unsigned seed) {
     std::mt19937 dice(seed);
@@ -19,8 +17,7 @@ std::vector<int> results_of(unsigned seed) {
         const int dimension = 2 + roll(4);
         std::vector<Handle> handles;
         std::vector<QuantumProperty*> q;
-        for (int i = 0; i < 4; ++i)
-            q.push_back(handles.emplace_back(qudit_of(i < 2 ? dimension : 2 + roll(9))).get());
+        for (int i = 0; i < 4; ++i) q.push_back(handles.emplace_back(qudit_of(i < 2 ? dimension : 2 + roll(9))).get());
         for (int call = 0; call < 30; ++call) {
             const PredicateRecord when{q[2 + dice() % 2], roll(3), static_cast<unsigned char>(roll(2))};
             const float fraction = static_cast<float>(roll(5)) / 4;
@@ -40,13 +37,10 @@ std::vector<int> results_of(unsigned seed) {
         std::vector<ProbabilityRecord> table(side, {0.0F, levels.data()});
         std::vector<float> real(side * side), imaginary(side * side);
         results.push_back(vantel_probabilities(q.data(), 2, table.data()));
-        results.push_back(
-            vantel_reduced_density_matrix(q.data(), 2, real.data(), imaginary.data(), side * side));
-        for (const ProbabilityRecord& record : table)
-            real.push_back(record.probability);
+        results.push_back(vantel_reduced_density_matrix(q.data(), 2, real.data(), imaginary.data(), side * side));
+        for (const ProbabilityRecord& record : table) real.push_back(record.probability);
         real.insert(real.end(), imaginary.begin(), imaginary.end());
-        for (const float number : real)
-            results.push_back(std::bit_cast<int>(number));
+        for (const float number : real) results.push_back(std::bit_cast<int>(number));
         const RandomSource source(static_cast<std::uint32_t>(dice()));
         results.push_back(vantel_measure(&q[1], 2, levels.data()));
         results.insert(results.end(), levels.begin(), levels.end());
@@ -67,9 +61,7 @@ TEST(Threads, GetWhatOneThreadGetsFromSeparateJointStates) {
                 results[i] = results_of(i);
             });
     }
-    for (unsigned i = 0; i < count; ++i)
-        EXPECT_EQ(results[i], results_of(i));
+    for (unsigned i = 0; i < count; ++i) EXPECT_EQ(results[i], results_of(i));
 }
-
 } // namespace
 } // namespace vantel::testing

@@ -8,8 +8,7 @@ int main() {
 
     auto qudits = vantel::make_register(11, 2);
     try {
-        for (vantel::Qudit& qudit : qudits)
-            vantel::hadamard(qudit, first == 0);
+        for (vantel::Qudit& qudit : qudits) vantel::hadamard(qudit, first == 0);
     } catch (const vantel::Error& failure) {
         return a != b || failure.status() != vantel_bad_qudit_number;
     }
