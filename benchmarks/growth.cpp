@@ -23,13 +23,41 @@ Description grown(std::vector<int> others) {
     return description;
 }
 
-std::vector<Description> states() {
+std::vector<Description> complete_states() {
     std::vector<Description> all{{"1", Shape::single, {2, 2}, {0}}, grown({}), grown({2}), grown({5}), grown({10})};
     for (std::vector<int> rest; rest.size() < 4; rest.push_back(10))
         for (std::vector<int> others : {std::vector{5, 5}, {5, 10}, {10, 10}}) {
             others.insert(others.end(), rest.begin(), rest.end());
             if (grown(others).entries() <= 100000) all.push_back(grown(others));
         }
+    return all;
+}
+
+/// The same sizes, less the labels with the highest levels of the first qudits.
+std::vector<Description> lacking_states() {
+    std::vector<Description> all;
+    for (Description description : complete_states())
+        if (description.dimensions.size() > 2) {
+            description.shape = Shape::lacking;
+            description.name = "lacking-" + std::to_string(description.entries());
+            all.push_back(description);
+        }
+    return all;
+}
+
+/// Labels of ten ten-level qudits without a pattern.
+std::vector<Description> scattered_states() {
+    std::vector<Description> all;
+    for (std::size_t power = 10; power <= 100000; power *= 10)
+        for (const std::size_t count : {power / 2, power})
+            if (count >= 10)
+                all.push_back({"scattered-" + std::to_string(count),
+                               Shape::scattered,
+                               std::vector<int>(10, 10),
+                               {0},
+                               false,
+                               false,
+                               count});
     return all;
 }
 
@@ -98,11 +126,12 @@ void register_literal(const Description& description) {
 int main(int argc, char** argv) {
     constexpr std::size_t patience = 2000; // entries, beyond which quadratic forms take too long
     benchmark::Initialize(&argc, argv);
-    for (const Description& state : states()) {
-        benchmarks::register_repeatable(state);
-        benchmarks::register_consuming(state);
-        if (state.entries() <= patience) register_literal(state);
-    }
+    for (const auto& states : {complete_states(), lacking_states(), scattered_states()})
+        for (const Description& state : states) {
+            benchmarks::register_repeatable(state);
+            benchmarks::register_consuming(state);
+            if (state.shape == Shape::dense && state.entries() <= patience) register_literal(state);
+        }
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
 }

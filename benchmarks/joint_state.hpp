@@ -11,10 +11,13 @@ enum class Shape {
     single,   ///< one entry, all qudits in level 0
     dense,    ///< every combination of levels, in the order of its labels
     idle,     ///< the same, but the last qudit but one is still in level 0
-    lacking,  ///< the same as dense, less a projection: no entry has the highest level of the first four
+    lacking,  ///< the same as dense, less a projection: no entry has the highest levels of the first four
               ///< qudits
+    measured, ///< the same as dense, but the last qudit but one was measured
     diagonal, ///< two entries, all qudits in level 0 or all in level 1
-    scattered ///< 50000 entries of ten-level qudits with labels and an order of no pattern
+    ghz,      ///< as many entries as a qudit has levels, all qudits in the same one
+    w,        ///< as many entries as there are qudits, one of which is in level 1 and the others in 0
+    scattered ///< entries of ten-level qudits with labels and an order of no pattern
 };
 
 struct Description {
@@ -23,6 +26,8 @@ struct Description {
     std::vector<int> dimensions;
     std::vector<std::size_t> conditions; ///< the numbers of conditions that gates are run with
     bool transforms_only = false;
+    bool never_met = false;              ///< the first condition asks an idle qudit for level 1
+    std::size_t scattered_count = 50000; ///< of entries: 1 or 5 times a power of ten
 
     [[nodiscard]] std::size_t combinations() const; ///< of levels, whether stored or not
     [[nodiscard]] std::size_t entries() const;
@@ -48,10 +53,17 @@ public:
     std::vector<PredicateRecord> conditions; ///< the first "is 1", the second "is not 0", on the first qudits
 
 private:
+    void make_qudits();
+    void free_qudits();
     void make_dense(std::size_t idle);
     void make_lacking();
+    void make_measured();
     void make_diagonal();
-    void make_scattered();
+    void make_ghz();
+    void make_w();
+    void make_scattered(std::size_t entries);
+
+    std::vector<int> dimensions_;
 };
 
 /// What a caller of vantel_probabilities() provides.

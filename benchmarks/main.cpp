@@ -17,6 +17,13 @@ Description transformed(int dimension, std::size_t qudits) {
     return description;
 }
 
+/// A condition that holds nowhere, as on a control that nothing has touched.
+Description never_met() {
+    Description description{"3^9_condition_never_met", Shape::idle, std::vector<int>(10, 3), {1}};
+    description.never_met = true;
+    return description;
+}
+
 std::vector<Description> states() {
     return {
         dense(2, 1, {0}),
@@ -27,6 +34,10 @@ std::vector<Description> states() {
         dense(10, 4, {0, 1, 2}),
         dense(3, 10, {0, 1, 2}),
         {"3^9_and_one_idle", Shape::idle, std::vector<int>(10, 3), {0, 1}},
+        never_met(),
+        {"3^9_one_just_measured", Shape::measured, std::vector<int>(10, 3), {0, 1}},
+        {"ghz", Shape::ghz, std::vector<int>(10, 10), {0, 1}},
+        {"w", Shape::w, std::vector<int>(9, 2), {0, 1}},
         {"3^9_lacking", Shape::lacking, std::vector<int>(9, 3), {0, 1}},
         dense(10, 5, {0, 1, 2}),
         transformed(4, 8),
@@ -43,6 +54,7 @@ std::vector<Description> states() {
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     benchmarks::register_lifetimes();
+    benchmarks::register_programs();
     // A state's limits run beside its cases, so that a machine that is slow for a while is so for both.
     for (const Description& state : states()) {
         benchmarks::register_limits(state);

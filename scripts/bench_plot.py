@@ -7,9 +7,8 @@ COLOURS = ["#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"]
 STYLE = ("<style>.page{fill:#fff}.ink{fill:#1a1a1a}.quiet{fill:#595959}.grid{stroke:#dedede}"
          "@media(prefers-color-scheme:dark){.page{fill:#16181d}.ink{fill:#f0f0f0}.quiet{fill:#b4b4b4}.grid{stroke:#3a3d44}}"
          "</style>")
-# Narrow, so that a phone shows the labels at four fifths of their size; elsewhere the whole is drawn larger.
-PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, LABELS, BELOW, LINE = 235, 300, 62, 84, 138, 90, 16
-ENLARGED = 1.3
+# Narrow and in one column, so that a phone shows the labels at four fifths of their size.
+PANEL_WIDTH, PANEL_HEIGHT, LEFT, TOP, LABELS, BELOW, LINE = 235, 240, 62, 84, 138, 84, 16
 
 
 def decades(values):
@@ -67,17 +66,18 @@ class Panel:
         style = 'stroke-width="1.6" stroke-dasharray="2 4"' if plain else 'stroke-width="2.4"'
         return f'<path d="{path}" fill="none" stroke="{colour}" {style} stroke-linejoin="round" stroke-linecap="round"/>'
 
-    def labels(self, lines):
+    def labels(self, lines, colours):
         """The name of each operation beside the end of its curve."""
         ends = [self.place(*max(points)) for points, _ in lines.values()]
         x = LEFT + PANEL_WIDTH + 16
-        for name, colour, (end_x, end_y), y in zip(lines, COLOURS, ends, apart([y for _, y in ends])):
+        for name, colour, (end_x, end_y), y in zip(lines, colours, ends, apart([y for _, y in ends])):
             yield f'<path d="M{end_x + 2:.1f} {end_y:.1f}L{x - 3:.1f} {y:.1f}" stroke="{colour}" stroke-width="1.2"/>'
             yield text(x, y + 4, name)
 
 
 def plot(panels):
-    """panels: a list of (title, {operation: (points, points of the plain form)}), a point being (entries, ns)."""
+    """panels: rows of (title, {operation: (points, points of the plain form)}), a point being (entries, ns)."""
+    rows, panels = panels, [panel for row in panels for panel in row]
     everything = [point for _, lines in panels for pair in lines.values() for points in pair for point in points]
     x_decades, y_decades = decades([n for n, _ in everything]), decades([t for _, t in everything])
     width, height = LEFT + PANEL_WIDTH + LABELS, TOP + len(panels) * (PANEL_HEIGHT + BELOW) - 30
@@ -85,17 +85,20 @@ def plot(panels):
     told = "; ".join(f"{name}: {min(points)[1]:.3g} ns of {min(points)[0]}, {max(points)[1]:.3g} ns of {max(points)[0]} entries"
                      for _, lines in panels for name, (points, _) in lines.items())
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" '
-             f'width="{width * ENLARGED:.0f}" height="{height * ENLARGED:.0f}" '
+             f'width="{width}" height="{height}" '
              'style="max-width:100%;height:auto" role="img" font-family="sans-serif">', f"<title>{title}</title>",
              f"<desc>{escape(told)}.</desc>", STYLE, f'<rect class="page" width="{width}" height="{height}"/>',
              text(16, 26, title, size=17, extra=' font-weight="bold"'),
              text(16, 48, "solid: the library, dotted: the plainest form", style="quiet")]
-    for number, (name, lines) in enumerate(panels):
+    columns = [j for row in rows for j in range(len(row))]
+    for number, (j, (name, lines)) in enumerate(zip(columns, panels)):
         panel = Panel(TOP + number * (PANEL_HEIGHT + BELOW), x_decades, y_decades)
         parts.append(text(LEFT, panel.top - 10, name, size=15))
         parts += panel.axes()
-        for colour, (points, plain) in zip(COLOURS, lines.values()):
+        names = list(rows[0][j][1])  # an operation has one colour in all rows
+        colours = [COLOURS[names.index(operation)] for operation in lines]
+        for colour, (points, plain) in zip(colours, lines.values()):
             parts += [panel.line(plain, colour, True)] if plain else []
             parts.append(panel.line(points, colour, False))
-        parts += panel.labels(lines)
+        parts += panel.labels(lines, colours)
     return "\n".join(parts) + "\n</svg>\n"
