@@ -119,9 +119,8 @@ TEST(Reduction, LeavesTheOrderThatIsWrittenFromTheSums) {
         if (run == 0) continue;
         qudit::UniformOrder uniform(list.size(), run);
         for (std::size_t taken = 0; taken < list.size(); taken += std::min<std::size_t>(7, list.size() - taken))
-            uniform.take(std::min<std::size_t>(7, list.size() - taken), [&](std::size_t i, std::size_t place) {
-                ASSERT_EQ(list[place].values, taken + i) << times;
-            });
+            uniform.take(std::min<std::size_t>(7, list.size() - taken),
+                         [&](std::size_t i, std::size_t place) { ASSERT_EQ(list[place].values, taken + i) << times; });
     }
 }
 } // namespace
