@@ -71,9 +71,6 @@ inline bool any_highest(Words words) noexcept {
     return any_highest(words[0] | words[1]);
 #endif
 }
-[[gnu::always_inline]] inline bool any_highest(FourWords words) noexcept {
-    return any_highest(__builtin_shufflevector(words, words, 0, 1) | __builtin_shufflevector(words, words, 2, 3));
-}
 
 /// `chosen` where the mask is set, `other` elsewhere.
 [[gnu::always_inline]] inline Parts select(std::uint64_t mask, Parts chosen, Parts other) noexcept {
@@ -89,6 +86,10 @@ inline bool any_highest(Words words) noexcept {
     return __builtin_ia32_ptestz256(reinterpret_cast<const Signed&>(words), reinterpret_cast<const Signed&>(words)) ==
            0;
 }
+/// Whether the highest bit of some word is set.
+[[gnu::target("avx2")]] inline bool any_highest_wide(const FourWords& words) noexcept {
+    return __builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(words)) != 0;
+}
 /// A mask of where a or b is NaN.
 [[gnu::target("avx2")]] inline void find_nan_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept {
     constexpr int unordered = 3;
@@ -101,6 +102,7 @@ inline bool any_highest(Words words) noexcept {
 }
 #else
 bool any_wide(const FourWords& words) noexcept;
+bool any_highest_wide(const FourWords& words) noexcept;
 void find_nan_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept;
 void put_wide(const FourWords& mask, const FourParts& chosen, FourParts& other) noexcept;
 #endif
@@ -112,6 +114,7 @@ template <class Vectors> struct Numbers {
     using Stored = StoredParts;
     using Mask = Words;
 
+    static bool any(const Mask& mask) noexcept { return any_highest(mask); }
     static Register all(Parts number) noexcept { return number; }
     template <std::size_t i> static Parts at(Register numbers) noexcept { return numbers; }
 };
@@ -121,6 +124,7 @@ template <> struct Numbers<WideVectors> {
     using Stored = StoredFourParts;
     using Mask = FourWords;
 
+    static bool any(const Mask& mask) noexcept { return any_wide(mask); }
     [[gnu::always_inline]] static Register all(Parts number) noexcept { return joined(number, number); }
     template <std::size_t i> [[gnu::always_inline]] static Parts at(Register numbers) noexcept {
         return i == 0 ? low_half(numbers) : high_half(numbers);

@@ -31,7 +31,7 @@ public:
         });
         unrolled<d>([&](auto k)
                         VANTEL_INLINED { sums[k * stride] = In::template at<k % In::count>(sums_[k / In::count]); });
-        return !any_highest(~exceed);
+        return !In::any(~exceed);
     }
 
 private:

@@ -76,14 +76,14 @@ private:
     }
 
     /// A group that the controls leave out: each entry is a sum of its own.
-    void keep(FourierSums::Group& group, const std::uint32_t* row, Parts* sums) {
+    [[gnu::always_inline]] void keep(FourierSums::Group& group, const std::uint32_t* row, Parts* sums) {
         group.present = 0;
-        for (std::uint64_t level = 0; level < d; ++level) {
-            if (row[level] == 0) continue;
+        unrolled<d>([&](auto level) VANTEL_INLINED {
+            if (!full && row[level] == 0) return;
             group.present |= 1U << level;
             const Parts sum = sums[level * sums_.stride] = amplitude(row[level] - 1);
             sums_.kept += exceeds_threshold(sum) ? 1 : 0;
-        }
+        });
         group.run = group.present == (1U << d) - 1 ? 1 : 0;
     }
 
@@ -138,7 +138,9 @@ bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const C
 
     PositionTable table(list.entries(), layout, std::span(&target, 1), survey.varying());
     const std::size_t most = std::min(size, table.size() / d);
-    Scratch scratch(list.spare_behind(std::max(size, most * d)));
+    // Sums, groups and holes; and positions, or keys with their members and as many to sort them.
+    const std::size_t bytes = (20 * d + 16) * (most + 8) + (table.is_close() ? 4 * table.size() : 20 * size);
+    Scratch scratch(list.spare_behind(std::max(size, most * d), bytes));
     const PackedEntries entries = list.entries();
     if (table.is_close() && !table.fill(entries, scratch)) return false;
     FourierFactors factors(d, sign);

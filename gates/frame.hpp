@@ -33,16 +33,15 @@ public:
     /// Calls `loop(entries, holds, vectors)` as a wide_loop, where holds(values) is the cheapest form of mask() that
     /// has the same answers and `vectors` is the loop's tag.
     template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
-        const auto all = [this](auto values) VANTEL_INLINED { return mask(values); };
-        // A few entries cost less than the way into a wide loop.
-        if (entries.size() < crossover::entries_walked_wide) return loop(entries, all, PlainVectors{});
         const auto run = [&](auto holds) {
+            // A few entries cost less than the way into a wide loop.
+            if (entries.size() < crossover::entries_walked_wide) return loop(entries, holds, PlainVectors{});
             wide_loop([=](auto vectors) VANTEL_INLINED { loop(entries, holds, vectors); });
         };
         const auto equals = [fields = fields_, wanted = wanted_](auto values)
                                 VANTEL_INLINED { return equal(values & fields, wanted); };
         if (refusals_ > 1)
-            run(all);
+            run([this](auto values) VANTEL_INLINED { return mask(values); });
         else if (refusals_ == 1)
             run([equals, refused = refused_[0]](auto values)
                     VANTEL_INLINED { return equals(values) & ~equal(values & refused.field, refused.level); });

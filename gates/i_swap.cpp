@@ -140,7 +140,9 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
     const std::uint64_t varying = survey.varying() | layout.field(low) | layout.field(high);
     PositionTable table(list.entries(), layout, {}, varying);
     if (!table.is_close()) return false;
-    Scratch scratch(list.spare_behind(std::clamp(table.size(), size, 2 * size)));
+    const std::size_t longest = std::clamp(table.size(), size, 2 * size);
+    Scratch scratch(
+        list.spare_behind(longest, sizeof(Copy) * size + sizeof(std::uint32_t) * (table.size() + longest) + 64));
     const std::span<const PackedAmplitude> entries = list.entries();
     if (!table.fill(entries, scratch)) return false;
 

@@ -46,38 +46,27 @@ std::vector<std::uint32_t> crowded_positions(PackedEntries entries, std::uint64_
 
 /// The entries that pair with each: those with the same levels in the traced fields, itself included, in stored order.
 /// Only such pairs contribute.
-class Partners {
-public:
+struct Partners {
+    std::vector<std::uint32_t> group_of; ///< of each entry, counted from 1; 0 of one that is alone
+    std::vector<std::uint32_t> begins;   ///< of each group's members, and where the last group ends
+    std::vector<std::uint32_t> members;  ///< of all groups of more than one
+
     /// @param entries  fewer than 2^32
-    Partners(PackedEntries entries, std::uint64_t traced) : group_of_(entries.size(), alone), begins_{0} {
+    Partners(PackedEntries entries, std::uint64_t traced) : group_of(entries.size(), 0), begins{0} {
         const std::vector<std::uint32_t> positions = crowded_positions(entries, traced);
         std::vector<PackedAmplitude> crowded(positions.size());
         for (std::size_t i = 0; i < crowded.size(); ++i) crowded[i] = entries[positions[i]];
-        members_.reserve(crowded.size());
+        members.reserve(crowded.size());
         Scratch scratch;
         LabelGroups(crowded, traced, scratch).for_each([&](std::span<const std::uint32_t> group) {
             if (group.size() == 1) return;
             for (const std::uint32_t member : group) {
-                members_.push_back(positions[member]);
-                group_of_[positions[member]] = static_cast<std::uint32_t>(begins_.size());
+                members.push_back(positions[member]);
+                group_of[positions[member]] = static_cast<std::uint32_t>(begins.size());
             }
-            begins_.push_back(static_cast<std::uint32_t>(members_.size()));
+            begins.push_back(static_cast<std::uint32_t>(members.size()));
         });
     }
-
-    /// Calls `visit(partner)` for each partner of an entry.
-    template <class Visit> [[gnu::always_inline]] void for_each_of(std::uint32_t entry, Visit visit) const {
-        const std::uint32_t group = group_of_[entry];
-        if (group == alone) return visit(entry);
-        for (std::uint32_t i = begins_[group - 1]; i < begins_[group]; ++i) visit(members_[i]);
-    }
-
-private:
-    static constexpr std::uint32_t alone = 0;
-
-    std::vector<std::uint32_t> group_of_; ///< of each entry, counted from 1
-    std::vector<std::uint32_t> begins_;   ///< of each group's members, and where the last group ends
-    std::vector<std::uint32_t> members_;  ///< of all groups of more than one
 };
 
 /// A number for each entry's levels in some fields.
@@ -88,8 +77,10 @@ struct Numbering {
     Numbering(PackedEntries entries, std::uint64_t fields) : of(entries.size()) {
         const GatheredBits levels(fields);
         if (levels.bits() <= 8) { // levels so few that they are numbers themselves
-            for (std::size_t i = 0; i < entries.size(); ++i)
-                of[i] = static_cast<std::uint32_t>(levels(entries[i].values));
+            levels.cheapest([&](auto number_of) {
+                for (std::size_t i = 0; i < entries.size(); ++i)
+                    of[i] = static_cast<std::uint32_t>(number_of(entries[i].values));
+            });
             size = std::size_t{1} << levels.bits();
             return;
         }
@@ -112,19 +103,26 @@ std::vector<DensityMatrix::Reached> elements_of(PackedEntries entries, SlotLayou
     const Numbering kept(entries, fields);
     const Partners partners(entries, layout.fields_below(static_cast<int>(qudit_count)) & ~fields);
     const auto bits = static_cast<unsigned>(std::bit_width(kept.size * kept.size));
-    return with_key_index(bits, entries.size(), [&](auto& seen) {
-        return wide_loop([&, entries]() VANTEL_INLINED {
+    return with_key_index(bits, entries.size(), [&](auto& index) {
+        return wide_loop([&index, entries, size = kept.size, kept_of = kept.of.data(),
+                          group_of = partners.group_of.data(), begins = partners.begins.data(),
+                          members = partners.members.data()]() VANTEL_INLINED {
+            auto seen = std::move(index); // one that no store to an element can be thought to change
             std::vector<DensityMatrix::Reached> elements;
             for (std::uint32_t a = 0; a < entries.size(); ++a) {
                 const Factor amplitude(entries[a].amplitude);
-                partners.for_each_of(a, [&](std::uint32_t b) VANTEL_INLINED {
+                const auto add = [&](std::uint32_t b) VANTEL_INLINED {
                     const Parts product = amplitude(conjugate(parts_of(entries[b].amplitude)));
-                    const std::size_t position = seen.find_or_add(kept.of[a] * kept.size + kept.of[b]);
+                    const std::size_t position = seen.find_or_add(kept_of[a] * size + kept_of[b]);
                     if (position == elements.size()) [[unlikely]]
                         elements.push_back({entries[a].values, entries[b].values, complex_of(product)});
                     else
                         store(parts_of(elements[position].element) + product, elements[position].element);
-                });
+                };
+                if (const std::uint32_t group = group_of[a]; group == 0)
+                    add(a);
+                else
+                    for (std::uint32_t i = begins[group - 1]; i < begins[group]; ++i) add(members[i]);
             }
             return elements;
         });

@@ -66,10 +66,10 @@ public:
     /// Keeps the entries that stand before `size`. What the others hold is unspecified.
     /// @throws std::bad_alloc, and nothing has changed then
     virtual void resize(std::size_t size) = 0;
-    /// Scratch memory that the list owns, as much as `longest` entries take: good as long as the list gets no longer
-    /// than that. It stays with the list, for the gates to come. The list may move.
+    /// Scratch memory that the list owns, `bytes` or more: good as long as the list gets no longer than `longest`. It
+    /// stays with the list, for the gates to come. The list may move.
     /// @throws std::bad_alloc, and nothing has changed then
-    virtual std::span<std::byte> spare_behind(std::size_t longest) = 0;
+    virtual std::span<std::byte> spare_behind(std::size_t longest, std::size_t bytes) = 0;
 
 protected:
     explicit EntryList(std::span<PackedAmplitude> entries) noexcept : entries_(entries) {}
@@ -87,12 +87,9 @@ public:
         entries_ = packed_view(list_);
     }
 
-    std::span<std::byte> spare_behind(std::size_t longest) override {
-        constexpr std::size_t more = 4; // for what is rounded up
-        if (list_.capacity() < 2 * longest + more) {
-            list_.reserve(2 * longest + more);
-            entries_ = packed_view(list_);
-        }
+    std::span<std::byte> spare_behind(std::size_t longest, std::size_t bytes) override {
+        list_.reserve(longest + bytes / sizeof(PackedAmplitude) + 1);
+        entries_ = packed_view(list_);
         return {reinterpret_cast<std::byte*>(list_.data() + longest),
                 (list_.capacity() - longest) * sizeof(PackedAmplitude)};
     }

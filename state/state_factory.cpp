@@ -53,10 +53,10 @@ std::pair<int, int> StateFactory<MAX_DIMENSION, MAX_NUM>::free_qudit(std::unique
     const unsigned to = layout.position(index);
     // A handle that two merges have shifted can name no slot at all; nothing is overwritten then.
     const std::uint64_t freed = index >= 0 && index < last ? layout.mask() : 0;
-    const auto without_qudit = [&](std::uint64_t word) {
-        return ((word & ~(freed << to)) | (word >> from & freed) << to) & layout.fields_below(last);
+    const auto without_qudit = [=, rest = layout.fields_below(last)](std::uint64_t word) {
+        return ((word & ~(freed << to)) | (word >> from & freed) << to) & rest;
     };
-    const auto write = [&](std::span<PackedAmplitude> list) {
+    const auto write = [=](std::span<PackedAmplitude> list) {
         std::transform(former.begin(), former.end(), list.begin(), [=](const PackedAmplitude& entry) {
             return PackedAmplitude{without_qudit(entry.values), without_qudit(entry.dimensions), entry.amplitude};
         });

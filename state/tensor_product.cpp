@@ -39,7 +39,7 @@ template <int MAX_DIMENSION, int MAX_NUM> std::unique_ptr<IState> tensor_product
     Factory::check_config(config);
     const auto in_front = repacking(a, config.dim, 0);
     const auto behind = repacking(b, config.dim, a.num_qudits());
-    const auto write = [&](std::span<PackedAmplitude> list) {
+    const auto write = [=](std::span<PackedAmplitude> list) {
         if (list.empty()) return;
         // The second's entries wait, packed, where their products with the last of the first's will stand.
         const std::span<PackedAmplitude> waiting = list.last(of_b.size());
