@@ -72,8 +72,7 @@ private:
     unsigned shift_ = 0;
 };
 
-/// Calls `use` with an index for keys below 2^bits, about `expected` of them distinct: the direct one where its slots
-/// are few.
+/// Calls `use` with an index for keys below 2^bits, about `expected` of them distinct: the direct one if it is small.
 template <class Use> auto with_key_index(unsigned bits, std::size_t expected, Use use) {
     if (bits < 32 && std::size_t{1} << bits <= crossover::direct_keys + crossover::direct_keys_each * expected) {
         DirectKeyIndex index(std::size_t{1} << bits);

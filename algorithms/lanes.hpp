@@ -1,7 +1,5 @@
-/// One family of vectors, by width: a word, 16 bytes and 32 bytes.
-///
-/// What takes or returns 32 bytes is always inlined, since how such a vector is passed depends on the instructions that
-/// a function is compiled for.
+/// One family of vectors, by width: a word, 16 bytes and 32 bytes. What takes or returns 32 bytes is always inlined,
+/// since how such a vector is passed depends on the instructions that a function is compiled for.
 #pragma once
 
 #include "algorithms/wide_loop.hpp"
@@ -77,8 +75,7 @@ inline bool any_highest(Words words) noexcept {
     return Words{mask, mask} ? chosen : other;
 }
 
-// For wide loops alone: what no compiler makes one instruction of is asked for by name. Nothing passes such a vector by
-// value.
+// For wide loops alone: what no compiler makes one instruction of is asked for by name. Vectors go by reference.
 #ifdef __x86_64__
 /// Whether any bit is set.
 [[gnu::target("avx2")]] inline bool any_wide(const FourWords& words) noexcept {

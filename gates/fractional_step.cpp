@@ -3,8 +3,7 @@
 
 namespace vantel::qudit {
 // Powers of `shift` and `cycle` are the clock seen from the Fourier basis, and only the sign of the fraction tells them
-// apart. The three steps are whole gates: where the first leaves a list over the limit, the state stays in the Fourier
-// basis, deliberately.
+// apart. The three are whole gates: where the first leaves a list over the limit, the state stays so, deliberately.
 
 void fractional_step(EntryList& list, SlotLayout layout, const Gate& gate) {
     const bool is_cycle = gate.kind == Gate::fractional_cycle;

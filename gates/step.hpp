@@ -5,8 +5,7 @@
 #include "gates/relabel.hpp"
 
 namespace vantel::qudit {
-/// The new label of a selected entry, one level on, with wrap-around by the dimension that the entry's own label gives
-/// the target.
+/// The new label of a selected entry, one level on, with wrap-around by the dimension that its own label has.
 /// @tparam Step  Step::addend(top) is what to add to a level, as a number, before the remainder by the dimension top +
 ///               1 is taken; Step::change(level, top, one_level) is the same for a level below its dimension as what to
 ///               add to the word of levels, all in place in their field, for one word or four

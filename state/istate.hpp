@@ -11,8 +11,7 @@ struct Predicate {
     bool is_equal; ///< true: the levels must be equal; false: they must differ
 };
 
-/// A gate with its arguments. It does not own its lists, since two allocations would cost more than a gate on a few
-/// entries does.
+/// A gate with its arguments. It does not own its lists: two allocations cost more than a gate on a few entries.
 struct Gate {
     enum Kind {
         phase_rotate,
