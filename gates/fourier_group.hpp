@@ -5,6 +5,7 @@
 #include "gates/fourier_factors.hpp"
 #include "state/limits.hpp"
 #include "state/reduction.hpp"
+#include <numeric>
 
 namespace vantel::qudit {
 /// The d sums of a group in registers.
@@ -13,11 +14,16 @@ template <std::size_t d, class Vectors> class LevelSums {
     using Register = typename In::Register;
 
 public:
-    [[gnu::always_inline]] void start(const FourierFactors::Row& row, Parts amplitude) {
-        each_child(row, amplitude, [this](auto i, Register child) VANTEL_INLINED { sums_[i] = child; });
-    }
-    [[gnu::always_inline]] void add(const FourierFactors::Row& row, Parts amplitude) {
-        each_child(row, amplitude, [this](auto i, Register child) VANTEL_INLINED { sums_[i] += child; });
+    /// Adds the children of an entry, the `First` of the group or another.
+    template <class First> [[gnu::always_inline]] void add(const FourierFactors::Row& row, Parts amplitude, First) {
+        const Register all = In::all(amplitude);
+        const Register crossed = exchanged(all);
+        unrolled<registers>([&](auto i) VANTEL_INLINED {
+            using Stored = typename In::Stored;
+            const Register child = all * *reinterpret_cast<const Stored*>(&row.real[In::count * i]) +
+                                   crossed * *reinterpret_cast<const Stored*>(&row.crossed[In::count * i]);
+            sums_[i] = First() ? child : sums_[i] + child;
+        });
     }
 
     /// @return whether all of them exceed the threshold, and so none has an infinity to recover
@@ -37,63 +43,56 @@ public:
 private:
     static constexpr std::size_t registers = (d + In::count - 1) / In::count;
 
-    template <class Use>
-    [[gnu::always_inline]] static void each_child(const FourierFactors::Row& row, Parts amplitude, Use use) {
-        const Register all = In::all(amplitude);
-        const Register crossed = exchanged(all);
-        unrolled<registers>([&](auto i) VANTEL_INLINED {
-            using Stored = typename In::Stored;
-            use(i, all * *reinterpret_cast<const Stored*>(&row.real[In::count * i]) +
-                       crossed * *reinterpret_cast<const Stored*>(&row.crossed[In::count * i]));
-        });
-    }
-
     Register sums_[registers];
 };
 
-/// The entries of a group, in stored order. Where it is `full`, it has one of each level.
-template <std::size_t d, bool full> class Members {
+/// An entry of a group.
+struct Member {
+    std::uint32_t position; ///< in the list
+    std::uint32_t level;    ///< of the target
+};
+
+/// All of them, in stored order.
+template <std::size_t d> class Members {
 public:
     /// @param row  by level, positions counted from 1; 0 where there is no entry
     [[gnu::always_inline]] explicit Members(const std::uint32_t* row) {
         unrolled<d>([&](auto level) VANTEL_INLINED {
-            members_[full ? decltype(level)() : count_] =
-                (row[level] - 1) << level_bits | static_cast<std::uint32_t>(level);
-            if constexpr (!full) count_ += row[level] != 0 ? 1 : 0;
+            members_[count_] = (row[level] - 1) << level_bits | static_cast<std::uint32_t>(level);
+            count_ += row[level] != 0 ? 1 : 0;
         });
-        // Two summands have one sum in either order.
-        if constexpr (!full)
-            sort_some();
-        else if constexpr (d > 2)
-            sort_all();
-    }
-
-    [[nodiscard]] std::uint32_t size() const { return full ? d : count_; }
-    [[nodiscard]] std::uint32_t position(std::size_t i) const { return members_[i] >> level_bits; }
-    [[nodiscard]] std::uint32_t level(std::size_t i) const { return members_[i] & ((1U << level_bits) - 1); }
-
-private:
-    static constexpr unsigned level_bits = 4;
-
-    /// Insertion, without a branch on an order that no processor could foresee.
-    [[gnu::always_inline]] void sort_all() {
-        unrolled<d - 1>([this](auto sorted) VANTEL_INLINED {
-            unrolled<sorted + 1>([this](auto passed) VANTEL_INLINED {
-                constexpr std::size_t i = decltype(sorted)() + 1 - decltype(passed)();
-                const std::uint32_t first = std::min(members_[i - 1], members_[i]);
-                members_[i] = std::max(members_[i - 1], members_[i]);
-                members_[i - 1] = first;
-            });
-        });
-    }
-
-    void sort_some() {
         for (std::uint32_t end = 1; end < count_; ++end)
             for (std::uint32_t i = end; i > 0 && members_[i] < members_[i - 1]; --i)
                 std::swap(members_[i], members_[i - 1]);
     }
 
+    [[nodiscard]] std::uint32_t size() const { return count_; }
+    [[nodiscard]] Member operator[](std::size_t i) const {
+        return {members_[i] >> level_bits, members_[i] & ((1U << level_bits) - 1)};
+    }
+
+private:
+    static constexpr unsigned level_bits = 4;
+
     std::array<std::uint32_t, MAX_QUDIT_DIMENSION + 1> members_;
     std::uint32_t count_ = 0;
+};
+
+/// The levels of a group that has an entry of each, as these are stored: mostly in the order of the group before.
+template <std::size_t d> struct StoredOrder {
+    std::array<std::uint8_t, d> levels;
+
+    StoredOrder() { std::iota(levels.begin(), levels.end(), std::uint8_t{0}); }
+    [[nodiscard, gnu::always_inline]] bool is_that_of(const std::uint32_t* row) const {
+        bool ascending = true;
+        unrolled<d - 1>([&](auto i) VANTEL_INLINED { ascending &= row[levels[i]] < row[levels[i + 1]]; });
+        return ascending;
+    }
+    [[gnu::noinline]] static StoredOrder of(const std::uint32_t* row) {
+        StoredOrder order;
+        const Members<d> members(row);
+        for (std::size_t i = 0; i < d; ++i) order.levels[i] = static_cast<std::uint8_t>(members[i].level);
+        return order;
+    }
 };
 } // namespace vantel::qudit

@@ -11,8 +11,6 @@ namespace vantel::qudit {
 namespace {
 /// Adds groups to the sums of a list. It is copied into the loop that it works in.
 template <std::size_t d, bool full> class GroupAdder {
-    using Members = qudit::Members<d, full>;
-
 public:
     GroupAdder(PackedEntries entries, SlotLayout layout, int target, const ControlTest& controls_hold,
                const FourierFactors& factors, const FourierSums& sums)
@@ -21,35 +19,48 @@ public:
 
     /// @param row  by level, positions counted from 1; 0 where there is no entry
     template <class Vectors> [[gnu::always_inline]] void add(const std::uint32_t* row, Vectors) {
-        const Members members(row);
-        if (members.size() == 0) return;
-        const std::uint64_t values = entries_[members.position(0)].values;
-        Parts* const sums = sums_.sums + sums_.count;
-        FourierSums::Group& group = sums_.groups[sums_.count++];
-        group.others = values & ~field_;
-        group.run = members.size();
-        if (controls_hold_ != nullptr && !(*controls_hold_)(values))
-            keep(group, row, sums);
-        else
-            sums_.kept += transform<Vectors>(members, sums) ? d : recover(entries_, rows_, row, sums, sums_.stride);
-        sums_.same_run &= group.run != 0 && group.run == sums_.groups[0].run;
+        if constexpr (full) {
+            // Two summands have one sum in either order.
+            if (d > 2 && !order_.is_that_of(row)) [[unlikely]]
+                order_ = StoredOrder<d>::of(row);
+            add_group<Vectors>(row, d, [this, row](std::size_t i) VANTEL_INLINED {
+                return Member{row[order_.levels[i]] - 1, order_.levels[i]};
+            });
+        } else {
+            const Members<d> members(row);
+            if (members.size() != 0)
+                add_group<Vectors>(row, members.size(), [&](std::size_t i) VANTEL_INLINED { return members[i]; });
+        }
     }
 
     [[nodiscard]] const FourierSums& sums() const { return sums_; }
 
 private:
-    /// Each sum over the children of all members, in stored order. @return whether all stay
-    template <class Vectors> [[gnu::always_inline]] bool transform(const Members& members, Parts* sums) const {
-        LevelSums<d, Vectors> of_group;
-        of_group.start(rows_[members.level(0)], amplitude(members.position(0)));
-        if constexpr (full)
-            unrolled<d - 1>([&](auto i) VANTEL_INLINED {
-                of_group.add(rows_[members.level(i + 1)], amplitude(members.position(i + 1)));
-            });
-        else
-            for (std::size_t i = 1; i < members.size(); ++i)
-                of_group.add(rows_[members.level(i)], amplitude(members.position(i)));
-        return of_group.store(sums, sums_.stride);
+    template <class Vectors, class MemberAt>
+    [[gnu::always_inline]] void add_group(const std::uint32_t* row, std::size_t size, MemberAt member_at) {
+        const std::uint64_t values = entries_[member_at(0).position].values;
+        Parts* const sums = sums_.sums + sums_.count;
+        FourierSums::Group& group = sums_.groups[sums_.count++];
+        group.others = values & ~field_;
+        group.run = static_cast<std::uint32_t>(size);
+        if (controls_hold_ != nullptr && !(*controls_hold_)(values)) {
+            keep(group, row, sums);
+        } else {
+            // Each sum over the children of all members, in stored order.
+            LevelSums<d, Vectors> of_group;
+            const auto add = [&](std::size_t i, auto first) VANTEL_INLINED {
+                const Member member = member_at(i);
+                of_group.add(rows_[member.level], amplitude(member.position), first);
+            };
+            add(0, std::true_type());
+            if constexpr (full)
+                unrolled<d - 1>([&](auto i) VANTEL_INLINED { add(i + 1, std::false_type()); });
+            else
+                for (std::size_t i = 1; i < size; ++i) add(i, std::false_type());
+            const bool all_stay = of_group.store(sums, sums_.stride);
+            sums_.kept += all_stay ? d : recover(entries_, rows_, row, sums, sums_.stride);
+        }
+        sums_.same_run &= group.run != 0 && group.run == sums_.groups[0].run;
     }
 
     /// A sum in which an infinity could be recovered takes the standard's product throughout. Static, since an object
@@ -59,20 +70,16 @@ private:
                                                  const std::uint32_t* row, Parts* sums, std::size_t stride) {
         std::size_t kept = 0;
         for (std::uint64_t k = 0; k < d; ++k, sums += stride) {
-            if (is_lost(*sums)) [[unlikely]]
-                *sums = recovered(entries, rows, Members(row), k);
+            if (is_lost(*sums)) [[unlikely]] {
+                const Members<d> members(row);
+                for (std::size_t i = 0; i < members.size(); ++i) {
+                    const Parts child = rows[members[i].level][k](parts_of(entries[members[i].position].amplitude));
+                    *sums = i == 0 ? child : *sums + child;
+                }
+            }
             kept += exceeds_threshold(*sums) ? 1 : 0;
         }
         return kept;
-    }
-    static Parts recovered(const PackedAmplitude* entries, const FourierFactors::Row* rows, Members members,
-                           std::uint64_t k) {
-        const auto child = [&](std::size_t i) {
-            return rows[members.level(i)][k](parts_of(entries[members.position(i)].amplitude));
-        };
-        Parts sum = child(0);
-        for (std::size_t i = 1; i < members.size(); ++i) sum += child(i);
-        return sum;
     }
 
     /// A group that the controls leave out: each entry is a sum of its own.
@@ -94,6 +101,7 @@ private:
     const ControlTest* controls_hold_; ///< none where there are no controls
     const FourierFactors::Row* rows_;
     FourierSums sums_;
+    StoredOrder<d> order_; ///< of the group before, where all are full
 };
 
 /// All groups of a list that has a table with the target's level varying fastest.

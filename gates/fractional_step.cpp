@@ -3,7 +3,7 @@
 
 namespace vantel::qudit {
 // Powers of `shift` and `cycle` are the clock seen from the Fourier basis, and only the sign of the fraction tells them
-// apart. The three are whole gates: where the first leaves a list over the limit, the state stays so, deliberately.
+// apart. The three are whole gates: a list that the first leaves over the limit stays in that basis, deliberately.
 
 void fractional_step(EntryList& list, SlotLayout layout, const Gate& gate) {
     const bool is_cycle = gate.kind == Gate::fractional_cycle;

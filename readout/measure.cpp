@@ -9,9 +9,8 @@
 
 namespace vantel::qudit {
 namespace {
-/// Draws one outcome in proportion to its weight, with one word of the system's randomness. This is written out and not
-/// left to std::discrete_distribution, whose choice at an exact tie of the number with a running sum differs between
-/// standard libraries.
+/// Draws one outcome in proportion to its weight, with one word of the system's randomness. Written out, since
+/// std::discrete_distribution's choice at an exact tie of the number with a running sum differs between libraries.
 /// @param outcomes  at least one
 /// @throws what the system's random source raises when it cannot be opened or read
 const PackedOutcome& drawn_of(std::span<const PackedOutcome> outcomes) {

@@ -13,8 +13,7 @@ namespace vantel::qudit {
 /// by arithmetic and never stored, however many there are; LevelRank numbers them.
 class ValuePermutations {
 public:
-    /// @param dimensions  of each listed qudit; a qudit of an empty joint state has no levels, and an empty list no
-    ///                    combinations
+    /// @param dimensions  of each listed qudit; one of an empty joint state has no levels; no list, no combinations
     /// @throws std::length_error where there are 2^64 combinations or more
     explicit ValuePermutations(std::vector<std::uint64_t> dimensions = {})
         : dimensions_(std::move(dimensions)), size_(dimensions_.empty() ? 0 : 1) {
