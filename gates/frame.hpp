@@ -76,7 +76,7 @@ template <class Vectors, class Four, class One>
     PackedAmplitude* entry = entries.data();
     PackedAmplitude* const end = entry + entries.size();
     if constexpr (std::is_same_v<Vectors, WideVectors>)
-        for (; end - entry >= 4; entry += 4)
+        for (PackedAmplitude* const last = end - entries.size() % 4; entry != last; entry += 4)
             four(entry, [=]() VANTEL_INLINED {
                 for (PackedAmplitude& each : std::span(entry, 4)) one(each);
             });

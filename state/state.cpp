@@ -6,7 +6,7 @@
 
 namespace vantel::qudit {
 namespace {
-bool is_zero(const PackedAmplitude& entry) { return entry.amplitude.real() == 0.0 && entry.amplitude.imag() == 0.0; }
+constexpr auto is_zero = [](const PackedAmplitude& entry) { return entry.amplitude == 0.0; };
 
 /// The constructors' two rules. Repeats are told apart before zeros go.
 /// @return how many entries stay, at the front
