@@ -41,7 +41,7 @@ public:
         const auto equals = [fields = fields_, wanted = wanted_](auto values)
                                 VANTEL_INLINED { return equal(values & fields, wanted); };
         if (refusals_ > 1)
-            run([this](auto values) VANTEL_INLINED { return mask(values); });
+            run([test = this](auto values) VANTEL_INLINED { return test->mask(values); });
         else if (refusals_ == 1)
             run([equals, refused = refused_[0]](auto values)
                     VANTEL_INLINED { return equals(values) & ~equal(values & refused.field, refused.level); });
