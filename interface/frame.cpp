@@ -1,5 +1,5 @@
 #include "interface/boundary.hpp"
-#include <string>
+#include <sstream>
 
 namespace {
 /// Makes the characters behind a pointer count as used, and the pointer as unknown, so that the compiler neither leaves
@@ -13,7 +13,9 @@ const char* opaque(const char* text) {
 // The pointer outlives the text: the library keeps no buffer and hands over no allocation, so the characters are good
 // at the moment of return and not beyond. That is how the function is defined.
 const char* vantel_version() {
-    const std::string version = "1.0.0";
+    std::stringstream stream;
+    stream << 1 << "." << 0 << "." << 0;
+    const std::string version = stream.str();
     return opaque(version.c_str());
 }
 

@@ -8,7 +8,6 @@ namespace vantel::qudit {
 /// The elements of IState::reduced_density_matrix by row and column, each a combination of levels.
 class DensityMatrix {
 public:
-    /// No elements.
     DensityMatrix() = default;
     /// @param permutations  the rows and columns; the qudits' dimensions may be others by now, and elements whose row
     ///                      or column is none of these are left out

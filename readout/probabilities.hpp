@@ -9,7 +9,6 @@ namespace vantel::qudit {
 /// combinations are many more than the entries, only those are held that some entry shows.
 class ProbabilityTable {
 public:
-    /// No combinations.
     ProbabilityTable() = default;
     /// @param permutations  of the listed qudits' levels; what an entry shows beyond them is left out
     /// @throws what IState::probabilities raises

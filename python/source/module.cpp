@@ -11,5 +11,9 @@ PYBIND11_MODULE(_core, module) {
     vantel::python::bind_channels(module);
     vantel::python::bind_circuits(module);
     vantel::python::bind_pictures(module);
-    module.attr("version") = vantel_version();
+    char version[16]; // copied without a call, which could write where the text stood
+    const char* const text = vantel_version();
+    for (std::size_t i = 0; i < sizeof version; ++i) version[i] = text[i];
+    version[sizeof version - 1] = '\0';
+    module.attr("version") = static_cast<const char*>(version);
 }
