@@ -40,9 +40,6 @@ inline constexpr std::size_t entries_for_definition = std::size_t{1} << 24;
 /// Entries from which a fractional exchange finds partners by rank.
 inline constexpr std::size_t entries_for_ranks = 17;
 
-/// Entries from which a gate walks them in wide vectors: 27 ns against 37 for ten.
-inline constexpr std::size_t entries_walked_wide = 16;
-
 /// Entries from which the phases of all levels are worked out, without asking which levels occur.
 inline constexpr std::size_t entries_for_all_phases = 256;
 } // namespace vantel::crossover

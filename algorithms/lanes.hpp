@@ -60,13 +60,13 @@ inline std::uint64_t equal(std::uint64_t a, std::uint64_t b) noexcept { return -
     return equal(a, FourWords{b, b, b, b});
 }
 
-/// Whether the highest bit of some word is set; of a mask, whether any of it is.
-inline bool any_highest(std::uint64_t word) noexcept { return word >> 63 != 0; }
-inline bool any_highest(Words words) noexcept {
+/// The highest bit of each word, side by side: of a mask, which words are set.
+inline unsigned highest_bits(std::uint64_t word) noexcept { return static_cast<unsigned>(word >> 63); }
+inline unsigned highest_bits(Words words) noexcept {
 #ifdef __SSE2__
-    return __builtin_ia32_movmskpd(reinterpret_cast<Parts>(words)) != 0; // at once, and not word by word
+    return static_cast<unsigned>(__builtin_ia32_movmskpd(reinterpret_cast<Parts>(words))); // at once
 #else
-    return any_highest(words[0] | words[1]);
+    return highest_bits(words[0]) | highest_bits(words[1]) << 1;
 #endif
 }
 
@@ -77,20 +77,14 @@ inline bool any_highest(Words words) noexcept {
 
 // For wide loops alone: what no compiler makes one instruction of is asked for by name. Vectors go by reference.
 #ifdef __x86_64__
-/// Whether any bit is set.
-[[gnu::target("avx2")]] inline bool any_wide(const FourWords& words) noexcept {
-    using Signed [[gnu::vector_size(32)]] = long long;
-    return __builtin_ia32_ptestz256(reinterpret_cast<const Signed&>(words), reinterpret_cast<const Signed&>(words)) ==
-           0;
+[[gnu::target("avx2")]] inline unsigned highest_bits_wide(const FourWords& words) noexcept {
+    return static_cast<unsigned>(__builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(words)));
 }
-/// Whether the highest bit of some word is set.
-[[gnu::target("avx2")]] inline bool any_highest_wide(const FourWords& words) noexcept {
-    return __builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(words)) != 0;
-}
-/// A mask of where a or b is NaN.
-[[gnu::target("avx2")]] inline void find_nan_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept {
-    constexpr int unordered = 3;
-    mask = reinterpret_cast<FourWords>(__builtin_ia32_cmppd256(a, b, unordered));
+/// A mask of where neither a nor b is NaN.
+[[gnu::target("avx2")]] inline void find_numbers_wide(const FourParts& a, const FourParts& b,
+                                                      FourWords& mask) noexcept {
+    constexpr int ordered = 7;
+    mask = reinterpret_cast<FourWords>(__builtin_ia32_cmppd256(a, b, ordered));
 }
 /// Puts `chosen` where the mask is set.
 [[gnu::target("avx2")]] inline void put_wide(const FourWords& mask, const FourParts& chosen,
@@ -98,9 +92,8 @@ inline bool any_highest(Words words) noexcept {
     other = __builtin_ia32_blendvpd256(other, chosen, reinterpret_cast<const FourParts&>(mask));
 }
 #else
-bool any_wide(const FourWords& words) noexcept;
-bool any_highest_wide(const FourWords& words) noexcept;
-void find_nan_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept;
+unsigned highest_bits_wide(const FourWords& words) noexcept;
+void find_numbers_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept;
 void put_wide(const FourWords& mask, const FourParts& chosen, FourParts& other) noexcept;
 #endif
 
@@ -111,7 +104,7 @@ template <class Vectors> struct Numbers {
     using Stored = StoredParts;
     using Mask = Words;
 
-    static bool any(const Mask& mask) noexcept { return any_highest(mask); }
+    static bool is_full(const Mask& mask) noexcept { return highest_bits(mask) == 3; }
     static Register all(Parts number) noexcept { return number; }
     template <std::size_t i> static Parts at(Register numbers) noexcept { return numbers; }
 };
@@ -121,7 +114,7 @@ template <> struct Numbers<WideVectors> {
     using Stored = StoredFourParts;
     using Mask = FourWords;
 
-    static bool any(const Mask& mask) noexcept { return any_wide(mask); }
+    static bool is_full(const Mask& mask) noexcept { return highest_bits_wide(mask) == 15; }
     [[gnu::always_inline]] static Register all(Parts number) noexcept { return joined(number, number); }
     template <std::size_t i> [[gnu::always_inline]] static Parts at(Register numbers) noexcept {
         return i == 0 ? low_half(numbers) : high_half(numbers);

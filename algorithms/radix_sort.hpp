@@ -1,6 +1,7 @@
-/// Sorting by key in linear time.
+/// Stable sorting by key: of a few items, and of many in linear time.
 #pragma once
 
+#include "algorithms/crossovers.hpp"
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -9,6 +10,16 @@
 #include <utility>
 
 namespace vantel {
+/// Sorts `items` ascending by `key(item)`, in as many steps as there are pairs: for up to crossover::items_inserted.
+template <class Item, class Key> void insertion_sort(std::span<Item> items, Key key) noexcept {
+    for (std::size_t end = 1; end < items.size(); ++end) {
+        const Item item = items[end];
+        std::size_t place = end;
+        for (; place > 0 && key(item) < key(items[place - 1]); --place) items[place] = items[place - 1];
+        items[place] = item;
+    }
+}
+
 inline constexpr unsigned digit_bits = 11; // 2048 counters, which stay in the first-level cache
 
 /// One stable pass by the digit at `shift`.
@@ -25,6 +36,8 @@ inline void radix_pass(std::span<const std::uint64_t> from, std::span<std::uint6
 /// items, with one pass for each digit in which the items differ.
 /// @param scratch  as many words as `items`; overwritten
 inline void radix_sort(std::span<std::uint64_t> items, std::span<std::uint64_t> scratch, unsigned low_bit) noexcept {
+    if (items.size() <= crossover::items_inserted)
+        return insertion_sort(items, [low_bit](std::uint64_t item) { return item >> low_bit; });
     std::uint64_t differing = 0;
     bool sorted = true;
     for (std::size_t i = 1; i < items.size(); ++i) {

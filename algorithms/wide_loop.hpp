@@ -17,8 +17,10 @@ using OwnVectors = WideVectors;
 using OwnVectors = PlainVectors;
 #endif
 
-/// Calls the loop, with the tag if it wants that.
-template <class Vectors, class Loop> [[gnu::always_inline]] inline auto run_loop(const Loop& loop) {
+/// Calls a copy of the loop, with the tag if it wants that. No store that the copy makes can be thought to change what
+/// it reads.
+template <class Vectors, class Loop> [[gnu::always_inline]] inline auto run_loop(const Loop& given) {
+    const Loop loop = given;
     if constexpr (std::is_invocable_v<const Loop&>)
         return loop();
     else
@@ -40,12 +42,12 @@ bool has_wide_vectors() noexcept;
 #endif
 
 /// What a loop is compiled for once more. Fused operations are not among it, so the bits stay the same.
-template <class Loop> [[gnu::target("avx2,bmi2"), gnu::flatten, VANTEL_APART]] auto in_wide_vectors(Loop loop) {
+template <class Loop> [[gnu::target("avx2,bmi2"), gnu::flatten, VANTEL_APART]] auto in_wide_vectors(const Loop& loop) {
     return run_loop<WideVectors>(loop);
 }
 
 /// Apart from its caller, so that this one does not prepare for both forms.
-template <class Loop> [[gnu::noinline]] auto in_plain_vectors(Loop loop) { return run_loop<OwnVectors>(loop); }
+template <class Loop> [[gnu::noinline]] auto in_plain_vectors(const Loop& loop) { return run_loop<OwnVectors>(loop); }
 
 #undef VANTEL_APART
 
@@ -53,8 +55,7 @@ template <class Loop> [[gnu::noinline]] auto in_plain_vectors(Loop loop) { retur
 
 /// Calls `loop`, in vectors wider than those of the target that the library is built for where the processor turns out
 /// to have them. What is written differently for wide vectors is chosen by the tag that a loop may take. A loop is a
-/// VANTEL_INLINED lambda that captures by value: then no store that it makes can be thought to change what it reads,
-/// and every compiler puts all of it into both forms.
+/// VANTEL_INLINED lambda that captures by value, so that every compiler puts all of it into both forms.
 /// @return what the loop returns
 template <class Loop> auto wide_loop(const Loop& loop) {
 #if defined(__x86_64__) && !defined(__AVX2__)

@@ -5,10 +5,10 @@
 namespace vantel::qudit {
 namespace {
 /// exp(i theta) with theta = (2 pi / d) steps, for a dit of dimension d.
-std::complex<double> phase(std::uint64_t dimension, double steps) {
+Parts phase(std::uint64_t dimension, double steps) {
     constexpr double two_pi = 6.283185307179586;
     const double theta = two_pi / static_cast<double>(dimension) * steps;
-    return {std::cos(theta), std::sin(theta)};
+    return Parts{std::cos(theta), std::sin(theta)};
 }
 
 /// The turning of one target. @tparam Steps  steps(level) is how many steps of the clock a level stands for

@@ -37,7 +37,7 @@ public:
         });
         unrolled<d>([&](auto k)
                         VANTEL_INLINED { sums[k * stride] = In::template at<k % In::count>(sums_[k / In::count]); });
-        return !In::any(~exceed);
+        return In::is_full(exceed);
     }
 
 private:

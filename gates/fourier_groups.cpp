@@ -84,14 +84,15 @@ private:
 
     /// A group that the controls leave out: each entry is a sum of its own.
     [[gnu::always_inline]] void keep(FourierSums::Group& group, const std::uint32_t* row, Parts* sums) {
-        group.present = 0;
+        std::uint32_t present = 0;
         unrolled<d>([&](auto level) VANTEL_INLINED {
             if (!full && row[level] == 0) return;
-            group.present |= 1U << level;
+            present |= 1U << level;
             const Parts sum = sums[level * sums_.stride] = amplitude(row[level] - 1);
             sums_.kept += exceeds_threshold(sum) ? 1 : 0;
         });
-        group.run = group.present == (1U << d) - 1 ? 1 : 0;
+        group.present = present;
+        group.run = present == (1U << d) - 1 ? 1 : 0;
     }
 
     [[nodiscard]] Parts amplitude(std::uint32_t position) const { return parts_of(entries_[position].amplitude); }
@@ -150,7 +151,7 @@ bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const C
     const std::size_t bytes = (20 * d + 16) * (most + 8) + (table.is_close() ? 4 * table.size() : 20 * size);
     Scratch scratch(list.spare_behind(std::max(size, most * d), bytes));
     const PackedEntries entries = list.entries();
-    if (table.is_close() && !table.fill(entries, scratch)) return false;
+    if (table.is_close() && !table.fill(entries, scratch, [](auto...) {})) return false;
     FourierFactors factors(d, sign);
     for (std::uint64_t level = 0; level < d; ++level)
         if (survey.may_occur(layout, target, level)) factors.from(level);

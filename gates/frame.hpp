@@ -1,9 +1,9 @@
 /// The frame that all gates share: which entries a gate acts on, what it refuses, and its closing guard.
 #pragma once
 
-#include "algorithms/crossovers.hpp"
 #include "algorithms/lanes.hpp"
 #include "state/istate.hpp"
+#include <algorithm>
 
 namespace vantel::qudit {
 /// What holds where there are no controls.
@@ -21,7 +21,10 @@ public:
     /// Whether there are no controls, so that they hold for every label.
     [[nodiscard]] bool is_empty() const noexcept { return fields_ == 0 && wanted_ == 0 && refusals_ == 0; }
     /// Whether every control holds for a label of these levels.
-    [[nodiscard]] bool operator()(std::uint64_t values) const noexcept { return mask(values) != 0; }
+    [[nodiscard, gnu::always_inline]] bool operator()(std::uint64_t values) const noexcept {
+        const auto refuses = [values](const Refusal& refused) { return (values & refused.field) == refused.level; };
+        return (values & fields_) == wanted_ && std::none_of(refused_.begin(), refused_.begin() + refusals_, refuses);
+    }
 
     /// The same as a mask, for one word of levels or for several.
     template <class Word> [[nodiscard, gnu::always_inline]] Word mask(Word values) const noexcept {
@@ -34,8 +37,6 @@ public:
     /// has the same answers and `vectors` is the loop's tag.
     template <class Loop> void walk(std::span<PackedAmplitude> entries, Loop loop) const {
         const auto run = [&](auto holds) {
-            // A few entries cost less than the way into a wide loop.
-            if (entries.size() < crossover::entries_walked_wide) return loop(entries, holds, PlainVectors{});
             wide_loop([=](auto vectors) VANTEL_INLINED { loop(entries, holds, vectors); });
         };
         const auto equals = [fields = fields_, wanted = wanted_](auto values)

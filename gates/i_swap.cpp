@@ -18,8 +18,8 @@ struct Shares {
     explicit Shares(float fraction) {
         constexpr double half_pi = 1.5707963267948966;
         const double theta = static_cast<double>(fraction) * half_pi;
-        staying = Factor({std::cos(theta), 0.0});
-        crossing = Factor({0.0, std::sin(theta)});
+        staying = Factor(Parts{std::cos(theta), 0.0});
+        crossing = Factor(Parts{0.0, std::sin(theta)});
     }
 };
 
@@ -126,7 +126,9 @@ struct SharedByRank {
         const Parts amplitude = parts_of(entries[rank].amplitude);
         const Parts met = shares.staying.unrecovered(amplitude) +
                           shares.crossing.unrecovered(parts_of(entries[rank + ahead * stride].amplitude));
-        return order.add(values, select(shared, met, amplitude), 1 + (shared & 1));
+        const Parts sum = select(shared, met, amplitude);
+        order.keep(values, sum, 1 + (shared & 1));
+        return exceeds_threshold(sum);
     }
 };
 
@@ -144,23 +146,26 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
     Scratch scratch(
         list.spare_behind(longest, sizeof(Copy) * size + sizeof(std::uint32_t) * (table.size() + longest) + 64));
     const std::span<const PackedAmplitude> entries = list.entries();
-    if (!table.fill(entries, scratch)) return false;
-
     Copy* const copies = scratch.take<Copy>(size);
+    const auto copy = [copies](const PackedAmplitude& entry, std::size_t place, auto...) VANTEL_INLINED {
+        copies[place].values = entry.values;
+        store(parts_of(entry.amplitude), copies[place].amplitude);
+    };
+    const bool complete = table.is_complete();
+    if (!(complete ? table.fill(entries, scratch, copy) : table.fill(entries, scratch, [](auto...) {}))) return false;
     std::uint32_t copied = 0;
     for (std::uint32_t& position : table.positions())
         if (position != 0) {
-            const PackedAmplitude& entry = entries[position - 1];
-            copies[copied] = {entry.values, entry.amplitude};
+            if (!complete) copy(entries[position - 1], copied);
             position = ++copied;
         }
     const std::uint64_t stride = table.rank()(layout.one_level(high)) - table.rank()(layout.one_level(low));
     const SharedByRank shared{table.positions(), stride, copies, controls_hold, exchange, shares};
     const std::uint64_t dimensions = entries.front().dimensions;
-    const std::size_t reached = table.is_complete() ? 0 : shared.note_reached();
+    const std::size_t reached = complete ? 0 : shared.note_reached();
     std::uint32_t* const holes = scratch.take<std::uint32_t>(size + reached + 1);
     list.resize(size + reached);
-    if (table.is_complete() && shared.write<true>(list.entries(), dimensions, holes) == size) return true;
+    if (complete && shared.write<true>(list.entries(), dimensions, holes) == size) return true;
     // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once more.
     if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes); kept < list.entries().size()) {
         list.resize(kept);

@@ -17,7 +17,7 @@ struct Rotation {
 void phase_rotate(std::span<PackedAmplitude> entries, SlotLayout layout, const Gate& gate) {
     const float angle = gate.number;
     // Single precision, unlike the other phases, and deliberate: repeated rotations let the norm drift by as much.
-    const Doubled turn = doubled({std::cos(angle), std::sin(angle)});
+    const Doubled turn = doubled(Parts{std::cos(angle), std::sin(angle)});
     rephase_selected(entries, ControlTest(gate.controls, layout), Rotation{turn});
     guard_size(entries.size());
 }

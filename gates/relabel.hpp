@@ -14,13 +14,13 @@ void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& con
     controls_hold.walk(entries, [gate](std::span<PackedAmplitude> walked, auto holds, auto vectors) VANTEL_INLINED {
         const auto four = [=](PackedAmplitude* entry, auto one_by_one) VANTEL_INLINED {
             const FourRecords labels(entry);
-            if (any_highest_wide(gate.is_irregular(labels.first, labels.second))) [[unlikely]]
+            if (highest_bits_wide(gate.is_irregular(labels.first, labels.second)) != 0) [[unlikely]]
                 return one_by_one();
             const FourWords values = gate(labels.first, labels.second, holds(labels.first));
             for (int i = 0; i < 4; ++i) entry[i].values = values[i];
         };
         for_each_by_four(walked, vectors, four, [=](PackedAmplitude& entry) VANTEL_INLINED {
-            if (any_highest(gate.is_irregular(entry.values, entry.dimensions))) [[unlikely]] {
+            if (highest_bits(gate.is_irregular(entry.values, entry.dimensions)) != 0) [[unlikely]] {
                 if (holds(entry.values) != 0) gate.one(entry);
             } else {
                 entry.values = gate(entry.values, entry.dimensions, holds(entry.values));

@@ -8,8 +8,8 @@ namespace vantel::qudit {
 /// A number that stands twice, so that either half of a vector can be taken from where it is. As words, since gcc joins
 /// halves of those in one cheap instruction and halves of doubles in a dear one.
 using Doubled = FourWords;
-[[gnu::always_inline]] inline Doubled doubled(const std::complex<double>& number) noexcept {
-    return reinterpret_cast<FourWords>(joined(parts_of(number), parts_of(number)));
+[[gnu::always_inline]] inline Doubled doubled(Parts number) noexcept {
+    return reinterpret_cast<FourWords>(joined(number, number));
 }
 inline Factor factor_of(const Doubled& number) noexcept { return Factor(reinterpret_cast<const StoredParts&>(number)); }
 
@@ -17,13 +17,14 @@ inline Factor factor_of(const Doubled& number) noexcept { return Factor(reinterp
 /// @param gate  gate.factor(entry), Doubled, is the factor of an entry whose dimensions have gate.top in gate.field;
 ///              gate.any_factor(entry) is that of an entry of any kind
 template <class Rephasing>
-void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold, Rephasing gate) {
-    controls_hold.walk(entries, [gate](std::span<PackedAmplitude> walked, auto holds, auto vectors) VANTEL_INLINED {
+void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold, const Rephasing& given) {
+    controls_hold.walk(entries, [&given](std::span<PackedAmplitude> walked, auto holds, auto vectors) VANTEL_INLINED {
+        const Rephasing gate = given; // which no store to an entry can be thought to change
         const auto four = [=](PackedAmplitude* entry, auto one_by_one) VANTEL_INLINED {
             FourRecords records(entry);
             const FourWords selected = holds(records.first);
             if constexpr (!std::is_same_v<decltype(holds), EveryLabel>)
-                if (!any_wide(selected)) return;
+                if (highest_bits_wide(selected) == 0) return;
             const FourWords even = __builtin_shufflevector(gate.factor(entry[0]), gate.factor(entry[2]), 0, 1, 6, 7);
             const FourWords uneven = __builtin_shufflevector(gate.factor(entry[1]), gate.factor(entry[3]), 0, 1, 6, 7);
             const auto f = reinterpret_cast<FourParts>(__builtin_shufflevector(even, uneven, 0, 4, 2, 6));
@@ -31,9 +32,9 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
             const FourParts real = records.real * f - records.imaginary * g;
             const FourParts imaginary = records.imaginary * f + records.real * g;
             // A product with NaN may have an infinity to recover.
-            FourWords lost;
-            find_nan_wide(real, imaginary, lost);
-            if (any_wide(((records.second & gate.field) ^ gate.top) | lost)) [[unlikely]]
+            FourWords numbers;
+            find_numbers_wide(real, imaginary, numbers);
+            if (highest_bits_wide(equal(records.second & gate.field, gate.top) & numbers) != 15) [[unlikely]]
                 return one_by_one();
             put_wide(selected, real, records.real);
             put_wide(selected, imaginary, records.imaginary);

@@ -15,20 +15,6 @@ struct Ranked {
     std::uint32_t side;   ///< of the matrix, and the size of a group
     Parts* amplitudes;    ///< by rank, and one place more
     std::uint32_t* ranks; ///< in stored order
-
-    Ranked(PackedEntries entries, const PositionTable& table, std::uint64_t side_of_matrix, Scratch& scratch)
-        : size(entries.size()), side(static_cast<std::uint32_t>(side_of_matrix)),
-          amplitudes(scratch.take<Parts>(table.size() + 1)), ranks(scratch.take<std::uint32_t>(size)) {
-        table.rank().cheapest([&](auto rank_of) {
-            wide_loop([=, by_rank = amplitudes, next = ranks]() VANTEL_INLINED {
-                for (std::size_t i = 0; i < entries.size(); ++i) {
-                    next[i] = static_cast<std::uint32_t>(rank_of(entries[i].values));
-                    by_rank[next[i]] = parts_of(entries[i].amplitude);
-                }
-            });
-        });
-        amplitudes[table.size()] = Parts{};
-    }
 };
 
 /// Sums of some columns of one row. A sum that starts from negative zero has the bits of its first product.
@@ -127,10 +113,17 @@ Matrix DensityMatrix::by_rank(PackedEntries entries, SlotLayout layout, const st
     for (std::size_t i = 0; i < qudits.size(); ++i)
         if (layout.dimension(entries.front().dimensions, qudits[i]) != permutations.dimensions()[i]) return {};
     PositionTable table(entries, layout, qudits, survey.varying());
+    if (!table.is_close()) return {};
     Scratch scratch;
-    if (!table.is_close() || !table.fill(entries, scratch)) return {};
+    const Ranked list{entries.size(), static_cast<std::uint32_t>(permutations.size()),
+                      scratch.take<Parts>(table.size() + 1), scratch.take<std::uint32_t>(entries.size())};
+    list.amplitudes[table.size()] = Parts{};
+    const auto note = [list](const PackedAmplitude& entry, std::uint64_t rank, std::uint32_t i) VANTEL_INLINED {
+        list.amplitudes[rank] = parts_of(entry.amplitude);
+        list.ranks[i] = static_cast<std::uint32_t>(rank);
+    };
+    if (!table.fill(entries, scratch, note)) return {};
 
-    const Ranked list(entries, table, permutations.size(), scratch);
     Matrix matrix(permutations.size() * permutations.size());
     if (!table.is_complete())
         add_any<false>(matrix, list, table);

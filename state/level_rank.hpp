@@ -14,6 +14,7 @@ public:
     /// @throws std::bad_alloc
     template <class ForEach> LevelRank(SlotLayout layout, std::size_t labels, ForEach for_each_qudit)
         : bits_(layout.bits) {
+        chunks_[0] = chunks_[1] = {nothing, 0, 0}; // what cheapest() takes in any case
         while (bits_ + layout.bits <= 12 && std::size_t{16} << (bits_ + layout.bits) <= labels) bits_ += layout.bits;
         std::array<Field, 64> fields{};
         for_each_qudit([&](int qudit, std::uint64_t dimension) {
@@ -62,9 +63,9 @@ private:
 
     /// What some neighbouring fields of a word add to the rank.
     struct Chunk {
-        const std::uint64_t* ranks = nothing;
-        unsigned shift = 0;
-        std::uint64_t mask = 0;
+        const std::uint64_t* ranks;
+        unsigned shift;
+        std::uint64_t mask;
 
         std::uint64_t operator()(std::uint64_t values) const noexcept { return ranks[values >> shift & mask]; }
     };

@@ -35,21 +35,4 @@ PositionTable::PositionTable(PackedEntries entries, SlotLayout layout, std::span
 bool PositionTable::is_close() const noexcept {
     return rank_.size() <= crossover::places_an_entry * entries_ && rank_.size() >> 31 == 0;
 }
-
-bool PositionTable::fill(PackedEntries entries, Scratch& scratch) {
-    positions_ = {scratch.take<std::uint32_t>(rank_.size()), rank_.size()};
-    return rank_.cheapest([entries, positions = positions_](auto rank) {
-        return wide_loop([=]() VANTEL_INLINED {
-            std::fill(positions.begin(), positions.end(), 0);
-            std::uint32_t position = 0;
-            for (const PackedAmplitude& entry : entries) {
-                const std::uint64_t r = rank(entry.values);
-                if (r >= positions.size() || positions[r] != 0) [[unlikely]]
-                    return false;
-                positions[r] = ++position;
-            }
-            return true;
-        });
-    });
-}
 } // namespace vantel::qudit

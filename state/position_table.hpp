@@ -2,6 +2,7 @@
 #pragma once
 
 #include "algorithms/scratch.hpp"
+#include "algorithms/wide_loop.hpp"
 #include "state/entries.hpp"
 #include "state/level_rank.hpp"
 
@@ -34,9 +35,26 @@ public:
     /// Whether the table has not many more places than there are entries, and a place fits 32 bits.
     [[nodiscard]] bool is_close() const noexcept;
     /// Notes the positions of a list for which is_close(), the one that the table was made for.
+    /// @param visit  visit(entry, rank, i) is called for the i-th entry
     /// @return false where a label is repeated, or a level stands beyond its dimension: there is no table then
     /// @throws std::bad_alloc
-    bool fill(PackedEntries entries, Scratch& scratch);
+    template <class Visit> bool fill(PackedEntries entries, Scratch& scratch, Visit visit) {
+        positions_ = {scratch.take<std::uint32_t>(rank_.size()), rank_.size()};
+        return rank_.cheapest([entries, visit, positions = positions_](auto rank) {
+            return wide_loop([=]() VANTEL_INLINED {
+                std::fill(positions.begin(), positions.end(), 0);
+                std::uint32_t position = 0;
+                for (const PackedAmplitude& entry : entries) {
+                    const std::uint64_t r = rank(entry.values);
+                    if (r >= positions.size() || positions[r] != 0) [[unlikely]]
+                        return false;
+                    visit(entry, r, position);
+                    positions[r] = ++position;
+                }
+                return true;
+            });
+        });
+    }
     /// By rank, a position in the list counted from 1; 0 where no entry has the label.
     [[nodiscard]] std::span<std::uint32_t> positions() const noexcept { return positions_; }
     [[nodiscard]] std::size_t size() const noexcept { return rank_.size(); }

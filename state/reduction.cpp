@@ -7,15 +7,6 @@
 
 namespace vantel::qudit {
 namespace {
-void insertion_sort(std::span<PackedAmplitude> list) noexcept {
-    for (std::size_t i = 1; i < list.size(); ++i) {
-        const PackedAmplitude entry = list[i];
-        std::size_t place = i;
-        for (; place > 0 && entry.values < list[place - 1].values; --place) list[place] = list[place - 1];
-        list[place] = entry;
-    }
-}
-
 /// Sorts words that hold key and position together, and then gathers the entries once.
 void radix_sort_entries(std::span<PackedAmplitude> list, unsigned index_bits) {
     std::vector<std::uint64_t> items(2 * list.size());
@@ -31,7 +22,8 @@ void radix_sort_entries(std::span<PackedAmplitude> list, unsigned index_bits) {
 /// Stable, so that the sums of the merge have one settled order.
 void sort_by_key(std::span<PackedAmplitude> list) noexcept {
     constexpr unsigned index_bits = 24; // a key has at most 40 bits
-    if (list.size() <= crossover::items_inserted) return insertion_sort(list);
+    if (list.size() <= crossover::items_inserted)
+        return insertion_sort(list, [](const PackedAmplitude& entry) { return entry.values; });
     try {
         if (list.size() >= crossover::items_for_radix && list.size() < std::size_t{1} << index_bits)
             return radix_sort_entries(list, index_bits);

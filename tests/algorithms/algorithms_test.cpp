@@ -40,8 +40,9 @@ TEST(GatheredBits, AreThoseOfTheMaskInTheirOrder) {
 
 TEST(RadixSort, IsStableAboveTheLowBits) {
     std::mt19937_64 words(1);
-    for (const unsigned low_bit : {0U, 12U, 40U}) {
-        std::vector<std::uint64_t> items(3000);
+    for (int i = 0; i < 6; ++i) {
+        const unsigned low_bit = std::array{0U, 12U, 40U}[i % 3];
+        std::vector<std::uint64_t> items(i < 3 ? 3000 : crossover::items_inserted);
         for (std::uint64_t& item : items) item = words() & 0xFFFFFFF0FFFU; // with digits in which none differ
         std::vector<std::uint64_t> sorted = items;
         std::vector<std::uint64_t> scratch(items.size());
