@@ -6,6 +6,7 @@
 #include "state/exceptions.hpp"
 #include "state/position_table.hpp"
 #include "state/reduction.hpp"
+#include <numeric>
 
 namespace vantel::qudit {
 namespace {
@@ -84,12 +85,13 @@ struct SharedByRank {
                                                                          auto) VANTEL_INLINED {
             ReducedOrder order(written, dimensions, holes);
             std::size_t count = 0;
+            Words stay = ~Words{};
             for (std::size_t rank = 0; rank < own.positions.size(); ++rank)
                 if constexpr (complete)
-                    count += own.add_complete(order, rank, holds) ? 1 : 0;
+                    stay &= own.add_complete(order, rank, holds);
                 else if (const std::uint32_t position = own.positions[rank]; position != 0)
                     count += own.add(order, rank, position, holds) ? 1 : 0;
-            kept = count;
+            kept = complete && highest_bits(stay) == 3 ? written.size() : count;
         });
         return kept;
     }
@@ -119,7 +121,7 @@ struct SharedByRank {
 
     /// The same without a branch on what an entry is.
     template <class Holds>
-    [[gnu::always_inline]] bool add_complete(ReducedOrder& order, std::size_t rank, const Holds& holds) const {
+    [[gnu::always_inline]] Words add_complete(ReducedOrder& order, std::size_t rank, const Holds& holds) const {
         const std::uint64_t values = entries[rank].values;
         const std::uint64_t ahead = exchange.ahead(values);
         const std::uint64_t shared = ~equal(ahead, 0) & holds(values);
@@ -128,7 +130,7 @@ struct SharedByRank {
                           shares.crossing.unrecovered(parts_of(entries[rank + ahead * stride].amplitude));
         const Parts sum = select(shared, met, amplitude);
         order.keep(values, sum, 1 + (shared & 1));
-        return exceeds_threshold(sum);
+        return exceed_threshold<PlainVectors>(sum);
     }
 };
 
@@ -153,19 +155,22 @@ bool share_by_rank(EntryList& list, SlotLayout layout, int low, int high, const 
     };
     const bool complete = table.is_complete();
     if (!(complete ? table.fill(entries, scratch, copy) : table.fill(entries, scratch, [](auto...) {}))) return false;
-    std::uint32_t copied = 0;
-    for (std::uint32_t& position : table.positions())
-        if (position != 0) {
-            if (!complete) copy(entries[position - 1], copied);
-            position = ++copied;
-        }
+    if (std::uint32_t copied = 0; !complete)
+        for (std::uint32_t& position : table.positions())
+            if (position != 0) {
+                copy(entries[position - 1], copied);
+                position = ++copied;
+            }
     const std::uint64_t stride = table.rank()(layout.one_level(high)) - table.rank()(layout.one_level(low));
     const SharedByRank shared{table.positions(), stride, copies, controls_hold, exchange, shares};
     const std::uint64_t dimensions = entries.front().dimensions;
     const std::size_t reached = complete ? 0 : shared.note_reached();
     std::uint32_t* const holes = scratch.take<std::uint32_t>(size + reached + 1);
     list.resize(size + reached);
-    if (complete && shared.write<true>(list.entries(), dimensions, holes) == size) return true;
+    if (complete) {
+        if (shared.write<true>(list.entries(), dimensions, holes) == size) return true;
+        std::iota(table.positions().begin(), table.positions().end(), std::uint32_t{1});
+    }
     // Mostly nothing is dropped. Otherwise it is known now how many sums stay, and they are written once more.
     if (const std::size_t kept = shared.write<false>(list.entries(), dimensions, holes); kept < list.entries().size()) {
         list.resize(kept);

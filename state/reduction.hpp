@@ -47,7 +47,8 @@ public:
     /// @return whether it stays
     [[gnu::always_inline]] bool add(std::uint64_t values, Parts amplitude, std::size_t run) noexcept {
         if (!exceeds_threshold(amplitude)) [[unlikely]] {
-            length_ += run; // places that the next sum notes as holes
+            note_holes(length_, length_ + run);
+            length_ += run;
             return false;
         }
         keep(values, amplitude, run);
@@ -59,20 +60,15 @@ public:
         const std::size_t first = length_;
         length_ += run;
         std::size_t place = length_ - 1;
-        if (place < size_) {
-            // No branch depends on how many labels a sum is of, as long as they are one or two and nothing was dropped
-            // before them: what is no hole is overwritten by the next.
-            if (covered_ == first && run <= 2) {
-                holes_[hole_count_] = static_cast<std::uint32_t>(first);
-                hole_count_ += run - 1;
-            } else {
-                note_holes_before(place);
-            }
-            covered_ = length_;
+        // No branch depends on how many labels a sum is of, as long as they are one or two: what is no hole is
+        // overwritten by the next.
+        if (run <= 2 && first < size_) {
+            holes_[hole_count_] = static_cast<std::uint32_t>(first);
+            hole_count_ += run - 1;
         } else {
-            note_holes_before(size_);
-            place = holes_[--hole_count_];
+            note_holes(first, place);
         }
+        if (place >= size_) place = holes_[--hole_count_];
         PackedAmplitude& entry = list_[place];
         entry.values = values;
         entry.dimensions = dimensions_;
@@ -80,8 +76,8 @@ public:
     }
 
 private:
-    void note_holes_before(std::size_t end) noexcept {
-        for (; covered_ < end; ++covered_) holes_[hole_count_++] = static_cast<std::uint32_t>(covered_);
+    void note_holes(std::size_t place, std::size_t end) noexcept {
+        for (; place < std::min(end, size_); ++place) holes_[hole_count_++] = static_cast<std::uint32_t>(place);
     }
 
     PackedAmplitude* list_;
@@ -89,8 +85,7 @@ private:
     std::uint64_t dimensions_;
     std::uint32_t* holes_; ///< places of the list that no sum has taken yet, ascending, and one more
     std::size_t hole_count_ = 0;
-    std::size_t covered_ = 0; ///< places before this one are taken or noted as holes
-    std::size_t length_ = 0;  ///< of the sorted list up to now
+    std::size_t length_ = 0; ///< of the sorted list up to now
 };
 
 /// The places that ReducedOrder gives where every sum is of `run` labels and none is dropped, without a list of holes.
