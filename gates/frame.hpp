@@ -70,17 +70,16 @@ private:
     std::array<Refusal, 256> refused_; ///< one for each level of each position at the most
 };
 
-/// Calls four(entries, one_by_one) for each four entries in a loop of wide vectors, which can turn to one_by_one(), and
-/// one(entry) for the others.
+/// Calls four(entries) for each four entries in a loop of wide vectors, and one(entry) for the others and for those
+/// that four() refuses.
 template <class Vectors, class Four, class One>
 [[gnu::always_inline]] inline void for_each_by_four(std::span<PackedAmplitude> entries, Vectors, Four four, One one) {
     PackedAmplitude* entry = entries.data();
     PackedAmplitude* const end = entry + entries.size();
     if constexpr (std::is_same_v<Vectors, WideVectors>)
         for (PackedAmplitude* const last = end - entries.size() % 4; entry != last; entry += 4)
-            four(entry, [=]() VANTEL_INLINED {
+            if (!four(entry)) [[unlikely]]
                 for (PackedAmplitude& each : std::span(entry, 4)) one(each);
-            });
     for (; entry != end; ++entry) one(*entry);
 }
 

@@ -12,12 +12,13 @@ namespace vantel::qudit {
 template <class Relabelling>
 void relabel_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold, Relabelling gate) {
     controls_hold.walk(entries, [gate](std::span<PackedAmplitude> walked, auto holds, auto vectors) VANTEL_INLINED {
-        const auto four = [=](PackedAmplitude* entry, auto one_by_one) VANTEL_INLINED {
+        const auto four = [=](PackedAmplitude* entry) VANTEL_INLINED {
             const FourRecords labels(entry);
             if (highest_bits_wide(gate.is_irregular(labels.first, labels.second)) != 0) [[unlikely]]
-                return one_by_one();
+                return false;
             const FourWords values = gate(labels.first, labels.second, holds(labels.first));
             for (int i = 0; i < 4; ++i) entry[i].values = values[i];
+            return true;
         };
         for_each_by_four(walked, vectors, four, [=](PackedAmplitude& entry) VANTEL_INLINED {
             if (highest_bits(gate.is_irregular(entry.values, entry.dimensions)) != 0) [[unlikely]] {

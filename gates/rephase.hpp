@@ -20,11 +20,11 @@ template <class Rephasing>
 void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& controls_hold, const Rephasing& given) {
     controls_hold.walk(entries, [&given](std::span<PackedAmplitude> walked, auto holds, auto vectors) VANTEL_INLINED {
         const Rephasing gate = given; // which no store to an entry can be thought to change
-        const auto four = [=](PackedAmplitude* entry, auto one_by_one) VANTEL_INLINED {
+        const auto four = [=](PackedAmplitude* entry) VANTEL_INLINED {
             FourRecords records(entry);
             const FourWords selected = holds(records.first);
             if constexpr (!std::is_same_v<decltype(holds), EveryLabel>)
-                if (highest_bits_wide(selected) == 0) return;
+                if (highest_bits_wide(selected) == 0) return true;
             const FourWords even = __builtin_shufflevector(gate.factor(entry[0]), gate.factor(entry[2]), 0, 1, 6, 7);
             const FourWords uneven = __builtin_shufflevector(gate.factor(entry[1]), gate.factor(entry[3]), 0, 1, 6, 7);
             const auto f = reinterpret_cast<FourParts>(__builtin_shufflevector(even, uneven, 0, 4, 2, 6));
@@ -35,11 +35,12 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
             FourWords numbers;
             find_numbers_wide(real, imaginary, numbers);
             if (highest_bits_wide(equal(records.second & gate.field, gate.top) & numbers) != 15) [[unlikely]]
-                return one_by_one();
+                return false;
             put_wide(selected, real, records.real);
             put_wide(selected, imaginary, records.imaginary);
             store_numbers(records.real, records.imaginary,
                           {&entry[0].amplitude, &entry[1].amplitude, &entry[2].amplitude, &entry[3].amplitude});
+            return true;
         };
         for_each_by_four(walked, vectors, four, [=](PackedAmplitude& entry) VANTEL_INLINED {
             if (holds(entry.values) != 0) store(gate.any_factor(entry)(parts_of(entry.amplitude)), entry.amplitude);
