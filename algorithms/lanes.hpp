@@ -62,13 +62,7 @@ inline std::uint64_t equal(std::uint64_t a, std::uint64_t b) noexcept { return -
 
 /// The highest bit of each word, side by side: of a mask, which words are set.
 inline unsigned highest_bits(std::uint64_t word) noexcept { return static_cast<unsigned>(word >> 63); }
-inline unsigned highest_bits(Words words) noexcept {
-#ifdef __SSE2__
-    return static_cast<unsigned>(__builtin_ia32_movmskpd(reinterpret_cast<Parts>(words))); // at once
-#else
-    return highest_bits(words[0]) | highest_bits(words[1]) << 1;
-#endif
-}
+inline unsigned highest_bits(Words words) noexcept { return highest_bits(words[0]) | highest_bits(words[1]) << 1; }
 
 /// `chosen` where the mask is set, `other` elsewhere.
 [[gnu::always_inline]] inline Parts select(std::uint64_t mask, Parts chosen, Parts other) noexcept {
@@ -80,9 +74,8 @@ inline unsigned highest_bits(Words words) noexcept {
 [[gnu::target("avx2")]] inline unsigned highest_bits_wide(const FourWords& words) noexcept {
     return static_cast<unsigned>(__builtin_ia32_movmskpd256(reinterpret_cast<const FourParts&>(words)));
 }
-/// A mask of where neither a nor b is NaN.
-[[gnu::target("avx2")]] inline void find_numbers_wide(const FourParts& a, const FourParts& b,
-                                                      FourWords& mask) noexcept {
+/// A mask of where a and b are ordered, that is neither is NaN.
+[[gnu::target("avx2")]] inline void ordered_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept {
     constexpr int ordered = 7;
     mask = reinterpret_cast<FourWords>(__builtin_ia32_cmppd256(a, b, ordered));
 }
@@ -93,7 +86,7 @@ inline unsigned highest_bits(Words words) noexcept {
 }
 #else
 unsigned highest_bits_wide(const FourWords& words) noexcept;
-void find_numbers_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept;
+void ordered_wide(const FourParts& a, const FourParts& b, FourWords& mask) noexcept;
 void put_wide(const FourWords& mask, const FourParts& chosen, FourParts& other) noexcept;
 #endif
 

@@ -90,8 +90,7 @@ template <std::size_t d> struct StoredOrder {
     }
     [[gnu::noinline]] static StoredOrder of(const std::uint32_t* row) {
         StoredOrder order;
-        const Members<d> members(row);
-        for (std::size_t i = 0; i < d; ++i) order.levels[i] = static_cast<std::uint8_t>(members[i].level);
+        std::sort(order.levels.begin(), order.levels.end(), [row](auto a, auto b) { return row[a] < row[b]; });
         return order;
     }
 };

@@ -1,11 +1,9 @@
 /// The sums of the Fourier transform's groups.
-#include "algorithms/constant_count.hpp"
 #include "algorithms/crossovers.hpp"
 #include "gates/fourier_group.hpp"
 #include "gates/fourier_sums.hpp"
 #include "state/label_groups.hpp"
 #include "state/position_table.hpp"
-#include "state/reduction.hpp"
 
 namespace vantel::qudit {
 namespace {
@@ -33,13 +31,11 @@ public:
         }
     }
 
-    [[nodiscard]] const FourierSums& sums() const { return sums_; }
-
-private:
+    /// @param member_at  member_at(i) is the i-th of `size` members, in stored order
     template <class Vectors, class MemberAt>
     [[gnu::always_inline]] void add_group(const std::uint32_t* row, std::size_t size, MemberAt member_at) {
         const std::uint64_t values = entries_[member_at(0).position].values;
-        Parts* const sums = sums_.sums + sums_.count;
+        Parts* const sums = sums_.sum(sums_.count, 0);
         FourierSums::Group& group = sums_.groups[sums_.count++];
         group.others = values & ~field_;
         group.run = static_cast<std::uint32_t>(size);
@@ -63,6 +59,9 @@ private:
         sums_.same_run &= group.run != 0 && group.run == sums_.groups[0].run;
     }
 
+    [[nodiscard]] const FourierSums& sums() const { return sums_; }
+
+private:
     /// A sum in which an infinity could be recovered takes the standard's product throughout. Static, since an object
     /// that is handed over would not stay in registers.
     /// @return how many stay
@@ -123,12 +122,14 @@ template <std::size_t d> FourierSums add_groups(const GroupAdder<d, false>& adde
         bool regular = true;
         groups.for_each([&](std::span<const std::uint32_t> members) VANTEL_INLINED {
             std::array<std::uint32_t, d> row{};
+            const auto level_of = [=](std::uint32_t member) { return entries[member].values >> position & mask; };
             for (const std::uint32_t member : members) {
-                const std::uint64_t level = entries[member].values >> position & mask;
-                regular &= level < d && row[std::min(level, d - 1)] == 0;
-                row[std::min(level, d - 1)] = member + 1;
+                regular &= level_of(member) < d && row[std::min(level_of(member), d - 1)] == 0;
+                row[std::min(level_of(member), d - 1)] = member + 1;
             }
-            own.add(row.data(), vectors);
+            own.template add_group<decltype(vectors)>(row.data(), members.size(), [=](std::size_t i) VANTEL_INLINED {
+                return Member{members[i], static_cast<std::uint32_t>(std::min(level_of(members[i]), d - 1))};
+            });
         });
         FourierSums sums = own.sums();
         sums.regular = regular;
@@ -155,7 +156,7 @@ bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const C
     FourierFactors factors(d, sign);
     for (std::uint64_t level = 0; level < d; ++level)
         if (survey.may_occur(layout, target, level)) factors.from(level);
-    FourierSums sums(most, layout, target, entries.front(), scratch);
+    FourierSums sums(most, table.is_close(), layout, target, entries.front(), scratch);
     sums = with_constant<2, MAX_QUDIT_DIMENSION>(d, [&](auto constant) {
         if (table.is_close() && table.is_complete())
             return add_groups(GroupAdder<constant, true>(entries, layout, target, controls_hold, factors, sums),

@@ -18,12 +18,12 @@ void write_uniform(const FourierSums& sums, std::span<PackedAmplitude> list) {
     wide_loop([list, sums]() VANTEL_INLINED {
         UniformOrder order(sums.kept, sums.groups[0].run);
         for_each_stretch(sums, [&](std::uint64_t k, std::size_t begin, std::size_t end) VANTEL_INLINED {
-            const Parts* const sum = sums.sums + k * sums.stride + begin;
+            const Parts* const sum = sums.sum(begin, k);
             order.take(end - begin, [&](std::size_t i, std::size_t place) VANTEL_INLINED {
                 PackedAmplitude& entry = list[place];
                 entry.values = sums.groups[begin + i].others | k << sums.position;
                 entry.dimensions = sums.dimensions;
-                store(sum[i], entry.amplitude);
+                store(sum[i * sums.group_stride], entry.amplitude);
             });
         });
     });
@@ -37,7 +37,7 @@ void write_each(const FourierSums& sums, std::span<PackedAmplitude> list, std::u
             for (std::size_t i = begin; i < end; ++i) {
                 const FourierSums::Group& group = sums.groups[i];
                 const std::uint64_t values = group.others | k << sums.position;
-                const Parts sum = sums.sums[k * sums.stride + i];
+                const Parts sum = *sums.sum(i, k);
                 if constexpr (all_stay)
                     order.keep(values, sum, group.run);
                 else if (group.run != 0 || (group.present >> k & 1) != 0)

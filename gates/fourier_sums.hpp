@@ -15,11 +15,18 @@ struct FourierSums {
         std::uint32_t present; ///< for such a group, a bit for each of these levels
     };
 
-    /// @param most  how many groups will be added at the most
-    FourierSums(std::size_t most, SlotLayout layout, int target, const PackedAmplitude& first, Scratch& scratch)
+    /// @param most        how many groups will be added at the most
+    /// @param neighbours  whether many of them will be, so that their sums of one level are written together
+    FourierSums(std::size_t most, bool neighbours, SlotLayout layout, int target, const PackedAmplitude& first,
+                Scratch& scratch)
         : dimension(layout.dimension(first.dimensions, target)), position(layout.position(target)),
-          dimensions(first.dimensions), stride(most + (most < 64 ? 0 : 4)), groups(scratch.take<Group>(most)),
-          sums(scratch.take<Parts>(stride * dimension)) {}
+          dimensions(first.dimensions), stride(neighbours ? most + (most < 64 ? 0 : 4) : 1),
+          group_stride(neighbours ? 1 : dimension), groups(scratch.take<Group>(most)),
+          sums(scratch.take<Parts>((most + 4) * dimension)) {}
+    /// Of the group that was added after `group` others.
+    [[nodiscard]] Parts* sum(std::size_t group, std::uint64_t level) const noexcept {
+        return sums + group * group_stride + level * stride;
+    }
 
     /// Writes the sums that stay, `kept` of them, in the order that a reduction leaves.
     /// @param holes  scratch for kept + 1 places
@@ -29,8 +36,9 @@ struct FourierSums {
     unsigned position;
     std::uint64_t dimensions; ///< of every label
     std::size_t stride;       ///< from level to level; no power of two, or the levels would contend for the cache
+    std::size_t group_stride; ///< from group to group
     Group* groups;
-    Parts* sums; ///< of each level those of all groups, which is how they are written
+    Parts* sums; ///< level by level, or group by group
     std::size_t count = 0;
     std::size_t kept = 0;
     bool same_run = true; ///< whether all groups have as many children, and none only some levels

@@ -1,7 +1,6 @@
 #include "gates/frame.hpp"
 #include "state/exceptions.hpp"
 #include "state/limits.hpp"
-#include <algorithm>
 
 namespace vantel::qudit {
 ControlTest::ControlTest(std::span<const Predicate> controls, SlotLayout layout) noexcept : field_(layout.mask()) {

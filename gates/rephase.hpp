@@ -33,7 +33,7 @@ void rephase_selected(std::span<PackedAmplitude> entries, const ControlTest& con
             const FourParts imaginary = records.imaginary * f + records.real * g;
             // A product with NaN may have an infinity to recover.
             FourWords numbers;
-            find_numbers_wide(real, imaginary, numbers);
+            ordered_wide(real, imaginary, numbers);
             if (highest_bits_wide(equal(records.second & gate.field, gate.top) & numbers) != 15) [[unlikely]]
                 return false;
             put_wide(selected, real, records.real);

@@ -1,7 +1,6 @@
 #include "readout/density_matrix.hpp"
 #include "algorithms/complex_product.hpp"
 #include "algorithms/crossovers.hpp"
-#include "algorithms/gathered_bits.hpp"
 #include "algorithms/key_index.hpp"
 #include "readout/outcomes.hpp"
 #include "state/builds.hpp"
@@ -76,17 +75,17 @@ struct Numbering {
 
     Numbering(PackedEntries entries, std::uint64_t fields) : of(entries.size()) {
         const GatheredBits levels(fields);
+        const auto number_all = [&](auto number_of) {
+            for (std::size_t i = 0; i < entries.size(); ++i)
+                of[i] = static_cast<std::uint32_t>(number_of(entries[i].values));
+        };
         if (levels.bits() <= 8) { // levels so few that they are numbers themselves
-            levels.cheapest([&](auto number_of) {
-                for (std::size_t i = 0; i < entries.size(); ++i)
-                    of[i] = static_cast<std::uint32_t>(number_of(entries[i].values));
-            });
+            levels.cheapest(number_all);
             size = std::size_t{1} << levels.bits();
             return;
         }
         size = with_key_index(levels.bits(), entries.size(), [&](auto& seen) {
-            for (std::size_t i = 0; i < entries.size(); ++i)
-                of[i] = static_cast<std::uint32_t>(seen.find_or_add(levels(entries[i].values)));
+            number_all([&](std::uint64_t values) { return seen.find_or_add(levels(values)); });
             return seen.size();
         });
     }

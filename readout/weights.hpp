@@ -79,17 +79,20 @@ sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed, PlaceOf place_of
         const std::size_t place = place_of(first.values);
         return AtHand{first.values & listed, place, sums[place]};
     };
+    std::uint64_t shown = entry->values & listed;
     // Adds a run of entries that show one outcome, for which another may have to go. Returns whether there are more.
     const auto add_run = [&](AtHand& hand) VANTEL_INLINED {
-        if ((entry->values & listed) != hand.shown) {
+        if (shown != hand.shown) {
             sums[hand.place] = hand.sum;
             hand = take(*entry);
         }
         do {
-            hand.sum += Weight{}((entry++)->amplitude);
+            hand.sum += Weight{}(entry->amplitude);
             note(hand.place);
-        } while (entry != end && (entry->values & listed) == hand.shown);
-        return entry != end;
+            if (++entry == end) return false;
+            shown = entry->values & listed;
+        } while (shown == hand.shown);
+        return true;
     };
     AtHand one = take(*entry);
     AtHand other = one; // until the first run of another outcome, and then stored before it could do harm

@@ -1,6 +1,5 @@
 #include "state/distinct_labels.hpp"
 #include "state/state_factory.hpp"
-#include <algorithm>
 
 namespace vantel::qudit {
 namespace {
