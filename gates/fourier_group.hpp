@@ -49,7 +49,7 @@ private:
 /// An entry of a group.
 struct Member {
     std::uint32_t position; ///< in the list
-    std::uint32_t level;    ///< of the target
+    std::uint64_t level;    ///< of the target
 };
 
 /// All of them, in stored order.
@@ -78,20 +78,25 @@ private:
     std::uint32_t count_ = 0;
 };
 
-/// The levels of a group that has an entry of each, as these are stored: mostly in the order of the group before.
-template <std::size_t d> struct StoredOrder {
-    std::array<std::uint8_t, d> levels;
-
-    StoredOrder() { std::iota(levels.begin(), levels.end(), std::uint8_t{0}); }
+/// The levels of a group that has an entry of each, as these are stored: mostly in the order of the one before.
+template <std::size_t d> class StoredOrder {
+public:
+    StoredOrder() { std::iota(levels_.begin(), levels_.end(), std::uint8_t{0}); }
+    /// @param members  one of each level
+    explicit StoredOrder(const Members<d>& members) {
+        for (std::size_t i = 0; i < d; ++i) levels_[i] = static_cast<std::uint8_t>(members[i].level);
+    }
+    /// Whether a group has an entry of each level, in this order.
     [[nodiscard, gnu::always_inline]] bool is_that_of(const std::uint32_t* row) const {
-        bool ascending = true;
-        unrolled<d - 1>([&](auto i) VANTEL_INLINED { ascending &= row[levels[i]] < row[levels[i + 1]]; });
+        if constexpr (d == 2) return std::min(row[0], row[1]) != 0;
+        bool ascending = row[levels_[0]] != 0;
+        unrolled<d - 1>([&](auto i) VANTEL_INLINED { ascending &= row[levels_[i]] < row[levels_[i + 1]]; });
         return ascending;
     }
-    [[gnu::noinline]] static StoredOrder of(const std::uint32_t* row) {
-        StoredOrder order;
-        std::sort(order.levels.begin(), order.levels.end(), [row](auto a, auto b) { return row[a] < row[b]; });
-        return order;
-    }
+    /// Two summands have one sum in either order.
+    [[nodiscard]] std::uint64_t operator[](std::size_t i) const { return d == 2 ? i : levels_[i]; }
+
+private:
+    std::array<std::uint8_t, d> levels_;
 };
 } // namespace vantel::qudit

@@ -8,7 +8,7 @@
 namespace vantel::qudit {
 namespace {
 /// Adds groups to the sums of a list. It is copied into the loop that it works in.
-template <std::size_t d, bool full> class GroupAdder {
+template <std::size_t d> class GroupAdder {
 public:
     GroupAdder(PackedEntries entries, SlotLayout layout, int target, const ControlTest& controls_hold,
                const FourierFactors& factors, const FourierSums& sums)
@@ -17,30 +17,31 @@ public:
 
     /// @param row  by level, positions counted from 1; 0 where there is no entry
     template <class Vectors> [[gnu::always_inline]] void add(const std::uint32_t* row, Vectors) {
-        if constexpr (full) {
-            // Two summands have one sum in either order.
-            if (d > 2 && !order_.is_that_of(row)) [[unlikely]]
-                order_ = StoredOrder<d>::of(row);
-            add_group<Vectors>(row, d, [this, row](std::size_t i) VANTEL_INLINED {
-                return Member{row[order_.levels[i]] - 1, order_.levels[i]};
-            });
-        } else {
+        if (!order_.is_that_of(row)) [[unlikely]] {
             const Members<d> members(row);
-            if (members.size() != 0)
-                add_group<Vectors>(row, members.size(), [&](std::size_t i) VANTEL_INLINED { return members[i]; });
+            if (members.size() < d) {
+                if (members.size() != 0)
+                    add_group<Vectors>(row, members.size(), [&](std::size_t i) VANTEL_INLINED { return members[i]; });
+                return;
+            }
+            order_ = StoredOrder<d>(members);
         }
+        add_group<Vectors>(row, std::integral_constant<std::size_t, d>(), [this, row](std::size_t i) VANTEL_INLINED {
+            return Member{row[order_[i]] - 1, order_[i]};
+        });
     }
 
-    /// @param member_at  member_at(i) is the i-th of `size` members, in stored order
-    template <class Vectors, class MemberAt>
-    [[gnu::always_inline]] void add_group(const std::uint32_t* row, std::size_t size, MemberAt member_at) {
+    /// @param size       how many members there are, a constant where an entry has each level
+    /// @param member_at  member_at(i) is the i-th of them, in stored order
+    template <class Vectors, class Size, class MemberAt>
+    [[gnu::always_inline]] void add_group(const std::uint32_t* row, Size size, MemberAt member_at) {
         const std::uint64_t values = entries_[member_at(0).position].values;
         Parts* const sums = sums_.sum(sums_.count, 0);
         FourierSums::Group& group = sums_.groups[sums_.count++];
         group.others = values & ~field_;
         group.run = static_cast<std::uint32_t>(size);
         if (controls_hold_ != nullptr && !(*controls_hold_)(values)) {
-            keep(group, row, sums);
+            keep(group, row, size, sums);
         } else {
             // Each sum over the children of all members, in stored order.
             LevelSums<d, Vectors> of_group;
@@ -49,7 +50,7 @@ public:
                 of_group.add(rows_[member.level], amplitude(member.position), first);
             };
             add(0, std::true_type());
-            if constexpr (full)
+            if constexpr (!std::is_integral_v<Size>)
                 unrolled<d - 1>([&](auto i) VANTEL_INLINED { add(i + 1, std::false_type()); });
             else
                 for (std::size_t i = 1; i < size; ++i) add(i, std::false_type());
@@ -82,10 +83,10 @@ private:
     }
 
     /// A group that the controls leave out: each entry is a sum of its own.
-    [[gnu::always_inline]] void keep(FourierSums::Group& group, const std::uint32_t* row, Parts* sums) {
+    [[gnu::always_inline]] void keep(FourierSums::Group& group, const std::uint32_t* row, auto size, Parts* sums) {
         std::uint32_t present = 0;
         unrolled<d>([&](auto level) VANTEL_INLINED {
-            if (!full && row[level] == 0) return;
+            if (size < d && row[level] == 0) return;
             present |= 1U << level;
             const Parts sum = sums[level * sums_.stride] = amplitude(row[level] - 1);
             sums_.kept += exceeds_threshold(sum) ? 1 : 0;
@@ -101,24 +102,23 @@ private:
     const ControlTest* controls_hold_; ///< none where there are no controls
     const FourierFactors::Row* rows_;
     FourierSums sums_;
-    StoredOrder<d> order_; ///< of the group before, where all are full
+    StoredOrder<d> order_; ///< of the last group that had all levels
 };
 
 /// All groups of a list that has a table with the target's level varying fastest.
-template <std::size_t d, bool full>
-FourierSums add_groups(const GroupAdder<d, full>& adder, std::span<const std::uint32_t> positions) {
+template <std::size_t d> FourierSums add_groups(const GroupAdder<d>& adder, std::span<const std::uint32_t> positions) {
     return wide_loop([adder, positions](auto vectors) VANTEL_INLINED {
-        GroupAdder<d, full> own = adder;
+        GroupAdder<d> own = adder;
         for (std::size_t rank = 0; rank < positions.size(); rank += d) own.add(&positions[rank], vectors);
         return own.sums();
     });
 }
 
 /// All groups of a list whose labels are far apart.
-template <std::size_t d> FourierSums add_groups(const GroupAdder<d, false>& adder, const LabelGroups& groups,
+template <std::size_t d> FourierSums add_groups(const GroupAdder<d>& adder, const LabelGroups& groups,
                                                 PackedEntries entries, unsigned position, std::uint64_t mask) {
     return wide_loop([=, &groups](auto vectors) VANTEL_INLINED {
-        GroupAdder<d, false> own = adder;
+        GroupAdder<d> own = adder;
         bool regular = true;
         groups.for_each([&](std::span<const std::uint32_t> members) VANTEL_INLINED {
             std::array<std::uint32_t, d> row{};
@@ -128,7 +128,7 @@ template <std::size_t d> FourierSums add_groups(const GroupAdder<d, false>& adde
                 row[std::min(level_of(member), d - 1)] = member + 1;
             }
             own.template add_group<decltype(vectors)>(row.data(), members.size(), [=](std::size_t i) VANTEL_INLINED {
-                return Member{members[i], static_cast<std::uint32_t>(std::min(level_of(members[i]), d - 1))};
+                return Member{members[i], std::min(level_of(members[i]), d - 1)};
             });
         });
         FourierSums sums = own.sums();
@@ -158,10 +158,7 @@ bool transform_by_groups(EntryList& list, SlotLayout layout, int target, const C
         if (survey.may_occur(layout, target, level)) factors.from(level);
     FourierSums sums(most, table.is_close(), layout, target, entries.front(), scratch);
     sums = with_constant<2, MAX_QUDIT_DIMENSION>(d, [&](auto constant) {
-        if (table.is_close() && table.is_complete())
-            return add_groups(GroupAdder<constant, true>(entries, layout, target, controls_hold, factors, sums),
-                              table.positions());
-        const GroupAdder<constant, false> adder(entries, layout, target, controls_hold, factors, sums);
+        const GroupAdder<constant> adder(entries, layout, target, controls_hold, factors, sums);
         if (table.is_close()) return add_groups(adder, table.positions());
         return add_groups(adder, LabelGroups(entries, ~layout.field(target), scratch), entries, layout.position(target),
                           layout.mask());

@@ -58,8 +58,6 @@ inline Conditions conditions(const PredicateRecord* records, std::size_t count) 
 /// A copy of a caller's property list, under the same terms.
 inline std::vector<QuantumProperty*> listed(QuantumProperty** properties, std::size_t count) {
     refuse_count<QuantumProperty*>(count);
-    std::vector<QuantumProperty*> copy(count);
-    for (std::size_t i = 0; i < count; ++i) copy[i] = properties[i];
-    return copy;
+    return {properties, properties + count};
 }
 } // namespace vantel

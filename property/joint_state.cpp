@@ -65,9 +65,7 @@ QuantumProperty::QuantumProperty(std::unique_ptr<qudit::IState> state, int index
     : shared_state(std::make_shared<SharedState>(std::move(state), this)), index(index_in_state) {}
 
 QuantumProperty make_quantum_property(unsigned long dimension) {
-    const auto ground = [dimension](std::span<qudit::PackedAmplitude> list) {
-        list[0] = {0, dimension - 1, {1.0, 0.0}};
-    };
+    const auto ground = [dimension](auto list) { list[0] = {0, dimension - 1, {1.0, 0.0}}; };
     return {Factory::make_unique_state({dimension, 1}, qudit::EntrySource{1, ground}), 0};
 }
 

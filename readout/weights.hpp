@@ -86,6 +86,7 @@ sum_up_two_at_hand(PackedEntries entries, std::uint64_t listed, PlaceOf place_of
             sums[hand.place] = hand.sum;
             hand = take(*entry);
         }
+#pragma GCC unroll 2
         do {
             hand.sum += Weight{}(entry->amplitude);
             note(hand.place);
