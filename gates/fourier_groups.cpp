@@ -89,7 +89,7 @@ private:
             if (size < d && row[level] == 0) return;
             present |= 1U << level;
             const Parts sum = sums[level * sums_.stride] = amplitude(row[level] - 1);
-            sums_.kept += exceeds_threshold(sum) ? 1 : 0;
+            sums_.kept += exceed_threshold<PlainVectors>(sum)[0] & 1;
         });
         group.present = present;
         group.run = present == (1U << d) - 1 ? 1 : 0;
