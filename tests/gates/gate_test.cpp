@@ -102,6 +102,24 @@ TEST(Gates, TreatListsOfEveryKindAsTheLiteralModelDoes) {
     }
 }
 
+TEST(Gates, TransformLabelsFarApartOfWhichEachIsRepeated) {
+    Entries entries;
+    for (std::uint64_t i = 0; i < 24; ++i) {
+        entries.push_back({{{2 * (i % 2), 2}}, {1.0 / double(i + 1), 0.5}});
+        for (std::uint64_t rest = 367 * (i / 2) % 4096, qudit = 0; qudit < 6; ++qudit, rest /= 4)
+            entries.back().dits.push_back({rest % 4, 4});
+    }
+    for (const Controls& controls : {Controls{}, Controls{{1, 1, true}}, Controls{{2, 0, false}}}) {
+        const auto state = Factory::make_unique_state({4, 7}, entries);
+        reference::LiteralState literal({4, 7}, entries);
+        state->cycle({0}, {}); // levels 0 and 2 both go to 1
+        literal.cycle({0}, {});
+        state->hadamard({3}, controls);
+        literal.hadamard({3}, controls);
+        EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes()));
+    }
+}
+
 TEST(Merge, TakesTheFirstProductOfARepeatedLabel) {
     for (const std::size_t size : {2U, 6U, 36U}) {
         Entries entries;

@@ -3,4 +3,5 @@
 #include <vantel.hpp>
 #include <vantel_exceptions.hpp>
 #include <vantel_guarded.h>
+#include <vantel_guarded.h>
 int main() { return vantel_ok; }

@@ -1,5 +1,6 @@
 #include "interface/quantum_property.hpp"
 #include "property/operations.hpp"
+#include "state/reduction.hpp"
 #include "tests/support/allocations.hpp"
 #include "tests/support/handles.hpp"
 #include "tests/support/random_source.hpp"
@@ -291,6 +292,22 @@ TEST_P(AllocationFailure, LeavesAToldStateUsableHandlesAndNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(Situations, AllocationFailure, ::testing::ValuesIn(situations),
                          [](const auto& tested) { return tested.param.name; });
+
+TEST(Reduction, LeavesTheSameWithoutScratchMemory) {
+    std::vector<qudit::PackedAmplitude> list;
+    for (std::uint64_t i = 0; i < 1000; ++i)
+        list.push_back({i * 617 % 400, 399, {1.0 / double(i + 1), static_cast<double>(i % 7) - 3.0}});
+    std::vector<qudit::PackedAmplitude> same = list;
+    const std::size_t kept = qudit::reduce_entries(list);
+    fail_allocations_after(0, Failing::from_then_on);
+    const std::size_t kept_without = qudit::reduce_entries(same);
+    stop_failing();
+    ASSERT_EQ(kept_without, kept);
+    for (std::size_t i = 0; i < kept; ++i) {
+        EXPECT_EQ(same[i].values, list[i].values);
+        EXPECT_TRUE(same_bits(same[i].amplitude, list[i].amplitude));
+    }
+}
 
 TEST(Status, IsWrittenBeforeAnAllocationCanFail) {
     int status = 77;

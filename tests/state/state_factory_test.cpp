@@ -53,6 +53,12 @@ TEST(Construction, TellsLabelsApartByTheirLevelsAloneAndDropsExactZerosAfterward
 }
 
 // The holes of dropped entries are filled from the tail; a stable removal would be a fault.
+TEST(State, HasTheDimensionsOfItsFirstEntry) {
+    const auto state = Factory::make_unique_state({4, 2}, Entries{{{{0, 2}, {1, 4}}, 0.6}, {{{1, 3}, {2, 3}}, 0.8}});
+    EXPECT_EQ(state->qudit_dimension(0), 2U);
+    EXPECT_EQ(state->qudit_dimension(1), 4U);
+}
+
 TEST(Reduction, LeavesTheToldEntriesInTheToldOrder) {
     constexpr double t = 0x1p-23, nan = std::numeric_limits<double>::quiet_NaN();
     const double above = std::nextafter(t, 1.0);
