@@ -39,9 +39,10 @@ public:
         Parts* const sums = sums_.sum(sums_.count, 0);
         FourierSums::Group& group = sums_.groups[sums_.count++];
         group.others = values & ~field_;
-        group.run = static_cast<std::uint32_t>(size);
+        auto run = static_cast<std::uint32_t>(size);
         if (controls_hold_ != nullptr && !(*controls_hold_)(values)) {
-            keep(group, row, size, sums);
+            group.present = keep(row, size, sums);
+            run = group.present == (1U << d) - 1 ? 1 : 0;
         } else {
             // Each sum over the children of all members, in stored order.
             LevelSums<d, Vectors> of_group;
@@ -57,7 +58,8 @@ public:
             const bool all_stay = of_group.store(sums, sums_.stride);
             sums_.kept += all_stay ? d : recover(entries_, rows_, row, sums, sums_.stride);
         }
-        sums_.same_run &= group.run != 0 && group.run == sums_.groups[0].run;
+        group.run = run;
+        sums_.same_run &= run != 0 && run == sums_.groups[0].run;
     }
 
     [[nodiscard]] const FourierSums& sums() const { return sums_; }
@@ -82,8 +84,8 @@ private:
         return kept;
     }
 
-    /// A group that the controls leave out: each entry is a sum of its own.
-    [[gnu::always_inline]] void keep(FourierSums::Group& group, const std::uint32_t* row, auto size, Parts* sums) {
+    /// A group that the controls leave out: each entry is a sum of its own. @return a bit for each level that has one
+    [[gnu::always_inline]] std::uint32_t keep(const std::uint32_t* row, auto size, Parts* sums) {
         std::uint32_t present = 0;
         unrolled<d>([&](auto level) VANTEL_INLINED {
             if (size < d && row[level] == 0) return;
@@ -91,8 +93,7 @@ private:
             const Parts sum = sums[level * sums_.stride] = amplitude(row[level] - 1);
             sums_.kept += exceed_threshold<PlainVectors>(sum)[0] & 1;
         });
-        group.present = present;
-        group.run = present == (1U << d) - 1 ? 1 : 0;
+        return present;
     }
 
     [[nodiscard]] Parts amplitude(std::uint32_t position) const { return parts_of(entries_[position].amplitude); }
