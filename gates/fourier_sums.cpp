@@ -34,14 +34,14 @@ void write_each(const FourierSums& sums, std::span<PackedAmplitude> list, std::u
     wide_loop([list, holes, sums]() VANTEL_INLINED {
         ReducedOrder order(list, sums.dimensions, holes);
         for_each_stretch(sums, [&](std::uint64_t k, std::size_t begin, std::size_t end) VANTEL_INLINED {
-            for (std::size_t i = begin; i < end; ++i) {
-                const FourierSums::Group& group = sums.groups[i];
+            const Parts* sum = sums.sum(begin, k);
+            for (const FourierSums::Group& group : std::span(sums.groups + begin, sums.groups + end)) {
                 const std::uint64_t values = group.others | k << sums.position;
-                const Parts sum = *sums.sum(i, k);
                 if constexpr (all_stay)
-                    order.keep(values, sum, group.run);
+                    order.keep(values, *sum, group.run);
                 else if (group.run != 0 || (group.present >> k & 1) != 0)
-                    order.add(values, sum, std::max(group.run, 1U));
+                    order.add(values, *sum, std::max(group.run, 1U));
+                sum += sums.group_stride;
             }
         });
     });
