@@ -40,17 +40,17 @@ TEST(GatheredBits, AreThoseOfTheMaskInTheirOrder) {
 
 TEST(RadixSort, IsStableAboveTheLowBits) {
     std::mt19937_64 words(1);
-    for (int i = 0; i < 6; ++i) {
-        const unsigned low_bit = std::array{0U, 12U, 40U}[i % 3];
-        std::vector<std::uint64_t> items(i < 3 ? 3000 : crossover::items_inserted);
-        for (std::uint64_t& item : items) item = words() & 0xFFFFFFF0FFFU; // with digits in which none differ
-        std::vector<std::uint64_t> sorted = items;
-        std::vector<std::uint64_t> scratch(items.size());
-        std::stable_sort(sorted.begin(), sorted.end(),
-                         [=](std::uint64_t a, std::uint64_t b) { return a >> low_bit < b >> low_bit; });
-        radix_sort(items, scratch, low_bit);
-        EXPECT_EQ(items, sorted) << low_bit;
-    }
+    for (const unsigned low_bit : {0U, 12U, 40U})
+        for (const std::size_t size : {std::size_t{3000}, crossover::items_inserted}) {
+            std::vector<std::uint64_t> items(size);
+            for (std::uint64_t& item : items) item = words() & 0xFFFFFFF0FFFU; // with digits in which none differ
+            std::vector<std::uint64_t> sorted = items;
+            std::vector<std::uint64_t> scratch(items.size());
+            std::stable_sort(sorted.begin(), sorted.end(),
+                             [=](std::uint64_t a, std::uint64_t b) { return a >> low_bit < b >> low_bit; });
+            radix_sort(items, scratch, low_bit);
+            EXPECT_EQ(items, sorted) << low_bit;
+        }
 }
 
 TEST(TwoEndedPartition, FillsEachHoleWithTheKeptItemNearestTheTail) {
