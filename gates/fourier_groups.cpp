@@ -41,7 +41,7 @@ public:
         group.others = values & ~field_;
         auto run = static_cast<std::uint32_t>(size);
         if (controls_hold_ != nullptr && !(*controls_hold_)(values)) {
-            group.present = keep(row, size, sums);
+            group.present = keep(row, sums);
             run = group.present == (1U << d) - 1 ? 1 : 0;
         } else {
             // Each sum over the children of all members, in stored order.
@@ -85,10 +85,10 @@ private:
     }
 
     /// A group that the controls leave out: each entry is a sum of its own. @return a bit for each level that has one
-    [[gnu::always_inline]] std::uint32_t keep(const std::uint32_t* row, auto size, Parts* sums) {
+    [[gnu::always_inline]] std::uint32_t keep(const std::uint32_t* row, Parts* sums) {
         std::uint32_t present = 0;
         unrolled<d>([&](auto level) VANTEL_INLINED {
-            if (size < d && row[level] == 0) return;
+            if (row[level] == 0) return;
             present |= 1U << level;
             const Parts sum = sums[level * sums_.stride] = amplitude(row[level] - 1);
             sums_.kept += exceed_threshold<PlainVectors>(sum)[0] & 1;

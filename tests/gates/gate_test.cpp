@@ -109,15 +109,16 @@ TEST(Gates, TransformLabelsFarApartOfWhichEachIsRepeated) {
         for (std::uint64_t rest = 367 * (i / 2) % 4096, qudit = 0; qudit < 6; ++qudit, rest /= 4)
             entries.back().dits.push_back({rest % 4, 4});
     }
-    for (const Controls& controls : {Controls{}, Controls{{1, 1, true}}, Controls{{2, 0, false}}}) {
-        const auto state = Factory::make_unique_state({4, 7}, entries);
-        reference::LiteralState literal({4, 7}, entries);
-        state->cycle({0}, {}); // levels 0 and 2 both go to 1
-        literal.cycle({0}, {});
-        state->hadamard({3}, controls);
-        literal.hadamard({3}, controls);
-        EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes()));
-    }
+    for (const int target : {0, 3}) // a group of as many entries as the first has levels, but of one level
+        for (const Controls& controls : {Controls{}, Controls{{1, 1, true}}, Controls{{2, 0, false}}}) {
+            const auto state = Factory::make_unique_state({4, 7}, entries);
+            reference::LiteralState literal({4, 7}, entries);
+            state->cycle({0}, {}); // levels 0 and 2 both go to 1
+            literal.cycle({0}, {});
+            state->hadamard({target}, controls);
+            literal.hadamard({target}, controls);
+            EXPECT_TRUE(same_entries(state->basis_amplitudes(), literal.basis_amplitudes()));
+        }
 }
 
 TEST(Merge, TakesTheFirstProductOfARepeatedLabel) {
